@@ -1,0 +1,399 @@
+/*
+ * comnlib.h - the exported functions that have no header of their own: the small services, checks
+ * and trace, the process-wide record, the thread stubs, diagnostics, conversion dispatch, default
+ * values, and the conversions.
+ *
+ * Lengths are bytes. A null pointer where none is allowed, and an argument that a comment calls
+ * fatal, is a programmer's fault: the check writes file and line to standard error and raises
+ * signal 6 (see com_toggle_abort). If the application catches the signal, the function returns
+ * CS_FAIL (null, 0 or nothing, by its result type) and has changed nothing unless a comment says
+ * otherwise.
+ */
+#ifndef ZRV_COMNLIB_H
+#define ZRV_COMNLIB_H
+
+#include <stddef.h>
+
+#include "csintrn.h"
+#include "cspublic.h"
+
+ZRV_BEGIN_DECLS
+
+/* ---- small services ---- */
+
+/* The value of an environment variable as a new string, to be released with comn_free. Null for a
+ * null name, a variable that is unset or empty or has 256 bytes or more, and a failed allocation.
+ */
+ZRV_API CS_CHAR *com_getenv(char *envvar) ZRV_NOEXCEPT;
+
+/*
+ * Replaces an owned string.
+ *
+ * destp      in,out  the string, from comn_malloc, or null; resized with comn_realloc
+ * destlenp   out     the length without the terminator
+ * source     in      the new text; may hold NUL bytes when a length is given
+ * sourcelen  in      its length, or CS_LEN_NULLTERM for a NUL-terminated text
+ *
+ * Returns CS_SUCCEED; CS_FAIL, nothing changed, for a null argument or a length below 1;
+ * CS_MEM_ERROR with `*destp` null, the old block given up to the caller's own copy of its pointer.
+ */
+ZRV_API CS_RETCODE com_setstring(CS_CHAR **destp, CS_INT *destlenp, CS_CHAR *source,
+                                 CS_INT sourcelen) ZRV_NOEXCEPT;
+
+/* Compares two byte strings: -1 or 1 at the first difference of unsigned bytes; on an equal prefix
+ * the shorter one is the lower; 0 when equal. */
+ZRV_API CS_INT com_memhilo(CS_BYTE *p1, CS_INT len1, CS_BYTE *p2, CS_INT len2) ZRV_NOEXCEPT;
+
+/* Stores `c` into `n` bytes, one at a time, and returns `s`. The stores survive optimisation: use
+ * it to wipe keys and passwords. */
+ZRV_API CS_VOID *com_secure_memset(CS_VOID *s, CS_CHAR c, size_t n) ZRV_NOEXCEPT;
+
+/* Compare text as unsigned bytes and return the first difference, 0 when equal. com_unsignstrcmp
+ * and com_unsignstricmp stop at the end of the strings. com_unsignstrncmp and com_unsignstrnicmp
+ * compare exactly `len` bytes and do not stop at a NUL: both buffers must hold `len` bytes. The `i`
+ * forms fold A to Z to lower case. */
+ZRV_API CS_INT com_unsignstrcmp(unsigned char *str1, unsigned char *str2) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_unsignstrncmp(unsigned char *str1, unsigned char *str2, int len) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_unsignstricmp(unsigned char *str1, unsigned char *str2) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_unsignstrnicmp(unsigned char *str1, unsigned char *str2, int len) ZRV_NOEXCEPT;
+
+/* Stores the version of the library, 16001, and 1. */
+ZRV_API void com_version(CS_INT *p_version, CS_BOOL *p_is_debug) ZRV_NOEXCEPT;
+
+/* A constant dotted version suffix that starts with a point. Static storage. */
+ZRV_API CS_CHAR *com_get_driverversionsuffix(void) ZRV_NOEXCEPT;
+
+/* Stores a 32-bit zero at `buffer` and 4 through `outlen` unless that is null. CS_SUCCEED; CS_FAIL,
+ * nothing written, when `buflen` is below 4. */
+ZRV_API CS_RETCODE comn_get_default_tid(CS_VOID *buffer, CS_INT buflen,
+                                        CS_INT *outlen) ZRV_NOEXCEPT;
+
+/* The address of a symbol in the default search order of the process, or null. */
+ZRV_API void *com_dlsym(CS_CHAR *symbol) ZRV_NOEXCEPT;
+
+/* ---- checks and trace ---- */
+
+/* Sets the level of the return-code trace: 1 nothing, 2 what is not an ordinary result, 3
+ * everything. Any other level is fatal and changes nothing. */
+ZRV_API void com_errset(CS_INT level) ZRV_NOEXCEPT;
+
+/* Returns `error`, after a line on the debug stream if the level asks for one: the code's name or
+ * number, the last part of `file`, and `line`. */
+ZRV_API CS_RETCODE com_errtrace(CS_RETCODE error, char *file, int line) ZRV_NOEXCEPT;
+
+/* Reports a failed assertion on standard error, then ends the process (com_toggle_abort). */
+ZRV_API void com_bomb(char *file, int line) ZRV_NOEXCEPT;
+
+/* Reports a null pointer on standard error, then ends the process (com_toggle_abort). */
+ZRV_API void com_raise_invalid_null_pointer(char *file, int line) ZRV_NOEXCEPT;
+
+/* How a failed check ends the process: 1 closes standard error and calls abort; any other value,
+ * the default, raises signal 6, which an application may catch. */
+ZRV_API void com_toggle_abort(CS_INT value) ZRV_NOEXCEPT;
+
+/* ---- the process-wide record ---- */
+
+/*
+ * Takes a reference to a process-wide record.
+ *
+ * appglobal  out  the record
+ * thread     in   thread callbacks, kept by the first reference; may be null
+ * flags      in   COM_APPGLOBAL_STATIC selects the one static record; without it a new record is
+ *                 allocated
+ *
+ * Every reference but the first clears ag_cfgchain and ignores `thread`. Returns CS_SUCCEED, or
+ * CS_MEM_ERROR with `*appglobal` unchanged. A negative reference count is fatal.
+ */
+ZRV_API CS_RETCODE com_appglobal_alloc(CsAppGlobal **appglobal, CS_THREAD *thread,
+                                       CS_INT flags) ZRV_NOEXCEPT;
+
+/* Gives a reference back. The last one releases the configuration chain and clears the record, and
+ * frees it when `flags` lacks COM_APPGLOBAL_STATIC. Returns CS_SUCCEED. Fatal, CS_FAIL: more drops
+ * than references, COM_APPGLOBAL_STATIC with another record than the static one, a subscriber that
+ * is left at the last drop (the record then keeps its contents). The count has fallen in each case.
+ */
+ZRV_API CS_RETCODE com_appglobal_drop(CsAppGlobal *appglobal, CS_INT flags) ZRV_NOEXCEPT;
+
+/* ---- once flag and aligned memory ---- */
+
+/* A flag for ncl_call_once: initialise it to NCL_ONCE_INIT. A plain integer, for one thread. */
+typedef int ncl_once_flag;
+#define NCL_ONCE_INIT 1
+
+/* Calls `func` if `*flag` is 1, and sets the flag to 0 first. Any other value does nothing. */
+ZRV_API void ncl_call_once(ncl_once_flag *flag, void (*func)(void)) ZRV_NOEXCEPT;
+
+/* `size` bytes aligned to `alignment`, a power of two and a multiple of the pointer size; null on
+ * failure. Release with ncl_aligned_free. */
+ZRV_API void *ncl_aligned_alloc(size_t alignment, size_t size) ZRV_NOEXCEPT;
+ZRV_API void ncl_aligned_free(void *block) ZRV_NOEXCEPT;
+
+/*
+ * ---- thread stubs ----
+ *
+ * This library is the non-threaded variant: every thread primitive is a stub with a fixed answer,
+ * so that code above can call mutexes and events whatever the build.
+ */
+
+/* Always CS_UNUSED (-99999). */
+ZRV_API CS_THRDID comn_threadid(void) ZRV_NOEXCEPT;
+/* The process id. */
+ZRV_API CS_THRDID comn_thread_id(void) ZRV_NOEXCEPT;
+/* Stores CS_UNUSED at `buffer` if it is not null and `buflen` is at least 4, and 4 through `outlen`
+ * unless that is null. CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_get_tid(CS_VOID *buffer, CS_INT buflen, CS_INT *outlen) ZRV_NOEXCEPT;
+/* 1 if the two ids are equal, else 0. */
+ZRV_API CS_BOOL comn_thread_equal(CS_INT tid1, CS_INT tid2) ZRV_NOEXCEPT;
+
+/* Store null and return CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_create_mutex(CS_VOID **mutex) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_create_event(CS_VOID **event) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_create_sem(CS_VOID **sem) ZRV_NOEXCEPT;
+
+/* Return CS_SUCCEED at once; the argument is not looked at. */
+ZRV_API CS_RETCODE comn_delete_mutex(CS_VOID *mutex) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_take_mutex(CS_VOID *mutex) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_try_mutex(CS_VOID *mutex) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_release_mutex(CS_VOID *mutex) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_delete_event(CS_VOID *cond) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_reset_event(CS_VOID *cond) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_signal_event(CS_VOID *cond) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_waitfor_event(CS_VOID *cond, CS_INT millisecs) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_delete_sem(CS_VOID *sem) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_release_sem(CS_VOID *sem, CS_INT number) ZRV_NOEXCEPT;
+
+/* Store null (the first only) and return CS_SUCCEED. The routine is never run. */
+ZRV_API CS_RETCODE comn_create_thread(CS_VOID **thread, CS_VOID *startRoutine,
+                                      CS_VOID *arg) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_create_thread_no_alloc(CS_VOID *thread, CS_VOID *startRoutine,
+                                               CS_VOID *arg) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_join_thread(CS_VOID *threadp) ZRV_NOEXCEPT;
+
+/* Do nothing. */
+ZRV_API void comn_yield(void) ZRV_NOEXCEPT;
+ZRV_API void comn_lock_global(void) ZRV_NOEXCEPT;
+ZRV_API void comn_unlock_global(void) ZRV_NOEXCEPT;
+
+/* Allocates a cell that holds one pointer, cleared. CS_SUCCEED, also when the allocation failed and
+ * `*keyp` is null. */
+ZRV_API CS_RETCODE comn_create_key(CS_VOID **keyp) ZRV_NOEXCEPT;
+/* Releases the cell; null is allowed. CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_drop_key(CS_VOID *key) ZRV_NOEXCEPT;
+/* The pointer in the cell. */
+ZRV_API CS_VOID *comn_get_threaduserdata(CS_VOID *key) ZRV_NOEXCEPT;
+/* Stores a pointer, which is not owned, in the cell. CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_set_threaduserdata(CS_VOID *key, CS_VOID *dataptr) ZRV_NOEXCEPT;
+
+/* ---- diagnostics ---- */
+
+/* Writes `msg` to standard error as an internal error and calls exit(-1). Null is a null-pointer
+ * report; nothing else happens if the application catches its signal. */
+ZRV_API void com_panic(char *msg) ZRV_NOEXCEPT;
+
+/* Checked copy and append. `size` is the full size of `dest`, terminator included. Null arguments,
+ * a size below 1 and a result that does not fit are fatal, CS_FAIL, `dest` unchanged; else
+ * CS_SUCCEED. */
+ZRV_API CS_RETCODE com_copstr(char *dest, char *src, int size) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE com_catstr(char *dest, char *src, int size) ZRV_NOEXCEPT;
+
+/*
+ * Directs debug output to a file, or back to standard output.
+ *
+ * context   in  not read
+ * filename  in  the file, opened for appending; null closes the debug file
+ * filenlen  in  its length, or CS_LEN_NULLTERM; 0 closes the debug file
+ *
+ * Returns CS_SUCCEED, or CS_FAIL when the file cannot be opened or its name is too long: the debug
+ * stream is then left as it was. A file opened before is closed.
+ */
+ZRV_API CS_RETCODE comn_debug_setfile(CS_CONTEXT *context, CS_CHAR *filename,
+                                      CS_INT filenlen) ZRV_NOEXCEPT;
+
+/* Prints to the debug stream as printf does, flushes it, and returns 1. */
+ZRV_API CS_RETCODE comn_debug_print(const char *fmtstr, ...) ZRV_NOEXCEPT
+    __attribute__((format(printf, 1, 2)));
+
+/*
+ * Prints to the debug stream with a small format language of its own, flushes it, and returns 1.
+ *
+ * fmtstr  in  the format; not null
+ * ap      in  the arguments, an array of intptr_t words; may be null for a format without any
+ *
+ * %d, %x and %X print the next word as an int, %ld and %lx (and a bare %l) as a long, %c as one
+ * byte, %s as a string ("(null)" for null), with the flags, width and precision of printf; %% is a
+ * percent sign. Anything else prints "illegal format specification" and a line feed, and consumes
+ * no word.
+ */
+ZRV_API CS_RETCODE comn_debug_vprint(CS_CHAR *fmtstr, CS_VOID *ap) ZRV_NOEXCEPT;
+
+/* Receives one line of a stack print, `len` bytes without a line feed. Returning 0 ends the walk.
+ */
+typedef CS_RETCODE (*COMN_STACK_FUNC)(CS_CHAR *text, CS_INT len);
+
+/*
+ * Prints a stack: a line with the frame pointer, then a line for each frame.
+ *
+ * tid    in  not read
+ * fp     in  the frame pointer to start from; null means the caller's
+ * depth  in  the most frames to print; 0 prints nothing at all
+ * funcp  in  takes each line; null means a writer to standard error
+ *
+ * Frames that cannot be read end the walk; unmapped memory is never touched. Always CS_SUCCEED.
+ */
+ZRV_API CS_RETCODE comn_dbg_stack(CS_VOID *tid, CS_VOID *fp, CS_INT depth,
+                                  COMN_STACK_FUNC funcp) ZRV_NOEXCEPT;
+
+/* ---- conversion dispatch ---- */
+
+/* The width in bytes of a datatype, or `len` for a type without a fixed size. */
+ZRV_API CS_INT comn_typelen(CS_INT type, CS_INT len) ZRV_NOEXCEPT;
+
+/* Gives a context its private copy of the conversion matrix, 1600 cells, and an empty list of user
+ * conversions. Once per context, before the first lookup. CS_SUCCEED or CS_MEM_ERROR. */
+ZRV_API CS_RETCODE com_conv_init(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* Releases the copy and the user conversions. A second call is harmless. CS_SUCCEED. */
+ZRV_API CS_RETCODE com_conv_free(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* The function that converts from one datatype to another, or null where there is none. A pair with
+ * a code of 40 or above comes from the user list; a negative code gives null. */
+ZRV_API CS_CONV_FUNC com_conv_func(CS_CONTEXT *context, CS_INT srctype,
+                                   CS_INT desttype) ZRV_NOEXCEPT;
+
+/*
+ * Installs a conversion in this context alone; null removes a built-in one. A pair with a code of
+ * 40 or above goes to the user list. Returns CS_SUCCEED, or CS_MEM_ERROR with nothing changed.
+ *
+ * The codes are not tested for their sign one by one: only a pair whose cell lies outside the
+ * matrix is fatal.
+ */
+ZRV_API CS_RETCODE com_conv_install(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype,
+                                    CS_CONV_FUNC newfunc) ZRV_NOEXCEPT;
+
+/* Brings back the built-in conversion of a pair; a user conversion answers null from then on.
+ * CS_SUCCEED, also for a user pair that was never installed. Negative codes are fatal. */
+ZRV_API CS_RETCODE com_conv_default(CS_CONTEXT *context, CS_INT srctype,
+                                    CS_INT desttype) ZRV_NOEXCEPT;
+
+/* ---- default values ---- */
+
+/* Gives a context its private default values, one for each built-in type. Once per context. On
+ * CS_MEM_ERROR what was made so far stays for com_null_free, or for a second com_null_init, to
+ * release; otherwise CS_SUCCEED. */
+ZRV_API CS_RETCODE com_null_init(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* Releases all default values of a context. A second call is harmless. CS_SUCCEED. */
+ZRV_API CS_RETCODE com_null_free(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/*
+ * Delivers the default value of destfmt->datatype.
+ *
+ * destfmt  in   datatype, format bits and, for numerics, precision and scale of the result
+ * dest     out  the destination
+ * destlen  in   its capacity; nothing is written past it, save the NUL behind a user default
+ * outlen   out  the length of the result
+ *
+ * A user default is followed by a NUL, which counts in `*outlen` and is written even when the value
+ * filled `destlen`: the destination must have room for that one more byte. A user type without a
+ * default gives length 0. Returns CS_SUCCEED, or the status of the pad. A negative type, a context
+ * without default values, and a built-in default that was set to length 0 are fatal.
+ */
+ZRV_API CS_RETCODE com_null_get(CS_CONTEXT *context, CS_DATAFMT *destfmt, CS_VOID *dest,
+                                CS_INT destlen, CS_INT *outlen) ZRV_NOEXCEPT;
+
+/* Sets the default value of a type to a copy of `nulllen` bytes at `null`. A built-in type set to
+ * length 0 has no default any more: the next com_null_get or com_null_reinstall of it is fatal.
+ * CS_SUCCEED, or CS_MEM_ERROR with the old value kept. A negative type or length is fatal. */
+ZRV_API CS_RETCODE com_null_set(CS_CONTEXT *context, CS_INT nulltype, CS_VOID *null,
+                                CS_INT nulllen) ZRV_NOEXCEPT;
+
+/* Brings back the built-in default value of a type; the default of a user type is removed, and a
+ * miss is no failure. CS_SUCCEED, or CS_MEM_ERROR with the value kept. A negative type is fatal. */
+ZRV_API CS_RETCODE com_null_reinstall(CS_CONTEXT *context, CS_INT nulltype) ZRV_NOEXCEPT;
+
+/* ---- raw copies ---- */
+
+/* Copy `tlen` bytes of a fixed type to binary, or to a varbinary record. The datatypes of the
+ * formats are not looked at. comn_fixedtobin returns CS_SUCCEED, or CS_CONV_TRUNCATED when
+ * maxlength is below `tlen`: the bytes that fit are copied; a negative maxlength or a `tlen` below
+ * 1 is fatal. comn_fixedtovarbin copies 256 bytes when `tlen` is negative or above 255, and returns
+ * CS_SUCCEED, or CS_CONV_OVERFLOW when `tlen` exceeds 256; `*destlen` becomes 258. */
+ZRV_API CS_RETCODE comn_fixedtobin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,
+                                   CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
+                                   CS_INT tlen) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_fixedtovarbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,
+                                      CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
+                                      CS_INT tlen) ZRV_NOEXCEPT;
+
+/* ---- plain character tests, on one byte ---- */
+
+/* True (not 0) when the byte is white space: 9 to 15 and the blank. */
+ZRV_API CS_INT com_isspace(CS_BYTE c) ZRV_NOEXCEPT;
+
+/*
+ * ---- conversions ----
+ *
+ * Each has the signature and the contract of CS_CONV_FUNC (cspublic.h); what a family adds stands
+ * before its list.
+ */
+#define ZRV_CONV(name)                                                                             \
+  ZRV_API CS_RETCODE name(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,                   \
+                          CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen) ZRV_NOEXCEPT
+
+/* From void: comn_voidtoany delivers the default value of the destination type (com_null_get) and
+ * looks neither at the source nor at its format; comn_voidtovoid does nothing. */
+ZRV_CONV(comn_voidtoany);
+ZRV_CONV(comn_voidtovoid);
+
+/*
+ * Hexadecimal text to binary, after comn__hex2binbytes. The first digit of an odd count is a byte
+ * of its own. Source types are the text types, destination types the binary ones.
+ * CS_CONV_TRUNCATED: maxlength bytes were stored and digits are left over, unexamined.
+ * CS_CONV_OVERFLOW: an odd count and no room at all. CS_CONV_SYNTAX: not a digit; `*destlen` is 0
+ * (so for a source length below 1, which is fatal).
+ */
+ZRV_CONV(comn_chartobin);
+
+/*
+ * From integers: i1 is the unsigned CS_TINYINT. `*destlen` is the width of the destination type
+ * whatever the result.
+ *
+ * to integers   in range: CS_SUCCEED. Out of range the nearest value is stored and the status is
+ *               CS_CONV_OVERFLOW, but CS_CONV_UNDERFLOW below the range of the unsigned types of 16
+ *               bits and more, and for i8 below the range of i1 and i2.
+ * to bit        1 for any source but 0.
+ * to floats     cannot fail; 64-bit sources near the top of their range saturate.
+ * to text       the whole number, then the padding that `format` asks for: CS_SUCCEED or
+ *               CS_CONV_PADCONFLICT. Without room for it: "*" and a NUL if maxlength is above 1,
+ *               nothing otherwise; CS_CONV_OVERFLOW.
+ * to varchar    the number and a NUL in `str`; maxlength is not looked at, `*destlen` is 258.
+ * to binary     the bytes of the value as they stand in memory: comn_fixedtobin,
+ *               comn_fixedtovarbin. These two look at no datatype.
+ */
+#define ZRV_INTEGER_CONVS(source)                                                                  \
+  ZRV_CONV(comn_##source##tobit);                                                                  \
+  ZRV_CONV(comn_##source##toi1);                                                                   \
+  ZRV_CONV(comn_##source##toi2);                                                                   \
+  ZRV_CONV(comn_##source##toi4);                                                                   \
+  ZRV_CONV(comn_##source##toi8);                                                                   \
+  ZRV_CONV(comn_##source##toui2);                                                                  \
+  ZRV_CONV(comn_##source##toui4);                                                                  \
+  ZRV_CONV(comn_##source##toui8);                                                                  \
+  ZRV_CONV(comn_##source##toflt4);                                                                 \
+  ZRV_CONV(comn_##source##toflt8);                                                                 \
+  ZRV_CONV(comn_##source##tochar);                                                                 \
+  ZRV_CONV(comn_##source##tobin);                                                                  \
+  ZRV_CONV(comn_##source##tovarchar);                                                              \
+  ZRV_CONV(comn_##source##tovarbin)
+
+ZRV_INTEGER_CONVS(i1);
+ZRV_INTEGER_CONVS(i2);
+ZRV_INTEGER_CONVS(i4);
+ZRV_INTEGER_CONVS(i8);
+ZRV_INTEGER_CONVS(ui2);
+ZRV_INTEGER_CONVS(ui4);
+ZRV_INTEGER_CONVS(ui8);
+
+ZRV_END_DECLS
+
+#endif

@@ -1,0 +1,116 @@
+// Raw copies of fixed types to binary, and hexadecimal text to binary.
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "conv_func.h"
+#include "pad.h"
+
+namespace {
+
+// The longest copy into a varbinary record.
+constexpr CS_INT varbinary_capacity = sizeof(CS_VARBINARY::array);
+
+// The value of each hexadecimal digit; every other character has a bit above the low four.
+constexpr CS_BYTE not_a_digit = 0x80;
+
+consteval std::array<CS_BYTE, 256> build_digits() {
+  std::array<CS_BYTE, 256> digits{};
+  digits.fill(not_a_digit);
+  for (CS_BYTE value = 0; value < 10; ++value)
+    digits[size_t{'0'} + value] = value;
+  for (CS_BYTE value = 10; value < 16; ++value) {
+    digits[size_t{'a'} + value - 10] = value;
+    digits[size_t{'A'} + value - 10] = value;
+  }
+  return digits;
+}
+
+constexpr std::array<CS_BYTE, 256> digit_values = build_digits();
+
+} // namespace
+
+CS_RETCODE comn_fixedtobin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
+  COMN_CHECK_CONV_POINTERS(COMN_HERE);
+  const CS_INT capacity = destfmt->maxlength;
+  COMN_CHECK(capacity >= 0, CS_FAIL);
+  COMN_CHECK(tlen >= 1, CS_FAIL);
+  *destlen = std::min(capacity, tlen);
+  std::memcpy(dest, src, static_cast<size_t>(*destlen));
+  if (capacity < tlen)
+    return CS_CONV_TRUNCATED;
+  return comn::pad_binary(tlen, destfmt->format, capacity, dest, destlen);
+}
+
+CS_RETCODE comn_fixedtovarbin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
+  COMN_CHECK_CONV_POINTERS(COMN_HERE);
+  const CS_INT length = tlen < 0 || tlen > varbinary_capacity - 1 ? varbinary_capacity : tlen;
+  auto *record = static_cast<CS_BYTE *>(dest);
+  comn::store(record + offsetof(CS_VARBINARY, len), static_cast<CS_SMALLINT>(length));
+  std::memcpy(record + offsetof(CS_VARBINARY, array), src, static_cast<size_t>(length));
+  *destlen = sizeof(CS_VARBINARY);
+  return length < tlen ? CS_CONV_OVERFLOW : CS_SUCCEED;
+}
+
+void comn__hex2binbytes(CS_CHAR **src, CS_INT *srclen) noexcept {
+  COMN_CHECK_PTR(src);
+  COMN_CHECK_PTR(srclen);
+  COMN_CHECK_PTR(*src);
+  COMN_CHECK(*srclen >= 1);
+  const CS_CHAR *text = *src;
+  CS_INT length = *srclen;
+  while (length > 0 && com_isspace(static_cast<CS_BYTE>(text[length - 1])))
+    --length;
+  while (length > 0 && com_isspace(static_cast<CS_BYTE>(*text))) {
+    ++text;
+    --length;
+  }
+  if (length >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+    text += 2;
+    length -= 2;
+  }
+  *src = const_cast<CS_CHAR *>(text);
+  *srclen = length;
+}
+
+CS_RETCODE comn_chartobin(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV_POINTERS(COMN_HERE);
+  COMN_CHECK(comn::text_types.contains(srcfmt->datatype), CS_FAIL);
+  COMN_CHECK(comn::binary_types.contains(destfmt->datatype), CS_FAIL);
+  auto *text = static_cast<CS_CHAR *>(src);
+  CS_INT digits = srcfmt->maxlength;
+  *destlen = 0;
+  comn__hex2binbytes(&text, &digits);
+  if (srcfmt->maxlength < 1)
+    return CS_CONV_SYNTAX;
+
+  const auto *in = reinterpret_cast<const CS_BYTE *>(text);
+  const CS_BYTE *const end = in + digits;
+  auto *out = static_cast<CS_BYTE *>(dest);
+  const CS_INT capacity = std::max<CS_INT>(destfmt->maxlength, 0);
+  const bool odd = digits % 2 != 0;
+  if (odd && capacity == 0)
+    return CS_CONV_OVERFLOW;
+  const CS_INT count = std::min(digits / 2 + odd, capacity);
+
+  CS_INT stored = 0;
+  CS_BYTE seen = 0;
+  if (odd) {
+    seen = digit_values[*in++];
+    out[stored++] = seen;
+  }
+  // Every digit is looked at before the status is known; a byte that is no digit leaves its mark in
+  // `seen`. The destination may be the source: a byte is stored behind the digits already read.
+  for (; stored < count; ++stored, in += 2) {
+    const CS_BYTE high = digit_values[in[0]];
+    const CS_BYTE low = digit_values[in[1]];
+    seen = static_cast<CS_BYTE>(seen | high | low);
+    out[stored] = static_cast<CS_BYTE>(high << 4 | low);
+  }
+  if (seen >= not_a_digit)
+    return CS_CONV_SYNTAX;
+  *destlen = stored;
+  if (in < end)
+    return CS_CONV_TRUNCATED;
+  return comn::pad_binary(stored, destfmt->format, capacity, dest, destlen);
+}

@@ -1,0 +1,268 @@
+// The integer family: seven units of the same members, which differ in the bounds of their types
+// and in the statuses below. Each unit instantiates its members with the macros at the end.
+//
+// The character of the family is that nothing is silent: a narrowing conversion stores the nearest
+// value that the destination can take and then returns a failure.
+#ifndef COMN_CONVERT_INTEGER_H
+#define COMN_CONVERT_INTEGER_H
+
+#include <bit>
+#include <cstddef>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+#include "conv_func.h"
+#include "decimal_digits.h"
+#include "pad.h"
+
+namespace comn::integer {
+
+enum Type { i1, i2, i4, i8, ui2, ui4, ui8, type_count };
+
+template <Type>
+struct Traits;
+template <class Integer, CS_INT Code>
+struct TraitsOf {
+  using Value = Integer;
+  static constexpr CS_INT code = Code;
+};
+template <>
+struct Traits<i1> : TraitsOf<CS_TINYINT, CS_TYPE_TINYINT> {};
+template <>
+struct Traits<i2> : TraitsOf<CS_SMALLINT, CS_TYPE_SMALLINT> {};
+template <>
+struct Traits<i4> : TraitsOf<CS_INT, CS_TYPE_INT> {};
+template <>
+struct Traits<i8> : TraitsOf<CS_BIGINT, CS_TYPE_BIGINT> {};
+template <>
+struct Traits<ui2> : TraitsOf<CS_USMALLINT, CS_TYPE_USMALLINT> {};
+template <>
+struct Traits<ui4> : TraitsOf<CS_UINT, CS_TYPE_UINT> {};
+template <>
+struct Traits<ui8> : TraitsOf<CS_UBIGINT, CS_TYPE_UBIGINT> {};
+
+template <Type T>
+using Value = typename Traits<T>::Value;
+
+// What a conversion returns for a source below and above the range of the destination; `no` where
+// the source type does not reach so far. The statuses are not uniform and must not be made so:
+// a negative value is an overflow of i1 from i2 and i4 but an underflow from i8, and i8 below i2 is
+// an underflow but below i4 an overflow. Callers can see the difference.
+struct OutOfRange {
+  CS_RETCODE below, above;
+};
+
+namespace statuses {
+constexpr CS_RETCODE no = CS_SUCCEED;
+constexpr CS_RETCODE OV = CS_CONV_OVERFLOW;
+constexpr CS_RETCODE UN = CS_CONV_UNDERFLOW;
+// clang-format off
+constexpr OutOfRange table[type_count][type_count] = {
+    // to     i1        i2        i4        i8        ui2       ui4       ui8
+    /* i1  */ {{no, no}, {no, no}, {no, no}, {no, no}, {no, no}, {no, no}, {no, no}},
+    /* i2  */ {{OV, OV}, {no, no}, {no, no}, {no, no}, {UN, no}, {UN, no}, {UN, no}},
+    /* i4  */ {{OV, OV}, {OV, OV}, {no, no}, {no, no}, {UN, OV}, {UN, no}, {UN, no}},
+    /* i8  */ {{UN, OV}, {UN, OV}, {OV, OV}, {no, no}, {UN, OV}, {UN, OV}, {UN, no}},
+    /* ui2 */ {{no, OV}, {no, OV}, {no, no}, {no, no}, {no, no}, {no, no}, {no, no}},
+    /* ui4 */ {{no, OV}, {no, OV}, {no, OV}, {no, no}, {no, OV}, {no, no}, {no, no}},
+    /* ui8 */ {{no, OV}, {no, OV}, {no, OV}, {no, OV}, {no, OV}, {no, OV}, {no, no}},
+};
+// clang-format on
+} // namespace statuses
+
+// Integer destinations, with bit as a type of its own.
+template <Type S, Type D>
+CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Place place) noexcept {
+  COMN_CHECK_CONV_POINTERS(place);
+  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
+  COMN_CHECK_AT(place, destfmt->datatype == Traits<D>::code, CS_FAIL);
+  using Bounds = std::numeric_limits<Value<D>>;
+  constexpr OutOfRange status = statuses::table[S][D];
+  constexpr bool has_below = std::cmp_less(std::numeric_limits<Value<S>>::min(), Bounds::min());
+  constexpr bool has_above = std::cmp_greater(std::numeric_limits<Value<S>>::max(), Bounds::max());
+  static_assert((status.below != CS_SUCCEED) == has_below);
+  static_assert((status.above != CS_SUCCEED) == has_above);
+
+  *destlen = sizeof(Value<D>);
+  const auto value = load<Value<S>>(src);
+  if constexpr (has_below)
+    if (std::cmp_less(value, Bounds::min())) {
+      store(dest, Bounds::min());
+      return status.below;
+    }
+  if constexpr (has_above)
+    if (std::cmp_greater(value, Bounds::max())) {
+      store(dest, Bounds::max());
+      return status.above;
+    }
+  store(dest, static_cast<Value<D>>(value));
+  return CS_SUCCEED;
+}
+
+template <Type S>
+CS_RETCODE to_bit(COMN_CONV_PARAMETERS, Place place) noexcept {
+  COMN_CHECK_CONV_POINTERS(place);
+  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
+  COMN_CHECK_AT(place, destfmt->datatype == CS_TYPE_BIT, CS_FAIL);
+  *destlen = sizeof(CS_BIT);
+  store(dest, static_cast<CS_BIT>(load<Value<S>>(src) != 0));
+  return CS_SUCCEED;
+}
+
+// Where a 64-bit source saturates as a float: from `limit` on, `result` is stored, and the
+// conversion still succeeds.
+template <Type S, class Float>
+struct Saturation;
+template <>
+struct Saturation<i8, CS_REAL> {
+  static constexpr CS_BIGINT limit = 9223370000000000000;
+  static constexpr CS_REAL result = std::bit_cast<CS_REAL>(0x5EFFFFFCU);
+};
+template <>
+struct Saturation<i8, CS_FLOAT> {
+  static constexpr CS_BIGINT limit = 9223372036854769664;
+  static constexpr CS_FLOAT result = 9.22337203685477e18;
+};
+template <>
+struct Saturation<ui8, CS_REAL> {
+  static constexpr CS_UBIGINT limit = 18446700000000000000U;
+  static constexpr CS_REAL result = std::bit_cast<CS_REAL>(0x5F7FFFD8U);
+};
+template <>
+struct Saturation<ui8, CS_FLOAT> {
+  static constexpr CS_UBIGINT limit = 18446744073709500416U;
+  static constexpr CS_FLOAT result = 1.84467440737095e19;
+};
+
+template <Type S, class Float>
+Float to_float_value(Value<S> value) noexcept {
+  if constexpr (sizeof value == 8) {
+    using Top = Saturation<S, Float>;
+    if (value >= Top::limit)
+      return Top::result;
+    if constexpr (S == ui8) {
+      // Deliberate: 9223372036854775807 is taken off and 9223372036854775808 put back, which is one
+      // more than the exact sum. Applications know the results of this form.
+      constexpr CS_UBIGINT top_bit = 9223372036854775808U;
+      if (value >= top_bit)
+        return static_cast<Float>(top_bit) +
+               static_cast<Float>(static_cast<CS_BIGINT>(value - (top_bit - 1)));
+      return static_cast<Float>(static_cast<CS_BIGINT>(value));
+    }
+  }
+  return static_cast<Float>(value);
+}
+
+template <Type S, class Float, CS_INT Code>
+CS_RETCODE to_float(COMN_CONV_PARAMETERS, Place place) noexcept {
+  COMN_CHECK_CONV_POINTERS(place);
+  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
+  COMN_CHECK_AT(place, destfmt->datatype == Code, CS_FAIL);
+  *destlen = sizeof(Float);
+  store(dest, to_float_value<S, Float>(load<Value<S>>(src)));
+  return CS_SUCCEED;
+}
+
+// An integer as it prints: its sign and its digits.
+template <class Integer>
+class Printed {
+  // Arithmetic on small types happens in 32 bits; wider than that only where it must be.
+  using Magnitude = std::conditional_t<sizeof(Integer) == 8, uint64_t, uint32_t>;
+
+public:
+  explicit Printed(Integer value) noexcept
+      : negative(value < 0), magnitude(negative ? Magnitude{0} - static_cast<Magnitude>(value)
+                                                : static_cast<Magnitude>(value)),
+        digits(count_digits(magnitude)) {}
+
+  CS_INT length() const noexcept { return digits + negative; }
+
+  void write(CS_CHAR *dest) const noexcept {
+    if (negative)
+      *dest++ = '-';
+    write_digits(dest, magnitude, digits);
+  }
+
+private:
+  bool negative;
+  Magnitude magnitude;
+  int digits;
+};
+
+template <Type S>
+CS_RETCODE to_text(COMN_CONV_PARAMETERS, Place place) noexcept {
+  COMN_CHECK_CONV_POINTERS(place);
+  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
+  COMN_CHECK_AT(place, text_types.contains(destfmt->datatype), CS_FAIL);
+  const Printed number(load<Value<S>>(src));
+  const CS_INT length = number.length();
+  const CS_INT capacity = destfmt->maxlength;
+  const CS_INT format = destfmt->format;
+  auto *text = static_cast<CS_CHAR *>(dest);
+  *destlen = capacity < length ? capacity : length;
+  if (text_fits(length, format, capacity)) [[likely]] {
+    number.write(text);
+    if ((format & pad_bits) == 0)
+      return CS_SUCCEED;
+    return pad_text(length, format, capacity, dest, destlen);
+  }
+  // A number is shown whole or as a star, never cut.
+  if (capacity > 1) {
+    text[0] = '*';
+    text[1] = '\0';
+    *destlen = 1;
+    pad_text(1, format, capacity, dest, destlen);
+  }
+  return CS_CONV_OVERFLOW;
+}
+
+template <Type S>
+CS_RETCODE to_varchar(COMN_CONV_PARAMETERS, Place place) noexcept {
+  COMN_CHECK_CONV_POINTERS(place);
+  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
+  COMN_CHECK_AT(place, destfmt->datatype == CS_TYPE_VARCHAR, CS_FAIL);
+  const Printed number(load<Value<S>>(src));
+  const CS_INT length = number.length();
+  auto *record = static_cast<CS_CHAR *>(dest);
+  CS_CHAR *const text = record + offsetof(CS_VARCHAR, str);
+  *destlen = sizeof(CS_VARCHAR);
+  number.write(text);
+  text[length] = '\0';
+  store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(length));
+  return CS_SUCCEED;
+}
+
+} // namespace comn::integer
+
+// The members of a unit. `source` and `destination` are the short names of the types.
+#define COMN_INTEGER_MEMBER(source, destination, ...)                                              \
+  CS_RETCODE comn_##source##to##destination(COMN_CONV_PARAMETERS) noexcept {                       \
+    return comn::integer::__VA_ARGS__(COMN_CONV_ARGUMENTS, COMN_HERE);                             \
+  }
+#define COMN_INTEGER_TO_BIT(source) COMN_INTEGER_MEMBER(source, bit, to_bit<comn::integer::source>)
+#define COMN_INTEGER_TO_INTEGER(source, destination)                                               \
+  COMN_INTEGER_MEMBER(source, destination,                                                         \
+                      to_integer<comn::integer::source, comn::integer::destination>)
+#define COMN_INTEGER_TO_FLT4(source)                                                               \
+  COMN_INTEGER_MEMBER(source, flt4, to_float<comn::integer::source, CS_REAL, CS_TYPE_REAL>)
+#define COMN_INTEGER_TO_FLT8(source)                                                               \
+  COMN_INTEGER_MEMBER(source, flt8, to_float<comn::integer::source, CS_FLOAT, CS_TYPE_FLOAT>)
+#define COMN_INTEGER_TO_CHAR(source)                                                               \
+  COMN_INTEGER_MEMBER(source, char, to_text<comn::integer::source>)
+#define COMN_INTEGER_TO_VARCHAR(source)                                                            \
+  COMN_INTEGER_MEMBER(source, varchar, to_varchar<comn::integer::source>)
+
+// The binary members only forward: they make no check of the datatypes.
+#define COMN_INTEGER_TO_BIN(source)                                                                \
+  CS_RETCODE comn_##source##tobin(COMN_CONV_PARAMETERS) noexcept {                                 \
+    return comn_fixedtobin(COMN_CONV_ARGUMENTS,                                                    \
+                           sizeof(comn::integer::Value<comn::integer::source>));                   \
+  }
+#define COMN_INTEGER_TO_VARBIN(source)                                                             \
+  CS_RETCODE comn_##source##tovarbin(COMN_CONV_PARAMETERS) noexcept {                              \
+    return comn_fixedtovarbin(COMN_CONV_ARGUMENTS,                                                 \
+                              sizeof(comn::integer::Value<comn::integer::source>));                \
+  }
+
+#endif

@@ -1,0 +1,57 @@
+"""What the tests in Python share: the build under test, running commands, and picking single tests.
+
+CMake writes the description of the build (tests/CMakeLists.txt) and names it in ZRV_BUILD.
+"""
+import json
+import os
+import shlex
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+from types import SimpleNamespace
+
+build = SimpleNamespace(**json.loads(Path(os.environ["ZRV_BUILD"]).read_text()))
+source_dir = Path(build.source_dir)
+c_flags = shlex.split(build.c_flags)
+cxx_flags = shlex.split(build.cxx_flags)
+
+
+def run(*command, **options):
+    """Standard output of a command; its standard error is part of the failure."""
+    command = [str(word) for word in command]
+    done = subprocess.run(command, capture_output=True, text=True, **options)
+    if done.returncode != 0:
+        raise AssertionError(
+            f"{shlex.join(command)}\nexit status {done.returncode}\n{done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def tracked_files(*patterns):
+    """The files of the project that match: what git tracks, or without git all but the builds."""
+    git = subprocess.run(["git", "-C", source_dir, "ls-files", "-z", "--", *patterns],
+                         capture_output=True, text=True)
+    if git.returncode == 0:
+        names = [source_dir / name for name in git.stdout.split("\0") if name]
+    else:
+        names = [path for pattern in patterns for path in source_dir.rglob(pattern)
+                 if path.relative_to(source_dir).parts[0] != "build"]
+    return sorted(path for path in names if path.is_file())
+
+
+def main():
+    """Runs the tests of the main module that are named on the command line, else all of them."""
+    wanted = set(sys.argv[1:])
+    chosen = unittest.TestSuite()
+
+    def pick(tests):
+        for test in tests:
+            if isinstance(test, unittest.TestSuite):
+                pick(test)
+            elif not wanted or test._testMethodName in wanted:
+                chosen.addTest(test)
+
+    pick(unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"]))
+    if chosen.countTestCases() == 0:
+        sys.exit("no such test: " + " ".join(wanted))
+    sys.exit(not unittest.TextTestRunner(verbosity=2).run(chosen).wasSuccessful())

@@ -325,10 +325,24 @@ ZRV_API CS_RETCODE comn_fixedtovarbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, C
                                       CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
                                       CS_INT tlen) ZRV_NOEXCEPT;
 
-/* ---- plain character tests, on one byte ---- */
+/*
+ * ---- plain character tests, on one byte ----
+ *
+ * They read the built-in table (Com_charmap), which is a coarse reading of ISO 8859-1, and never
+ * the locale. A test returns the bits of its class that the byte has: 0, or not 0 when it is in it.
+ */
+ZRV_API CS_INT com_isalpha(CS_BYTE c) ZRV_NOEXCEPT;  /* com_isupper or com_islower */
+ZRV_API CS_INT com_isupper(CS_BYTE c) ZRV_NOEXCEPT;  /* A to Z; also 142, 143, 160 to 223, 247 */
+ZRV_API CS_INT com_islower(CS_BYTE c) ZRV_NOEXCEPT;  /* a to z; also 224 to 246, 248 to 255 */
+ZRV_API CS_INT com_isdigit(CS_BYTE c) ZRV_NOEXCEPT;  /* 0 to 9 */
+ZRV_API CS_INT com_isxdigit(CS_BYTE c) ZRV_NOEXCEPT; /* 0 to 9, A to F, a to f */
+ZRV_API CS_INT com_isspace(CS_BYTE c) ZRV_NOEXCEPT;  /* the codes 9 to 15 and the blank */
+ZRV_API CS_INT com_isgraph(CS_BYTE c) ZRV_NOEXCEPT;  /* 32 to 126 and 160 to 255 */
 
-/* True (not 0) when the byte is white space: 9 to 15 and the blank. */
-ZRV_API CS_INT com_isspace(CS_BYTE c) ZRV_NOEXCEPT;
+/* The other case of a letter of ISO 8859-1 (A to Z, 192 to 222 but 215, and 32 above), the byte
+ * itself for any other. */
+ZRV_API CS_BYTE com_toupper(CS_BYTE c) ZRV_NOEXCEPT;
+ZRV_API CS_BYTE com_tolower(CS_BYTE c) ZRV_NOEXCEPT;
 
 /*
  * ---- conversions ----

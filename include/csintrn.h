@@ -177,6 +177,38 @@ typedef struct _comn_frame_info {
   CS_CHAR fi_args[128];     /* five words behind the return address, or empty */
 } COMN_FRAME_INFO;
 
+/* ---- values as descriptors ---- */
+
+typedef struct __sqlxtype {
+  CS_INT xtypeid;
+  CS_SMALLINT xdbid;
+  CS_SMALLINT xstatus;
+} __SQLXTYPE;
+
+/* One value: the working descriptor of the exact numerics, of date arithmetic and of the
+ * cast-context conversions. What is said to be the caller's is only carried. */
+typedef struct constant {
+  CS_INT len;          /* bytes at `value`; on a destination the length of the result */
+  CS_BYTE type;        /* protocol datatype number, the caller's */
+  CS_BYTE rsrvdpad[3]; /* reserved */
+  CS_INT maxlen;       /* capacity of a destination in bytes */
+  CS_BYTE prec;        /* decimal digits of a numeric in all */
+  CS_BYTE scale;       /* digits right of its decimal point */
+  CS_BYTE newtype;     /* the caller's */
+  CS_BYTE conomnistat; /* the caller's */
+  CS_SMALLINT cvarno;  /* the caller's */
+  CS_SMALLINT constat; /* the caller's */
+  CS_BYTE constat2;    /* the caller's */
+  CS_BYTE constat3;    /* the caller's */
+  CS_BYTE conspare[2]; /* reserved */
+  void *locale;        /* the caller's */
+  CS_BYTE *value;      /* the bytes of the value, not owned */
+  __SQLXTYPE xtype;    /* the caller's */
+  void *jobj;          /* the caller's */
+  CS_INT constat6;     /* the caller's */
+  CS_INT constat7;     /* the caller's */
+} __CONSTANT;
+
 /* ---- frame ---- */
 
 extern ZRV_PRIVATE CS_INT Com_trace_enable;           /* trace level, 1 to 3; starts at 1 */

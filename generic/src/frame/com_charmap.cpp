@@ -61,6 +61,23 @@ COMN_PUBLISH_TABLE(CharMapTable, CHAR_MAP, Com_Iso1_charmap, [256], build());
 
 const CHAR_MAP *const Com_charmap = Com_Iso1_charmap;
 
-CS_INT com_isspace(CS_BYTE c) noexcept {
-  return Com_Iso1_charmap[c].char_type & CS_CTYPE_SPACE;
+#define COMN_PLAIN_TEST(name, mask)                                                                \
+  CS_INT name(CS_BYTE c) noexcept {                                                                \
+    return Com_Iso1_charmap[c].char_type & (mask);                                                 \
+  }
+
+COMN_PLAIN_TEST(com_isalpha, CS_CTYPE_ALPHA)
+COMN_PLAIN_TEST(com_isupper, CS_CTYPE_UPPER)
+COMN_PLAIN_TEST(com_islower, CS_CTYPE_LOWER)
+COMN_PLAIN_TEST(com_isdigit, CS_CTYPE_DIGIT)
+COMN_PLAIN_TEST(com_isxdigit, CS_CTYPE_XDIGIT)
+COMN_PLAIN_TEST(com_isspace, CS_CTYPE_SPACE)
+COMN_PLAIN_TEST(com_isgraph, CS_CTYPE_GRAPH)
+
+CS_BYTE com_toupper(CS_BYTE c) noexcept {
+  return Com_Iso1_charmap[c].char_upper;
+}
+
+CS_BYTE com_tolower(CS_BYTE c) noexcept {
+  return Com_Iso1_charmap[c].char_lower;
 }

@@ -30,11 +30,12 @@ constexpr Table<char, 200> digit_pairs = [] {
   return table;
 }();
 
-// The number of digits, 1 for zero. The bit length times log10(2) is one too low at most.
+// The number of digits, 1 for zero, which counts as the odd number above it. The bit length times
+// log10(2) is one too low at most.
 template <class Unsigned>
 int count_digits(Unsigned value) noexcept {
   const int guess = static_cast<int>(std::bit_width(value | 1)) * 1233 >> 12;
-  return guess + (value >= powers_of_ten[static_cast<size_t>(guess)]);
+  return guess + ((value | 1) >= powers_of_ten[static_cast<size_t>(guess)]);
 }
 
 inline void write_pair(char *dest, uint32_t pair) noexcept {

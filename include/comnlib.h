@@ -243,6 +243,126 @@ typedef CS_RETCODE (*COMN_STACK_FUNC)(CS_CHAR *text, CS_INT len);
 ZRV_API CS_RETCODE comn_dbg_stack(CS_VOID *tid, CS_VOID *fp, CS_INT depth,
                                   COMN_STACK_FUNC funcp) ZRV_NOEXCEPT;
 
+/*
+ * ---- installation paths ----
+ *
+ * The builders make the path of an installation file under the home directory (intl_home) and look
+ * at nothing in the file system. `pathname` is a buffer of `pathsize` bytes; parts are joined with
+ * "/". All return
+ *
+ *   CS_SUCCEED      the path is in the buffer, NUL-terminated
+ *   CS_FAIL         it does not fit; so for an environment variable that cannot be read whole
+ *   COM_INTL_ERROR  the home directory cannot be had or does not fit; its negative status is in
+ *                   ctxintlerr if there is a context
+ *
+ * and leave the buffer undefined unless they succeed. A null `pathname` is fatal, and so is a home
+ * directory that is longer than the buffer it was given. Where "within" the size is allowed, a path
+ * of exactly `pathsize` bytes succeeds and has lost its last character to the NUL; "below" means
+ * that the path and its NUL fit. A null context is allowed.
+ */
+
+/* Home, the value of ZARVEK_NCL (below 512 bytes) if `ncl` is 1 and it is set, `directory` and
+ * `filename` where they are not null; each below the size, and the home by one byte more. The
+ * buffer is cleared first. */
+ZRV_API CS_RETCODE com_path_anyfile(CS_CHAR *pathname, CS_INT pathsize, CS_CHAR *directory,
+                                    CS_CHAR *filename, CS_INT ncl) ZRV_NOEXCEPT;
+
+/* The value of ZRVNCL_IFILE if it is set, else home and "interfaces", within the size. */
+ZRV_API CS_RETCODE com_path_ifile(CS_CONTEXT *context, CS_CHAR *pathname,
+                                  CS_INT pathsize) ZRV_NOEXCEPT;
+
+/* Home, the value of ZARVEK_NCL (below 513 bytes) if `ncl` is not 0 and it is set, "config",
+ * `cfgfile` (null is fatal); within the size. */
+ZRV_API CS_RETCODE com_path_cfgfile(CS_CONTEXT *context, CS_CHAR *cfgfile, CS_CHAR *pathname,
+                                    CS_INT pathsize, CS_INT ncl) ZRV_NOEXCEPT;
+
+/* Home, "locales", `lang` if it is not null, `charset` if neither is null, `locfile` (null is
+ * fatal); within the size. */
+ZRV_PRIVATE CS_RETCODE com__path_locfile(CS_CONTEXT *context, CS_CHAR *lang, CS_CHAR *charset,
+                                         CS_CHAR *locfile, CS_CHAR *pathname,
+                                         CS_INT pathsize) ZRV_NOEXCEPT;
+
+/* Home, "locales", "message", `lang`, within the size, and `msgfile`, below it. Both names are
+ * NUL-terminated (null is fatal): `langlen` is not read, and `msgfilelen` stands for the length of
+ * `msgfile` in the last test alone, so a path can come out cut if it is too small. The buffer is
+ * cleared first. */
+ZRV_API CS_RETCODE com_path_msgfile(CS_CONTEXT *context, CS_CHAR *lang, CS_INT langlen,
+                                    CS_CHAR *msgfile, CS_INT msgfilelen, CS_CHAR *pathname,
+                                    CS_INT pathsize) ZRV_NOEXCEPT;
+
+/* Home, "charsets", `charset` if it is not null, `filename`, below the size, then "." and `fileext`
+ * if that is not null, within it. With a null `filename` the directory is the result. */
+ZRV_API CS_RETCODE com_path_charfile(CS_CONTEXT *context, CS_CHAR *charset, CS_CHAR *filename,
+                                     CS_CHAR *fileext, CS_CHAR *pathname,
+                                     CS_INT pathsize) ZRV_NOEXCEPT;
+
+/* The types of comn__path_locdata. */
+#define COM_LOCDATA_MONEY 4
+#define COM_LOCDATA_NUMERIC 5
+#define COM_LOCDATA_DATETIME 6
+
+/* Home, "locales", then by type "money", "numeric" or "datetime", `filename` (null is fatal), "."
+ * and "mon", "num" or "dt"; below the size. Any other type is fatal. */
+ZRV_PRIVATE CS_RETCODE comn__path_locdata(CS_CONTEXT *context, CS_INT type, CS_CHAR *filename,
+                                          CS_CHAR *pathname, CS_INT pathsize) ZRV_NOEXCEPT;
+
+/* The process-wide override of the driver configuration file; empty means none. Written by
+ * com_set_tclcfg, without a lock: a writer and a reader must not overlap. */
+#define COM_TCLCFG_SIZE 513
+extern ZRV_PRIVATE CS_CHAR tclcfgpath[COM_TCLCFG_SIZE];
+
+/* Sets the override to a copy of `path`, or clears it if that is null. CS_SUCCEED; CS_FAIL, the old
+ * one kept, for a path of 512 bytes or more. */
+ZRV_API CS_RETCODE com_set_tclcfg(CS_CHAR *path) ZRV_NOEXCEPT;
+
+/* Delivers the path of the driver configuration file: the override, else ZRVNCL_TCL_CFG, else
+ * ZARVEK_TCL_CFG, else com_path_cfgfile of "libtcl.cfg" with the product directory. Returns its
+ * length in bytes, without the NUL; 0 when the first of these that is there does not fit in the
+ * `buflen` bytes at `buf` (not null). */
+ZRV_API CS_INT com_get_tclcfg(CS_CHAR *buf, CS_INT buflen) ZRV_NOEXCEPT;
+
+/* Bytes at the outputs of the next two. */
+#define COM_LDAPVERSION_SIZE 256
+
+/*
+ * Delivers the version suffix of the LDAP client library.
+ *
+ * versionsuffix  out  COM_LDAPVERSION_SIZE bytes; unchanged on failure
+ * latest         in   1 asks for the newest library that is installed; anything else for the
+ *                     built-in suffix, without a look at the file system
+ *
+ * A newer library comes out as its whole file name, not as a suffix. Returns CS_SUCCEED, or CS_FAIL
+ * when the directory cannot be read.
+ */
+ZRV_API CS_RETCODE com_get_ldapversionsuffix(CS_CHAR *versionsuffix, CS_INT latest) ZRV_NOEXCEPT;
+
+/*
+ * Searches "devlib3p" below the product directory for LDAP client libraries that compare higher,
+ * byte by byte and not as version numbers, than the built-in one.
+ *
+ * version      out  the file name of the highest, COM_LDAPVERSION_SIZE bytes; unchanged without one
+ * updatefound  out  1 if there is one, else 0
+ *
+ * Returns CS_SUCCEED, or CS_FAIL when the path does not fit in 512 bytes or the directory cannot be
+ * read.
+ */
+ZRV_PRIVATE CS_RETCODE com__find_latest_ldapversion(CS_CHAR *version,
+                                                    CS_INT *updatefound) ZRV_NOEXCEPT;
+
+/*
+ * Names the application after its executable.
+ *
+ * context   in   not read
+ * appname   out  the last part of the executable's path, cut to fit, NUL-terminated; empty when the
+ *                path cannot be had
+ * size      in   bytes at `appname`
+ * sanitize  in   see comn__sanitize_name
+ *
+ * Returns CS_SUCCEED, or CS_FAIL, nothing written, for a size below 1 or an empty path.
+ */
+ZRV_PRIVATE CS_RETCODE comn__genappname_from_exec(CS_CONTEXT *context, CS_CHAR *appname,
+                                                  CS_INT size, CS_INT sanitize) ZRV_NOEXCEPT;
+
 /* ---- conversion dispatch ---- */
 
 /* The width in bytes of a datatype, or `len` for a type without a fixed size. */

@@ -245,6 +245,15 @@ ZRV_PRIVATE char *comn__getVdate(void) ZRV_NOEXCEPT;
 ZRV_PRIVATE CS_RETCODE comn__get_frame_info(CS_VOID *fp, COMN_FRAME_INFO *info,
                                             CS_VOID **next) ZRV_NOEXCEPT;
 
+/* What comn__sanitize_name does to a name; any other value leaves it as it is. */
+#define COM_SANITIZE_LOWER 1
+#define COM_SANITIZE_UPPER 2
+
+/* Folds the case of a name in place with the C library's tolower or toupper, up to its NUL or up to
+ * and including the byte at position `namesize`: a name without a NUL has namesize + 1 bytes. */
+ZRV_PRIVATE void comn__sanitize_name(CS_INT sanitize, CS_CHAR *sname,
+                                     CS_INT namesize) ZRV_NOEXCEPT;
+
 /* ---- conversion dispatch ---- */
 
 /* The conversion matrix, row by source, column by destination; null where no conversion exists. */

@@ -1,6 +1,7 @@
 // Small services that need no subsystem of their own.
 #include <dlfcn.h>
 
+#include <cctype>
 #include <cstring>
 
 #include "checks.h"
@@ -151,4 +152,16 @@ CS_RETCODE comn_get_default_tid(CS_VOID *buffer, CS_INT buflen, CS_INT *outlen) 
 void *com_dlsym(CS_CHAR *symbol) noexcept {
   COMN_CHECK_PTR(symbol, nullptr);
   return dlsym(RTLD_DEFAULT, symbol);
+}
+
+void comn__sanitize_name(CS_INT sanitize, CS_CHAR *sname, CS_INT namesize) noexcept {
+  COMN_CHECK_PTR(sname);
+  if (sanitize != COM_SANITIZE_LOWER && sanitize != COM_SANITIZE_UPPER)
+    return;
+  // Unlike a result, a name is folded by the rules of the application's locale.
+  for (CS_INT i = 0; i <= namesize && sname[i] != '\0'; ++i) {
+    const auto c = static_cast<unsigned char>(sname[i]);
+    sname[i] =
+        static_cast<CS_CHAR>(sanitize == COM_SANITIZE_LOWER ? std::tolower(c) : std::toupper(c));
+  }
 }

@@ -483,8 +483,8 @@ ZRV_CONV(comn_voidtovoid);
  * Hexadecimal text to binary, after comn__hex2binbytes. The first digit of an odd count is a byte
  * of its own. Source types are the text types, destination types the binary ones.
  * CS_CONV_TRUNCATED: maxlength bytes were stored and digits are left over, unexamined.
- * CS_CONV_OVERFLOW: an odd count and no room at all. CS_CONV_SYNTAX: not a digit; `*destlen` is 0
- * (so for a source length below 1, which is fatal).
+ * CS_CONV_OVERFLOW: an odd count and no room at all. CS_CONV_SYNTAX: not a digit; `*destlen` is 0.
+ * A source length below 1 is fatal. The source may be converted in place.
  */
 ZRV_CONV(comn_chartobin);
 

@@ -79,10 +79,10 @@ CS_RETCODE comn_chartobin(COMN_CONV_PARAMETERS) noexcept {
   COMN_CHECK(comn::binary_types.contains(destfmt->datatype), CS_FAIL);
   auto *text = static_cast<CS_CHAR *>(src);
   CS_INT digits = srcfmt->maxlength;
-  *destlen = 0;
   comn__hex2binbytes(&text, &digits);
-  if (srcfmt->maxlength < 1)
-    return CS_CONV_SYNTAX;
+  if (srcfmt->maxlength < 1) // the reader's check has failed
+    return CS_FAIL;
+  *destlen = 0;
 
   const auto *in = reinterpret_cast<const CS_BYTE *>(text);
   const CS_BYTE *const end = in + digits;

@@ -1,0 +1,67 @@
+// The pads, long-hand: one byte at a time, straight from their rules.
+#ifndef ZRVTEST_PAD_REFERENCE_H
+#define ZRVTEST_PAD_REFERENCE_H
+
+#include <string>
+
+#include "zrvcomn/cserror.h"
+#include "zrvcomn/cspublic.h"
+
+namespace zrvtest {
+
+// A destination: its bytes (at least maxlength of them) and where its data ends.
+struct Padded {
+  std::string bytes;
+  CS_INT length;
+};
+
+// `unit` is 1 for text and 2 for 16-bit text.
+inline CS_RETCODE reference_pad_text(CS_INT unit, CS_INT srclen, CS_INT format, CS_INT maxlength,
+                                     Padded &dest) {
+  const bool terminated = (format & CS_DFMT_NULLTERM) != 0;
+  const auto put = [&](CS_INT position, char first) {
+    for (CS_INT i = 0; i < unit; ++i)
+      dest.bytes.at(static_cast<size_t>(position + i)) = i == 0 ? first : '\0';
+  };
+  bool room = maxlength >= srclen;
+  if (terminated && maxlength < srclen + unit)
+    room = false;
+  if (!room) {
+    CS_INT whole = maxlength;
+    while (whole % unit != 0)
+      --whole;
+    if (terminated && whole > 0)
+      put(whole - unit, '\0');
+    return CS_CONV_OVERFLOW;
+  }
+  if ((format & CS_DFMT_PADNULL) != 0 && (format & CS_DFMT_PADBLANK) != 0)
+    return CS_CONV_PADCONFLICT;
+  if ((format & (CS_DFMT_PADNULL | CS_DFMT_PADBLANK)) != 0) {
+    CS_INT last = -1;
+    while (dest.length + unit <= maxlength) {
+      last = dest.length;
+      put(last, (format & CS_DFMT_PADNULL) != 0 ? '\0' : ' ');
+      dest.length += unit;
+    }
+    if (terminated && last >= 0)
+      put(last, '\0');
+  } else if (terminated && dest.length + unit <= maxlength) {
+    put(dest.length, '\0');
+    dest.length += unit;
+  }
+  return CS_SUCCEED;
+}
+
+inline CS_RETCODE reference_pad_binary(CS_INT srclen, CS_INT format, CS_INT maxlength,
+                                       Padded &dest) {
+  if ((format & CS_DFMT_PADNULL) != 0 && maxlength > srclen && maxlength > dest.length) {
+    for (CS_INT i = srclen; i < maxlength; ++i)
+      dest.bytes.at(static_cast<size_t>(i)) = '\0';
+    dest.length = maxlength;
+  }
+  return CS_SUCCEED;
+}
+
+} // namespace zrvtest
+
+#endif

@@ -31,7 +31,8 @@ ZRV_API CS_CHAR *com_getenv(char *envvar) ZRV_NOEXCEPT;
  *
  * destp      in,out  the string, from comn_malloc, or null; resized with comn_realloc
  * destlenp   out     the length without the terminator
- * source     in      the new text; may hold NUL bytes when a length is given
+ * source     in      the new text, which must not lie in the old one; may hold NUL bytes when a
+ *                    length is given
  * sourcelen  in      its length, or CS_LEN_NULLTERM for a NUL-terminated text
  *
  * Returns CS_SUCCEED; CS_FAIL, nothing changed, for a null argument or a length below 1;
@@ -44,8 +45,8 @@ ZRV_API CS_RETCODE com_setstring(CS_CHAR **destp, CS_INT *destlenp, CS_CHAR *sou
  * the shorter one is the lower; 0 when equal. */
 ZRV_API CS_INT com_memhilo(CS_BYTE *p1, CS_INT len1, CS_BYTE *p2, CS_INT len2) ZRV_NOEXCEPT;
 
-/* Stores `c` into `n` bytes, one at a time, and returns `s`. The stores survive optimisation: use
- * it to wipe keys and passwords. */
+/* Stores `c` into `n` bytes, one at a time, and returns `s`, which may be null when `n` is 0. The
+ * stores survive optimisation: use it to wipe keys and passwords. */
 ZRV_API CS_VOID *com_secure_memset(CS_VOID *s, CS_CHAR c, size_t n) ZRV_NOEXCEPT;
 
 /* Compare text as unsigned bytes and return the first difference, 0 when equal. com_unsignstrcmp
@@ -108,9 +109,10 @@ ZRV_API CS_RETCODE com_appglobal_alloc(CsAppGlobal **appglobal, CS_THREAD *threa
                                        CS_INT flags) ZRV_NOEXCEPT;
 
 /* Gives a reference back. The last one releases the configuration chain and clears the record, and
- * frees it when `flags` lacks COM_APPGLOBAL_STATIC. Returns CS_SUCCEED. Fatal, CS_FAIL: more drops
- * than references, COM_APPGLOBAL_STATIC with another record than the static one, a subscriber that
- * is left at the last drop (the record then keeps its contents). The count has fallen in each case.
+ * frees it when `flags` lacks COM_APPGLOBAL_STATIC (never the static one). Returns CS_SUCCEED.
+ * Fatal, CS_FAIL: more drops than references, COM_APPGLOBAL_STATIC with another record than the
+ * static one, a subscriber that is left at the last drop (the record then keeps its contents). The
+ * count has fallen in each case.
  */
 ZRV_API CS_RETCODE com_appglobal_drop(CsAppGlobal *appglobal, CS_INT flags) ZRV_NOEXCEPT;
 
@@ -120,7 +122,8 @@ ZRV_API CS_RETCODE com_appglobal_drop(CsAppGlobal *appglobal, CS_INT flags) ZRV_
 typedef int ncl_once_flag;
 #define NCL_ONCE_INIT 1
 
-/* Calls `func` if `*flag` is 1, and sets the flag to 0 first. Any other value does nothing. */
+/* Calls `func` if `*flag` is 1, and sets the flag to 0 first. Any other value does nothing, and
+ * `func` may then be null. */
 ZRV_API void ncl_call_once(ncl_once_flag *flag, void (*func)(void)) ZRV_NOEXCEPT;
 
 /* `size` bytes aligned to `alignment`, a power of two and a multiple of the pointer size; null on
@@ -201,7 +204,8 @@ ZRV_API CS_RETCODE com_catstr(char *dest, char *src, int size) ZRV_NOEXCEPT;
  *
  * context   in  not read
  * filename  in  the file, opened for appending; null closes the debug file
- * filenlen  in  its length, or CS_LEN_NULLTERM; 0 closes the debug file
+ * filenlen  in  its length in bytes; negative (CS_LEN_NULLTERM) for a NUL-terminated name; 0 closes
+ *               the debug file
  *
  * Returns CS_SUCCEED, or CS_FAIL when the file cannot be opened or its name is too long: the debug
  * stream is then left as it was. A file opened before is closed.

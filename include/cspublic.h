@@ -56,7 +56,8 @@ ZRV_BEGIN_DECLS
 /* The number of built-in datatypes, and so the first user-defined code. */
 #define CS_TYPE_COUNT 40
 
-/* Bits of CS_DATAFMT.format. */
+/* Bits of CS_DATAFMT.format. On the source of comn_chartonum, CS_DFMT_NULLTERM says that the text
+ * ends at its terminator. */
 #define CS_DFMT_NULLTERM 1  /* end text results in a NUL, which counts toward maxlength */
 #define CS_DFMT_PADNULL 2   /* fill the rest of maxlength with NUL: text and binary results */
 #define CS_DFMT_PADBLANK 4  /* fill the rest of maxlength with blanks: text results */
@@ -93,12 +94,14 @@ ZRV_BEGIN_DECLS
 typedef struct _cscontext CS_CONTEXT;
 typedef struct _cslocale CS_LOCALE;
 
-/* Describes one value on one side of a conversion. A conversion reads it and leaves it as it is. */
+/* Describes one value on one side of a conversion. A conversion reads it and leaves it as it is,
+ * with one exception: the conversions to numeric from text and from 64-bit integers store 255 into
+ * a precision or scale of CS_DFMT_FROMSOURCE, and the one from text brings the marker back. */
 typedef struct _cs_datafmt {
   CS_CHAR name[256]; /* not read */
   CS_INT namelen;    /* not read */
   CS_INT datatype;   /* datatype code; each conversion checks both sides */
-  CS_INT format;     /* CS_DFMT_ bits, read on the destination side */
+  CS_INT format;     /* CS_DFMT_ bits, read on the destination side but for CS_DFMT_NULLTERM */
   CS_INT maxlength;  /* source: its length in bytes; destination: its capacity in bytes */
   CS_INT scale;      /* numeric destination: 0 to 77, or CS_DFMT_FROMSOURCE */
   CS_INT precision;  /* numeric destination: 1 to 77, or CS_DFMT_FROMSOURCE */

@@ -17,7 +17,8 @@ void *comn_malloc(size_t size) noexcept {
 }
 
 void *comn_calloc(size_t count, size_t size) noexcept {
-  return std::calloc(at_least_one(count), at_least_one(size));
+  // No elements of any size are nothing, and nothing is one byte.
+  return count == 0 || size == 0 ? std::calloc(1, 1) : std::calloc(count, size);
 }
 
 void *comn_realloc(void *block, size_t size) noexcept {

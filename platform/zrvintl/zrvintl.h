@@ -30,7 +30,8 @@ extern "C" {
 ZRV_API void *comn_malloc(size_t size) ZRVINTL_NOEXCEPT;
 
 /* A cleared block for `count` elements of `size` bytes; null on failure, also when the product
- * overflows. Release with comn_free. */
+ * overflows. With either of them 0 it is a block of its own that holds nothing. Release with
+ * comn_free. */
 ZRV_API void *comn_calloc(size_t count, size_t size) ZRVINTL_NOEXCEPT;
 
 /* Resizes a block of comn_malloc and its kin, keeping its contents up to the smaller size; a null
@@ -67,9 +68,10 @@ ZRV_API int intlgetenv(char *buffer, int size, const char *name) ZRVINTL_NOEXCEP
 ZRV_API int intl_home(char *buffer, int size) ZRVINTL_NOEXCEPT;
 
 /* Copies `source` to, or appends it to, the string at `dest`, whose full size is `size` bytes. The
- * result is cut to fit and always terminated, unless `size` is 0 or, for the append, `dest` has no
- * terminator within `size`: then nothing is written. Returns the length of the text that was
- * wanted; a result of `size` or more means that it was cut. */
+ * two must not be null and must not overlap. The result is cut to fit and always terminated, unless
+ * `size` is 0 or, for the append, `dest` has no terminator within `size`: then nothing is written.
+ * Returns the length of the text that was wanted; a result of `size` or more means that it was cut.
+ */
 ZRV_API size_t intl_strlcpy(char *dest, const char *source, size_t size) ZRVINTL_NOEXCEPT;
 ZRV_API size_t intl_strlcat(char *dest, const char *source, size_t size) ZRVINTL_NOEXCEPT;
 

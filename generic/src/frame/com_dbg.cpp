@@ -86,10 +86,8 @@ private:
 CS_RETCODE comn_debug_setfile(CS_CONTEXT *, CS_CHAR *filename, CS_INT filenlen) noexcept {
   FILE *file = nullptr;
   if (filename != nullptr && filenlen != 0) {
-    if (filenlen < 0 && filenlen != CS_LEN_NULLTERM)
-      return COMN_TRACE(CS_FAIL);
     CS_CHAR path[PATH_MAX];
-    const size_t limit = filenlen == CS_LEN_NULLTERM ? sizeof path : static_cast<size_t>(filenlen);
+    const size_t limit = filenlen < 0 ? sizeof path : static_cast<size_t>(filenlen);
     const size_t length = strnlen(filename, limit);
     if (length >= sizeof path)
       return COMN_TRACE(CS_FAIL);
@@ -106,7 +104,7 @@ CS_RETCODE comn_debug_setfile(CS_CONTEXT *, CS_CHAR *filename, CS_INT filenlen) 
 }
 
 CS_RETCODE comn_debug_print(const char *fmtstr, ...) noexcept {
-  COMN_CHECK_PTR(fmtstr, CS_FAIL);
+  COMN_CHECK_PTR(fmtstr, COMN_TRACE(CS_FAIL));
   FILE *stream = comn::debug_stream();
   va_list arguments;
   va_start(arguments, fmtstr);
@@ -117,7 +115,7 @@ CS_RETCODE comn_debug_print(const char *fmtstr, ...) noexcept {
 }
 
 CS_RETCODE comn_debug_vprint(CS_CHAR *fmtstr, CS_VOID *ap) noexcept {
-  COMN_CHECK_PTR(fmtstr, CS_FAIL);
+  COMN_CHECK_PTR(fmtstr, COMN_TRACE(CS_FAIL));
   FILE *stream = comn::debug_stream();
   const auto *words = static_cast<const intptr_t *>(ap);
   for (const CS_CHAR *format = fmtstr; *format != '\0';) {

@@ -52,7 +52,7 @@ CS_CHAR *com_getenv(char *envvar) noexcept {
     return nullptr;
   char value[env_size];
   const int length = intlgetenv(value, env_size, envvar);
-  if (length <= 0)
+  if (length <= 0 || length >= env_size)
     return nullptr;
   const auto size = static_cast<size_t>(length) + 1;
   auto *copy = static_cast<CS_CHAR *>(comn_malloc(size));
@@ -95,6 +95,9 @@ CS_INT com_memhilo(CS_BYTE *p1, CS_INT len1, CS_BYTE *p2, CS_INT len2) noexcept 
 }
 
 CS_VOID *com_secure_memset(CS_VOID *s, CS_CHAR c, size_t n) noexcept {
+  if (n == 0)
+    return s;
+  COMN_CHECK_PTR(s, nullptr);
   auto *bytes = static_cast<volatile CS_CHAR *>(s);
   for (size_t i = 0; i < n; ++i)
     bytes[i] = c;
@@ -142,7 +145,7 @@ CS_RETCODE comn_get_default_tid(CS_VOID *buffer, CS_INT buflen, CS_INT *outlen) 
   constexpr CS_INT width = sizeof tid;
   if (buflen < width)
     return COMN_TRACE(CS_FAIL);
-  COMN_CHECK_PTR(buffer, CS_FAIL);
+  COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
   std::memcpy(buffer, &tid, sizeof tid);
   if (outlen != nullptr)
     *outlen = width;

@@ -10,7 +10,7 @@ CsAppGlobal Application_global;
 extern "C" void comn_globdrop_cfg(CS_VOID *cfgchain) noexcept __attribute__((weak));
 
 CS_RETCODE com_appglobal_alloc(CsAppGlobal **appglobal, CS_THREAD *thread, CS_INT flags) noexcept {
-  COMN_CHECK_PTR(appglobal, CS_FAIL);
+  COMN_CHECK_PTR(appglobal, COMN_TRACE(CS_FAIL));
   CsAppGlobal *record = &Application_global;
   if ((flags & COM_APPGLOBAL_STATIC) == 0) {
     record = static_cast<CsAppGlobal *>(comn_malloc(sizeof *record));
@@ -32,7 +32,7 @@ CS_RETCODE com_appglobal_alloc(CsAppGlobal **appglobal, CS_THREAD *thread, CS_IN
 }
 
 CS_RETCODE com_appglobal_drop(CsAppGlobal *appglobal, CS_INT flags) noexcept {
-  COMN_CHECK_PTR(appglobal, CS_FAIL);
+  COMN_CHECK_PTR(appglobal, COMN_TRACE(CS_FAIL));
   const bool is_static = (flags & COM_APPGLOBAL_STATIC) != 0;
   --appglobal->ag_accesscnt;
   COMN_CHECK(appglobal->ag_accesscnt >= 0, COMN_TRACE(CS_FAIL));
@@ -45,7 +45,7 @@ CS_RETCODE com_appglobal_drop(CsAppGlobal *appglobal, CS_INT flags) noexcept {
   if (appglobal->ag_cfgchain != nullptr && comn_globdrop_cfg != nullptr)
     comn_globdrop_cfg(appglobal->ag_cfgchain);
   std::memset(appglobal, 0, sizeof *appglobal);
-  if (!is_static)
+  if (appglobal != &Application_global)
     comn_free(appglobal);
   return COMN_TRACE(CS_SUCCEED);
 }

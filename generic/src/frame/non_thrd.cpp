@@ -2,6 +2,7 @@
 // and aligned memory.
 #include <unistd.h>
 
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 
@@ -33,7 +34,7 @@ CS_BOOL comn_thread_equal(CS_INT tid1, CS_INT tid2) noexcept {
 // A primitive that is made of nothing: the caller's handle becomes null.
 #define COMN_STUB_CREATE(name, ...)                                                                \
   CS_RETCODE name(CS_VOID **handle __VA_OPT__(, ) __VA_ARGS__) noexcept {                          \
-    COMN_CHECK_PTR(handle, CS_FAIL);                                                               \
+    COMN_CHECK_PTR(handle, COMN_TRACE(CS_FAIL));                                                   \
     *handle = nullptr;                                                                             \
     return COMN_TRACE(CS_SUCCEED);                                                                 \
   }
@@ -68,7 +69,7 @@ void comn_lock_global() noexcept {}
 void comn_unlock_global() noexcept {}
 
 CS_RETCODE comn_create_key(CS_VOID **keyp) noexcept {
-  COMN_CHECK_PTR(keyp, CS_FAIL);
+  COMN_CHECK_PTR(keyp, COMN_TRACE(CS_FAIL));
   // Deliberate: a failed allocation succeeds all the same and shows as a null key.
   *keyp = comn_calloc(1, sizeof(CS_VOID *));
   return COMN_TRACE(CS_SUCCEED);
@@ -85,21 +86,24 @@ CS_VOID *comn_get_threaduserdata(CS_VOID *key) noexcept {
 }
 
 CS_RETCODE comn_set_threaduserdata(CS_VOID *key, CS_VOID *dataptr) noexcept {
-  COMN_CHECK_PTR(key, CS_FAIL);
+  COMN_CHECK_PTR(key, COMN_TRACE(CS_FAIL));
   *static_cast<CS_VOID **>(key) = dataptr;
   return COMN_TRACE(CS_SUCCEED);
 }
 
 void ncl_call_once(ncl_once_flag *flag, void (*func)(void)) noexcept {
   COMN_CHECK_PTR(flag);
-  COMN_CHECK_PTR(func);
   if (*flag != NCL_ONCE_INIT)
     return;
+  COMN_CHECK_PTR(func);
   *flag = 0;
   func();
 }
 
 void *ncl_aligned_alloc(size_t alignment, size_t size) noexcept {
+  // posix_memalign refuses other alignments as well; the address sanitizer's ends the process.
+  if (!std::has_single_bit(alignment) || alignment % sizeof(void *) != 0)
+    return nullptr;
   void *block = nullptr;
   return posix_memalign(&block, alignment, size) == 0 ? block : nullptr;
 }

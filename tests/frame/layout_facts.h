@@ -1,0 +1,368 @@
+/*
+ * The published layouts and constants as literal rows, each checked by a C++ and by a C99 unit.
+ *
+ * Widths are bytes. Scalars, value records and constants are the same in both data models. The
+ * sizes and offsets of the records that hold pointers are those of ILP32; under LP64 such records
+ * have their natural layout, and only the order of their fields is a fact.
+ */
+#ifndef ZRVTEST_LAYOUT_FACTS_H
+#define ZRVTEST_LAYOUT_FACTS_H
+
+#include "zrvcomn/comnlib.h"
+
+/* clang-format off */
+
+/* type, width, 1 if it is signed */
+#define LAYOUT_INTEGERS(ROW) \
+  ROW(CS_INT, 4, 1) \
+  ROW(CS_LONG, 4, 1) \
+  ROW(CS_UINT, 4, 0) \
+  ROW(CS_RETCODE, 4, 1) \
+  ROW(CS_MSGNUM, 4, 1) \
+  ROW(CS_BOOL, 4, 1) \
+  ROW(CS_SMALLINT, 2, 1) \
+  ROW(CS_USMALLINT, 2, 0) \
+  ROW(CS_USHORT, 2, 0) \
+  ROW(CS_TINYINT, 1, 0) \
+  ROW(CS_BIGINT, 8, 1) \
+  ROW(CS_UBIGINT, 8, 0) \
+  ROW(CS_BYTE, 1, 0) \
+  ROW(CS_BINARY, 1, 0) \
+  ROW(CS_LONGBINARY, 1, 0) \
+  ROW(CS_IMAGE, 1, 0) \
+  ROW(CS_LONGCHAR, 1, 0) \
+  ROW(CS_TEXT, 1, 0) \
+  ROW(CS_XML, 1, 0) \
+  ROW(CS_BIT, 1, 0) \
+  ROW(CS_UNICHAR, 2, 0) \
+  ROW(CS_UNITEXT, 2, 0) \
+  ROW(CS_VOIDDATA, 4, 1) \
+  ROW(CS_BLOB, 4, 1) \
+  ROW(CS_DATE, 4, 1) \
+  ROW(CS_TIME, 4, 1) \
+  ROW(CS_THRDID, 4, 1) \
+  ROW(CS_BIGDATETIME, 8, 0) \
+  ROW(CS_BIGTIME, 8, 0) \
+  ROW(CS_EVENT, 1, 0) \
+  ROW(CS_STATE, 1, 0)
+
+/* record, size: both data models */
+#define LAYOUT_VALUE_RECORDS(ROW) \
+  ROW(CS_VARCHAR, 258) \
+  ROW(CS_VARBINARY, 258) \
+  ROW(CS_NUMERIC, 35) \
+  ROW(CS_DECIMAL, 35) \
+  ROW(CS_MONEY, 8) \
+  ROW(CS_MONEY4, 4) \
+  ROW(CS_DATETIME, 8) \
+  ROW(CS_DATETIME4, 4) \
+  ROW(CS_DATEREC, 48) \
+  ROW(CS_CLIENTMSG, 2084) \
+  ROW(CHAR_MAP, 4)
+
+/* record, field, offset, width of the field: both data models */
+#define LAYOUT_VALUE_FIELDS(ROW) \
+  ROW(CS_VARCHAR, len, 0, 2) \
+  ROW(CS_VARCHAR, str, 2, 256) \
+  ROW(CS_VARBINARY, len, 0, 2) \
+  ROW(CS_VARBINARY, array, 2, 256) \
+  ROW(CS_NUMERIC, precision, 0, 1) \
+  ROW(CS_NUMERIC, scale, 1, 1) \
+  ROW(CS_NUMERIC, array, 2, 33) \
+  ROW(CS_DECIMAL, precision, 0, 1) \
+  ROW(CS_DECIMAL, scale, 1, 1) \
+  ROW(CS_DECIMAL, array, 2, 33) \
+  ROW(CS_MONEY, mnyhigh, 0, 4) \
+  ROW(CS_MONEY, mnylow, 4, 4) \
+  ROW(CS_MONEY4, mny4, 0, 4) \
+  ROW(CS_DATETIME, dtdays, 0, 4) \
+  ROW(CS_DATETIME, dttime, 4, 4) \
+  ROW(CS_DATETIME4, days, 0, 2) \
+  ROW(CS_DATETIME4, minutes, 2, 2) \
+  ROW(CS_DATEREC, dateyear, 0, 4) \
+  ROW(CS_DATEREC, datemonth, 4, 4) \
+  ROW(CS_DATEREC, datedmonth, 8, 4) \
+  ROW(CS_DATEREC, datedyear, 12, 4) \
+  ROW(CS_DATEREC, datedweek, 16, 4) \
+  ROW(CS_DATEREC, datehour, 20, 4) \
+  ROW(CS_DATEREC, dateminute, 24, 4) \
+  ROW(CS_DATEREC, datesecond, 28, 4) \
+  ROW(CS_DATEREC, datemsecond, 32, 4) \
+  ROW(CS_DATEREC, datetzone, 36, 4) \
+  ROW(CS_DATEREC, datesecfrac, 40, 4) \
+  ROW(CS_DATEREC, datesecprec, 44, 4) \
+  ROW(CS_CLIENTMSG, severity, 0, 4) \
+  ROW(CS_CLIENTMSG, msgnumber, 4, 4) \
+  ROW(CS_CLIENTMSG, msgstring, 8, 1024) \
+  ROW(CS_CLIENTMSG, msgstringlen, 1032, 4) \
+  ROW(CS_CLIENTMSG, osnumber, 1036, 4) \
+  ROW(CS_CLIENTMSG, osstring, 1040, 1024) \
+  ROW(CS_CLIENTMSG, osstringlen, 2064, 4) \
+  ROW(CS_CLIENTMSG, status, 2068, 4) \
+  ROW(CS_CLIENTMSG, sqlstate, 2072, 8) \
+  ROW(CS_CLIENTMSG, sqlstatelen, 2080, 4) \
+  ROW(CHAR_MAP, char_upper, 0, 1) \
+  ROW(CHAR_MAP, char_lower, 1, 1) \
+  ROW(CHAR_MAP, char_lex, 2, 1) \
+  ROW(CHAR_MAP, char_type, 3, 1)
+
+/* record, size under ILP32 */
+#define LAYOUT_POINTER_RECORDS(ROW) \
+  ROW(CS_DATAFMT, 296) \
+  ROW(CS_CONTEXT, 120) \
+  ROW(CsContext, 120) \
+  ROW(CsConvertTbl, 8) \
+  ROW(CsNullTbl, 8) \
+  ROW(CsDefVal, 12) \
+  ROW(CsUsrCvtFunc, 20) \
+  ROW(CsUsrNull, 16) \
+  ROW(CsCtxGlobals, 68) \
+  ROW(CS_LOCALE, 32) \
+  ROW(CsLocale, 32) \
+  ROW(CS_THREAD, 40) \
+  ROW(CS_LOCATOR, 32) \
+  ROW(CsBlobChunk, 12) \
+  ROW(ComErrString, 8)
+
+/* record, field, offset under ILP32; a record's fields in their order */
+#define LAYOUT_POINTER_FIELDS(ROW) \
+  ROW(CS_DATAFMT, name, 0) \
+  ROW(CS_DATAFMT, namelen, 256) \
+  ROW(CS_DATAFMT, datatype, 260) \
+  ROW(CS_DATAFMT, format, 264) \
+  ROW(CS_DATAFMT, maxlength, 268) \
+  ROW(CS_DATAFMT, scale, 272) \
+  ROW(CS_DATAFMT, precision, 276) \
+  ROW(CS_DATAFMT, status, 280) \
+  ROW(CS_DATAFMT, count, 284) \
+  ROW(CS_DATAFMT, usertype, 288) \
+  ROW(CS_DATAFMT, locale, 292) \
+  ROW(CS_CONTEXT, ctxtag, 0) \
+  ROW(CS_CONTEXT, ctxstatus, 4) \
+  ROW(CS_CONTEXT, ctxversion, 8) \
+  ROW(CS_CONTEXT, ctxlocale, 12) \
+  ROW(CS_CONTEXT, ctxdeflocale, 16) \
+  ROW(CS_CONTEXT, ctxglobals, 20) \
+  ROW(CS_CONTEXT, ctxcvttbl, 24) \
+  ROW(CS_CONTEXT, ctxusrcvttbl, 32) \
+  ROW(CS_CONTEXT, ctxnulls, 36) \
+  ROW(CS_CONTEXT, ctxusrnulls, 44) \
+  ROW(CS_CONTEXT, ctxthread, 48) \
+  ROW(CS_CONTEXT, ctxintlerr, 52) \
+  ROW(CS_CONTEXT, ctxctctx, 56) \
+  ROW(CS_CONTEXT, ctxnetwork, 60) \
+  ROW(CS_CONTEXT, ctxdsctx, 64) \
+  ROW(CS_CONTEXT, ctxssctx, 68) \
+  ROW(CS_CONTEXT, ctxopenserver, 72) \
+  ROW(CS_CONTEXT, ctxcsctx, 76) \
+  ROW(CS_CONTEXT, ctxmtx, 80) \
+  ROW(CS_CONTEXT, usercharconv, 84) \
+  ROW(CS_CONTEXT, ctxconfig, 88) \
+  ROW(CS_CONTEXT, ctxmalloc, 92) \
+  ROW(CS_CONTEXT, ctxfree, 96) \
+  ROW(CS_CONTEXT, ctxerrfunc, 100) \
+  ROW(CS_CONTEXT, ctxcomerrhan, 104) \
+  ROW(CS_CONTEXT, ctxcsifactory, 108) \
+  ROW(CS_CONTEXT, ctxcclctx, 112) \
+  ROW(CS_CONTEXT, ctxssfsctx, 116) \
+  ROW(CsConvertTbl, cvttbl, 0) \
+  ROW(CsConvertTbl, cvtdim, 4) \
+  ROW(CsNullTbl, nullvals, 0) \
+  ROW(CsNullTbl, nulldim, 4) \
+  ROW(CsDefVal, dventity, 0) \
+  ROW(CsDefVal, dvsize, 4) \
+  ROW(CsDefVal, dvpadtype, 8) \
+  ROW(CsUsrCvtFunc, srctype, 0) \
+  ROW(CsUsrCvtFunc, desttype, 4) \
+  ROW(CsUsrCvtFunc, cvtfunc, 8) \
+  ROW(CsUsrCvtFunc, nextdest, 12) \
+  ROW(CsUsrCvtFunc, nextsrc, 16) \
+  ROW(CsUsrNull, dttype, 0) \
+  ROW(CsUsrNull, dventity, 4) \
+  ROW(CsUsrNull, dvsize, 8) \
+  ROW(CsUsrNull, nextnull, 12) \
+  ROW(CsCtxGlobals, cmg_count, 0) \
+  ROW(CsCtxGlobals, cmg_lcache, 4) \
+  ROW(CsCtxGlobals, cmg_chardesc, 8) \
+  ROW(CsCtxGlobals, cmg_locale, 12) \
+  ROW(CsCtxGlobals, cmg_mtx, 16) \
+  ROW(CsCtxGlobals, cmg_datetime, 20) \
+  ROW(CsCtxGlobals, cmg_money, 24) \
+  ROW(CsCtxGlobals, cmg_numeric, 28) \
+  ROW(CsCtxGlobals, cmg_utf8_charset, 32) \
+  ROW(CsCtxGlobals, cmg_utf8_ctypeptr, 36) \
+  ROW(CsCtxGlobals, cmg_message, 40) \
+  ROW(CsCtxGlobals, lm, 44) \
+  ROW(CsCtxGlobals, mnem_db, 48) \
+  ROW(CsCtxGlobals, max_mnem_strlen, 52) \
+  ROW(CsCtxGlobals, ucs2_oid, 56) \
+  ROW(CsCtxGlobals, ctxoids, 60) \
+  ROW(CsCtxGlobals, csicorep, 64) \
+  ROW(CS_LOCALE, collateptr, 0) \
+  ROW(CS_LOCALE, ctypeptr, 4) \
+  ROW(CS_LOCALE, messageptr, 8) \
+  ROW(CS_LOCALE, monetaryptr, 12) \
+  ROW(CS_LOCALE, numericptr, 16) \
+  ROW(CS_LOCALE, timeptr, 20) \
+  ROW(CS_LOCALE, ctxptr, 24) \
+  ROW(CS_LOCALE, next, 28) \
+  ROW(CS_THREAD, create_mutex_fn, 0) \
+  ROW(CS_THREAD, delete_mutex_fn, 4) \
+  ROW(CS_THREAD, take_mutex_fn, 8) \
+  ROW(CS_THREAD, release_mutex_fn, 12) \
+  ROW(CS_THREAD, create_event_fn, 16) \
+  ROW(CS_THREAD, delete_event_fn, 20) \
+  ROW(CS_THREAD, signal_event_fn, 24) \
+  ROW(CS_THREAD, reset_event_fn, 28) \
+  ROW(CS_THREAD, waitfor_event_fn, 32) \
+  ROW(CS_THREAD, thread_id_fn, 36) \
+  ROW(CS_LOCATOR, locatortag, 0) \
+  ROW(CS_LOCATOR, locatortype, 4) \
+  ROW(CS_LOCATOR, locatorlen, 8) \
+  ROW(CS_LOCATOR, locator, 12) \
+  ROW(CS_LOCATOR, prefetchlen, 16) \
+  ROW(CS_LOCATOR, prefetchdata, 20) \
+  ROW(CS_LOCATOR, totalloblen, 24) \
+  ROW(CsBlobChunk, pnext, 0) \
+  ROW(CsBlobChunk, len, 4) \
+  ROW(CsBlobChunk, data, 8) \
+  ROW(ComErrString, errcode, 0) \
+  ROW(ComErrString, errstr, 4)
+
+/* The process-wide record: the widths of the slots of the layers above are not published, so only
+ * the start of the record and the order of its fields are. */
+#define LAYOUT_APPGLOBAL_FIELDS(ROW) \
+  ROW(ag_subscribers, 0) \
+  ROW(ag_state, 16) \
+  ROW(ag_accesscnt, 20) \
+  ROW(ag_dsglobal, 24)
+
+#define LAYOUT_APPGLOBAL_ORDER(ROW) \
+  ROW(ag_dsglobal) \
+  ROW(ag_netglobal) \
+  ROW(ag_asyncglobal) \
+  ROW(ag_accessfunc) \
+  ROW(ag_platformptr) \
+  ROW(ag_ctxthread) \
+  ROW(ag_mtx) \
+  ROW(ag_appctxglobal) \
+  ROW(ag_cfgchain) \
+  ROW(ag_blk_osfncs) \
+  ROW(ag_ctxglobal)
+
+/* name, value */
+#define LAYOUT_CONSTANTS(ROW) \
+  ROW(CS_TYPE_CHAR, 0) \
+  ROW(CS_TYPE_BINARY, 1) \
+  ROW(CS_TYPE_LONGCHAR, 2) \
+  ROW(CS_TYPE_LONGBINARY, 3) \
+  ROW(CS_TYPE_TEXT, 4) \
+  ROW(CS_TYPE_IMAGE, 5) \
+  ROW(CS_TYPE_TINYINT, 6) \
+  ROW(CS_TYPE_SMALLINT, 7) \
+  ROW(CS_TYPE_INT, 8) \
+  ROW(CS_TYPE_REAL, 9) \
+  ROW(CS_TYPE_FLOAT, 10) \
+  ROW(CS_TYPE_BIT, 11) \
+  ROW(CS_TYPE_DATETIME, 12) \
+  ROW(CS_TYPE_DATETIME4, 13) \
+  ROW(CS_TYPE_MONEY, 14) \
+  ROW(CS_TYPE_MONEY4, 15) \
+  ROW(CS_TYPE_NUMERIC, 16) \
+  ROW(CS_TYPE_DECIMAL, 17) \
+  ROW(CS_TYPE_VARCHAR, 18) \
+  ROW(CS_TYPE_VARBINARY, 19) \
+  ROW(CS_TYPE_LONG, 20) \
+  ROW(CS_TYPE_SENSITIVITY, 21) \
+  ROW(CS_TYPE_BOUNDARY, 22) \
+  ROW(CS_TYPE_VOID, 23) \
+  ROW(CS_TYPE_USHORT, 24) \
+  ROW(CS_TYPE_UNICHAR, 25) \
+  ROW(CS_TYPE_BLOB, 26) \
+  ROW(CS_TYPE_DATE, 27) \
+  ROW(CS_TYPE_TIME, 28) \
+  ROW(CS_TYPE_UNITEXT, 29) \
+  ROW(CS_TYPE_BIGINT, 30) \
+  ROW(CS_TYPE_USMALLINT, 31) \
+  ROW(CS_TYPE_UINT, 32) \
+  ROW(CS_TYPE_UBIGINT, 33) \
+  ROW(CS_TYPE_XML, 34) \
+  ROW(CS_TYPE_BIGDATETIME, 35) \
+  ROW(CS_TYPE_BIGTIME, 36) \
+  ROW(CS_TYPE_TEXTLOCATOR, 37) \
+  ROW(CS_TYPE_IMAGELOCATOR, 38) \
+  ROW(CS_TYPE_UNITEXTLOCATOR, 39) \
+  ROW(CS_TYPE_COUNT, 40) \
+  ROW(CS_SUCCEED, 1) \
+  ROW(CS_FAIL, 0) \
+  ROW(CS_MEM_ERROR, -1) \
+  ROW(CS_PENDING, -2) \
+  ROW(CS_QUIET, -3) \
+  ROW(CS_BUSY, -4) \
+  ROW(CS_INTERRUPT, -5) \
+  ROW(CS_CANCELED, -202) \
+  ROW(CS_ROW_FAIL, -203) \
+  ROW(CS_END_DATA, -204) \
+  ROW(CS_END_RESULTS, -205) \
+  ROW(CS_END_ITEM, -206) \
+  ROW(CS_NOMSG, -207) \
+  ROW(CS_TIMED_OUT, -208) \
+  ROW(CS_PASSTHRU_EOM, -210) \
+  ROW(CS_PASSTHRU_MORE, -211) \
+  ROW(CS_TRYING, -213) \
+  ROW(CS_CONV_OVERFLOW, -101) \
+  ROW(CS_CONV_UNDERFLOW, -102) \
+  ROW(CS_CONV_BADPRECISION, -103) \
+  ROW(CS_CONV_BADSCALE, -104) \
+  ROW(CS_CONV_SYNTAX, -105) \
+  ROW(CS_CONV_PADCONFLICT, -106) \
+  ROW(CS_CONV_DOMAIN, -107) \
+  ROW(CS_CONV_DIVZERO, -108) \
+  ROW(CS_CONV_TRUNCATED, -113) \
+  ROW(CS_CONV_DATEBUFFER, -114) \
+  ROW(CS_CONV_BADCHAR, -115) \
+  ROW(CS_CONV_NOXLATE, -116) \
+  ROW(CS_CONV_PARTIAL, -117) \
+  ROW(COM_INTL_ERROR, -301) \
+  ROW(COM_LOCFILE_ERROR, -414) \
+  ROW(COM_UNKNOWN_NAME, -417) \
+  ROW(CS_DFMT_NULLTERM, 1) \
+  ROW(CS_DFMT_PADNULL, 2) \
+  ROW(CS_DFMT_PADBLANK, 4) \
+  ROW(CS_DFMT_ESCQUOTE, 32) \
+  ROW(CS_DFMT_FROMSOURCE, -2562) \
+  ROW(CS_MIN_PREC, 1) \
+  ROW(CS_MAX_PREC, 77) \
+  ROW(CS_MIN_SCALE, 0) \
+  ROW(CS_MAX_SCALE, 77) \
+  ROW(CS_UNUSED, -99999) \
+  ROW(CS_LEN_NULLTERM, -9) \
+  ROW(CS_ACT_GET, 33) \
+  ROW(CS_ACT_SET, 34) \
+  ROW(CS_ACT_CLEAR, 35) \
+  ROW(CS_LCTYPE_COLLATE, 1) \
+  ROW(CS_LCTYPE_CTYPE, 2) \
+  ROW(CS_LCTYPE_MESSAGE, 3) \
+  ROW(CS_LCTYPE_MONETARY, 4) \
+  ROW(CS_LCTYPE_NUMERIC, 5) \
+  ROW(CS_LCTYPE_TIME, 6) \
+  ROW(CS_LCTYPE_ALL, 7) \
+  ROW(COM_PAD_CHAR, 1) \
+  ROW(COM_PAD_BIN, 2) \
+  ROW(COM_PAD_NONE, 3) \
+  ROW(COM_PAD_UNICHAR, 4) \
+  ROW(CS_LOCATOR_TAG, -779) \
+  ROW(COM_APPGLOBAL_STATIC, 1) \
+  ROW(NCL_ONCE_INIT, 1) \
+  ROW(CS_CTYPE_UPPER, 1) \
+  ROW(CS_CTYPE_LOWER, 2) \
+  ROW(CS_CTYPE_ALPHA, 3) \
+  ROW(CS_CTYPE_DIGIT, 4) \
+  ROW(CS_CTYPE_SPACE, 8) \
+  ROW(CS_CTYPE_XDIGIT, 16) \
+  ROW(CS_CTYPE_PUNCT, 32) \
+  ROW(CS_CTYPE_GRAPH, 64)
+
+/* clang-format on */
+
+#endif

@@ -19,6 +19,7 @@ file(
   \"version\": \"${PROJECT_VERSION}\",
   \"pointer_size\": ${CMAKE_SIZEOF_VOID_P},
   \"cmake\": \"${CMAKE_COMMAND}\",
+  \"build_type\": \"${CMAKE_BUILD_TYPE}\",
   \"generator\": \"${CMAKE_GENERATOR}\",
   \"toolchain\": \"${CMAKE_TOOLCHAIN_FILE}\",
   \"c_compiler\": \"${CMAKE_C_COMPILER}\",

@@ -1,0 +1,186 @@
+"""The built shared objects: what they export, what they need, what they must not contain."""
+import re
+import unittest
+from pathlib import Path
+
+import project
+from project import build, run, source_dir
+
+libraries = {"libzrvcomn": build.zrvcomn, "libzrvintl": build.zrvintl}
+sonames = {"libzrvcomn": "libzrvcomn.so.16", "libzrvintl": "libzrvintl.so.1"}
+maps = {"libzrvcomn": "generic/src/libzrvcomn.map", "libzrvintl": "platform/zrvintl/zrvintl.map"}
+
+# The only shared objects that ours may need. libgcc_s has the 64-bit division of 32-bit programs.
+system_libraries = {"libc.so.6", "libm.so.6", "libdl.so.2", "libgcc_s.so.1"}
+allowed_libraries = {"libzrvcomn": system_libraries | {"libzrvintl.so.1"},
+                     "libzrvintl": system_libraries}
+
+# The version nodes of those, which tell where an undefined symbol is to come from.
+allowed_versions = {"libzrvcomn": r"GLIBC_.*|GCC_.*|ZRVINTL_1", "libzrvintl": r"GLIBC_.*|GCC_.*"}
+
+# What the compiler's start files refer to in every shared object, all of it weak.
+start_file_names = {"_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable", "__cxa_finalize",
+                    "__gmon_start__"}
+# comn_globdrop_cfg belongs to the configuration reader; a library built without one still drops the
+# process-wide record, so the reference is weak.
+weak_names = {"libzrvcomn": start_file_names | {"comn_globdrop_cfg"}, "libzrvintl": start_file_names}
+
+# Exceptions, type information, guards of local statics, wrappers of thread-locals, the C++ heap, and
+# the functions that run static constructors.
+run_time_names = re.compile(
+    r"__cxa_(?!finalize$)|__gxx_|_Unwind_|_ZT[ISVHW]|_ZGV|__dynamic_cast|_Zn[wa]|_Zd[la]"
+    r"|_GLOBAL__(sub_)?[ID]|_ZSt|_ZNSt|_ZNKSt")
+
+
+class Symbol:
+    """One line of nm: an address (or none), a kind, a name with a version (or none)."""
+
+    def __init__(self, line):
+        *address, self.kind, name = line.split()
+        self.address = int(address[0], 16) if address else None
+        self.name, _, version = name.partition("@")
+        self.version = version.lstrip("@")
+
+
+def symbols(library, *options):
+    return [Symbol(line) for line in run(build.nm, *options, library).splitlines()]
+
+
+def parse_map(path):
+    """The version nodes of a linker map: {node: [names]}, in the order of the file."""
+    text = re.sub(r"/\*.*?\*/", "", (source_dir / path).read_text(), flags=re.S)
+    nodes = {}
+    for node, body in re.findall(r"(\w+)\s*\{(.*?)\}", text, flags=re.S):
+        exported = re.sub(r"local\s*:.*", "", body.replace("global:", ""), flags=re.S)
+        nodes[node] = [name.strip() for name in exported.split(";") if name.strip()]
+    return nodes
+
+
+def declared(headers, node_of_marker):
+    """The names that headers declare under the export macros: {node: set of names}."""
+    names = {node: set() for node in node_of_marker.values()}
+    for header in headers:
+        markers = [f"-D{marker}={marker}_MARK" for marker in node_of_marker]
+        text = run(build.c_compiler, *project.c_flags, "-std=c99", "-E", *markers, header)
+        own = []  # what stands in the header itself, not in those that it includes
+        inside = False
+        for line in text.splitlines():
+            marker = re.match(r'# \d+ "(.*?)"', line)
+            if marker:
+                inside = Path(marker[1]) == header
+            elif inside:
+                own.append(line)
+        for marker, declaration in re.findall(r"\b(\w+)_MARK\b([^;]*);", "\n".join(own)):
+            # The name is what stands before the parameters, the bounds or the end; a pointer to a
+            # function has it in parentheses.
+            name = re.search(r"\(\s*\*\s*(\w+)|(\w+)\s*(?:[(\[]|$)", declaration.strip())
+            names[node_of_marker[marker]].add(name[1] or name[2])
+    return names
+
+
+class Library(unittest.TestCase):
+    def test_soname(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                dynamic = run(build.readelf, "--dynamic", "--wide", path)
+                self.assertEqual(re.findall(r"\(SONAME\).*\[(.*)\]", dynamic), [sonames[name]])
+
+    def test_needed_libraries(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                dynamic = run(build.readelf, "--dynamic", "--wide", path)
+                needed = set(re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic))
+                self.assertIn("libc.so.6", needed)
+                self.assertLessEqual(needed, allowed_libraries[name])
+
+    def test_undefined_symbols(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                for symbol in symbols(path, "--dynamic", "--undefined-only"):
+                    if symbol.kind in "wv":
+                        self.assertIn(symbol.name, weak_names[name])
+                    else:
+                        self.assertRegex(symbol.version, f"^({allowed_versions[name]})$", symbol.name)
+
+    # Every page that the loader fixes up is read-only afterwards, and nothing is bound later.
+    def test_hardening(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                self.assertRegex(run(build.readelf, "--segments", "--wide", path), r"\bGNU_RELRO\b")
+                self.assertRegex(run(build.readelf, "--segments", "--wide", path), r"GNU_STACK.* RW +0x")
+                self.assertRegex(run(build.readelf, "--dynamic", "--wide", path), r"\(FLAGS_1\).*\bNOW\b")
+                self.assertNotRegex(run(build.readelf, "--dynamic", "--wide", path), r"\bTEXTREL\b")
+
+    def test_no_cxx_run_time(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                found = [symbol.name for symbol in symbols(path) if run_time_names.match(symbol.name)]
+                self.assertEqual(found, [])
+                self.assertNotIn(".gcc_except_table", run(build.readelf, "--sections", "--wide", path))
+
+    # The one entry of .init_array and of .fini_array is that of the compiler's start files.
+    def test_nothing_runs_at_load(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                sections = run(build.readelf, "--sections", "--wide", path)
+                self.assertNotRegex(sections, r" \.(ctors|dtors|preinit_array)\b")
+                address = {symbol.name: symbol.address for symbol in symbols(path)}
+                for section, function in ((".init_array", "frame_dummy"),
+                                          (".fini_array", "__do_global_dtors_aux")):
+                    size = re.search(rf" \{section} +\w+ +[0-9a-f]+ [0-9a-f]+ ([0-9a-f]+)", sections)
+                    self.assertEqual(int(size[1], 16), build.pointer_size, section)
+                    dump = run(build.readelf, "--hex-dump=" + section, path)
+                    words = re.search(r"0x[0-9a-f]+ ((?:[0-9a-f]+ )+)", dump)[1].replace(" ", "")
+                    entry = int.from_bytes(bytes.fromhex(words), "little")
+                    self.assertEqual(entry, address[function], section)
+
+    # A call of one of our functions to another is direct, so nobody can preempt it and it costs
+    # no table. Variables may stand in the global offset table: a program that reads one directly
+    # has a copy of its own, which the library must see.
+    def test_own_calls_are_direct(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                functions = {symbol.name for symbol in symbols(path, "--dynamic", "--defined-only")
+                             if symbol.kind in "Tti"}
+                relocations = run(build.readelf, "--relocs", "--wide", path)
+                indirect = set(re.findall(r"R_\w+ +[0-9a-f]+ +(\w+)@?", relocations))
+                self.assertEqual(functions & indirect, set())
+
+    def test_exports_equal_the_map(self):
+        for name, path in libraries.items():
+            with self.subTest(name):
+                exported = {node: set() for node in parse_map(maps[name])}
+                for symbol in symbols(path, "--dynamic", "--defined-only"):
+                    if symbol.kind != "A":  # the nodes themselves
+                        self.assertIn(symbol.version, exported, symbol.name)
+                        exported[symbol.version].add(symbol.name)
+                for node, names in parse_map(maps[name]).items():
+                    self.assertEqual(exported[node], set(names), node)
+
+    def test_headers_equal_the_map(self):
+        headers = {"libzrvcomn": sorted((source_dir / "include").glob("*.h")),
+                   "libzrvintl": [source_dir / "platform/zrvintl/zrvintl.h"]}
+        nodes = {"libzrvcomn": {"ZRV_API": "ZRVCOMN_16", "ZRV_PRIVATE": "ZRVCOMN_PRIVATE"},
+                 "libzrvintl": {"ZRV_API": "ZRVINTL_1"}}
+        for name in libraries:
+            with self.subTest(name):
+                in_map = parse_map(maps[name])
+                in_headers = declared(headers[name], nodes[name])
+                self.assertEqual(set(in_map), set(in_headers))
+                for node in in_map:
+                    self.assertGreater(len(in_headers[node]), 0)
+                    self.assertEqual(in_headers[node], set(in_map[node]), node)
+
+    # Internal names are told from the contract by their prefix.
+    def test_internal_names_are_private(self):
+        contract = parse_map(maps["libzrvcomn"])["ZRVCOMN_16"]
+        internal = [name for name in contract if re.match(r"(com|comn|cfg|lm|mm)__", name)]
+        self.assertEqual(internal, [])
+
+    def test_map_is_sorted(self):
+        for node, names in parse_map(maps["libzrvcomn"]).items():
+            self.assertEqual(names, sorted(set(names)), node)
+
+
+if __name__ == "__main__":
+    project.main()

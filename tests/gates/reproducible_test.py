@@ -1,0 +1,32 @@
+"""The same sources in another directory give the same libraries, byte for byte."""
+import shutil
+import tempfile
+import unittest
+from pathlib import Path
+
+import project
+from project import build, run, source_dir, tracked_files
+
+
+class Reproducible(unittest.TestCase):
+    def test_build_elsewhere(self):
+        with tempfile.TemporaryDirectory(prefix="zrvcomn-elsewhere-") as scratch:
+            copy = Path(scratch) / "a longer path to the sources"
+            for path in tracked_files("*"):
+                target = copy / path.relative_to(source_dir)
+                target.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copyfile(path, target)
+            binary = copy / "build" / "again"
+            toolchain = [f"-DCMAKE_TOOLCHAIN_FILE={build.toolchain}"] if build.toolchain else []
+            run(build.cmake, "-G", build.generator, "-S", copy, "-B", binary, *toolchain,
+                f"-DCMAKE_BUILD_TYPE={build.build_type}", f"-DCMAKE_C_COMPILER={build.c_compiler}",
+                f"-DCMAKE_CXX_COMPILER={build.cxx_compiler}", "-DZRV_TESTS=OFF", "-DZRV_BENCH=OFF",
+                "-DZRV_TOOLS=OFF")
+            run(build.cmake, "--build", binary)
+            for library in (build.zrvcomn, build.zrvintl):
+                again = binary / "lib" / Path(library).name
+                self.assertTrue(again.read_bytes() == Path(library).read_bytes(), again.name)
+
+
+if __name__ == "__main__":
+    project.main()

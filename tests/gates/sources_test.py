@@ -1,0 +1,168 @@
+"""The sources: headers that stand alone, layers that hold, no warnings, one format."""
+import json
+import os
+import re
+import shlex
+import subprocess
+import tempfile
+import unittest
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+import project
+from project import build, run, source_dir, tracked_files
+
+public_headers = tracked_files("include/*.h", "platform/zrvintl/zrvintl.h")
+
+
+def in_parallel(function, items):
+    with ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
+        return list(pool.map(function, items))
+
+
+class Headers(unittest.TestCase):
+    """Each public header alone, and twice, as a client would include it."""
+
+    def compile_each(self, compiler, suffix, *flags):
+        def compile_one(header):
+            with tempfile.NamedTemporaryFile("w", suffix=suffix) as unit:
+                unit.write(f"#include <zrvcomn/{header.name}>\n" * 2 + "int unit_is_not_empty;\n")
+                unit.flush()
+                run(compiler, *flags, "-pedantic", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
+                    "-I" + str(Path(build.binary_dir) / "include"), unit.name)
+
+        self.assertGreater(len(public_headers), 0)
+        in_parallel(compile_one, public_headers)
+
+    def test_headers_as_c99(self):
+        self.compile_each(build.c_compiler, ".c", *project.c_flags, "-std=c99")
+
+    def test_headers_as_cxx20(self):
+        self.compile_each(build.cxx_compiler, ".cpp", *project.cxx_flags, "-std=c++20")
+
+    def test_headers_as_c99_with_clang(self):
+        self.compile_each(build.clang, ".c", *project.c_flags, "-std=c99")
+
+    def test_headers_as_cxx20_with_clang(self):
+        self.compile_each(build.clang, ".cpp", *project.cxx_flags, "-std=c++20")
+
+
+class Warnings(unittest.TestCase):
+    """Every unit of the libraries without a warning, with the flags of this build."""
+
+    def compile_units(self, pick_compiler):
+        def compile_one(entry):
+            compiler, *flags = shlex.split(entry["command"])
+            for option in ("-o", "-MF", "-MT"):
+                if option in flags:
+                    del flags[flags.index(option):][:2]
+            flags = [flag for flag in flags if flag not in ("-c", "-MD")]
+            command = [pick_compiler(compiler), *flags, "-Werror", "-fsyntax-only"]
+            done = subprocess.run(command, cwd=entry["directory"], capture_output=True, text=True)
+            return done.stderr if done.returncode != 0 else ""
+
+        commands = json.loads((Path(build.binary_dir) / "compile_commands.json").read_text())
+        folders = [source_dir / name for name in ("generic", "linux", "platform")]
+        units = [entry for entry in commands
+                 if any(Path(entry["file"]).is_relative_to(folder) for folder in folders)]
+        self.assertGreater(len(units), 0)
+        self.assertEqual("".join(in_parallel(compile_one, units)), "")
+
+    def test_no_warning(self):
+        self.compile_units(lambda compiler: compiler)
+
+    def test_no_warning_with_clang(self):
+        clangxx = re.sub(r"clang(?=[^/]*$)", "clang++", build.clang)
+        self.compile_units(lambda compiler: clangxx if compiler == build.cxx_compiler else build.clang)
+
+
+class Layering(unittest.TestCase):
+    """The include lines against layering.txt."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.allowed = {}
+        for line in (Path(__file__).parent / "layering.txt").read_text().splitlines():
+            line = line.partition("#")[0].strip()
+            if line:
+                folder, _, below = line.partition(":")
+                cls.allowed[folder] = below.split()
+        sources = tracked_files("*.h", "*.c", "*.cpp")
+        cls.files = [path.relative_to(source_dir).as_posix() for path in sources]
+        cls.headers = [name for name in cls.files if name.endswith(".h")]
+
+    def folder(self, name):
+        """The folder of the layering file that a source belongs to, or None."""
+        owners = [folder for folder in self.allowed if name.startswith(folder + "/")]
+        return max(owners, key=len, default=None)
+
+    def includes(self, name):
+        """The files of ours that a file includes, as (line, file); an unknown one is None."""
+        text = (source_dir / name).read_text()
+        for match in re.finditer(r'^[ \t]*#[ \t]*include[ \t]*(?:"(.+?)"|<(zrvcomn/.+?)>)', text, re.M):
+            target = match[1] or match[2]
+            line = text.count("\n", 0, match.start()) + 1
+            own = os.path.normpath(Path(name).parent / target)
+            if target.startswith("zrvcomn/"):
+                base = target.removeprefix("zrvcomn/")
+                found = [header for header in (f"include/{base}", f"platform/zrvintl/{base}")
+                         if header in self.headers]
+            elif own in self.headers:
+                found = [own]
+            else:
+                found = [header for header in self.headers if header.endswith("/" + target)]
+            yield line, found[0] if len(found) == 1 else None
+
+    def test_layers_have_no_cycle(self):
+        reached = set()
+        for folder, below in self.allowed.items():  # each line names only folders above it
+            self.assertLessEqual(set(below), reached, folder)
+            reached.add(folder)
+
+    def test_every_source_has_a_layer(self):
+        stray = [name for name in self.files
+                 if name.split("/")[0] in ("generic", "linux", "platform") and not self.folder(name)]
+        self.assertEqual(stray, [])
+
+    def test_includes_follow_the_layers(self):
+        trouble = []
+        for name in self.files:
+            folder = self.folder(name)
+            if folder is None:
+                continue
+            for line, target in self.includes(name):
+                if target is None:
+                    trouble.append(f"{name}:{line}: no such header of ours, or more than one")
+                elif self.folder(target) not in (folder, *self.allowed[folder]):
+                    trouble.append(f"{name}:{line}: {folder} must not include {target}")
+        self.assertEqual(trouble, [])
+
+    def test_includes_have_no_cycle(self):
+        graph = {name: [target for _, target in self.includes(name) if target] for name in self.headers}
+        done, path = set(), []
+
+        def visit(name):
+            self.assertNotIn(name, path, "a cycle of includes")
+            if name not in done:
+                path.append(name)
+                for target in graph[name]:
+                    visit(target)
+                path.pop()
+                done.add(name)
+
+        for name in graph:
+            visit(name)
+
+
+class Format(unittest.TestCase):
+    def test_clang_format(self):
+        version = run(build.clang_format, "--version")
+        if " version 14." not in version:
+            self.skipTest("formatting is defined by clang-format 14, not by " + version)
+        files = tracked_files("*.h", "*.c", "*.cpp")
+        self.assertGreater(len(files), 0)
+        run(build.clang_format, "--dry-run", "-Werror", *files)
+
+
+if __name__ == "__main__":
+    project.main()

@@ -251,8 +251,7 @@ ZRV_PRIVATE CS_RETCODE comn__get_frame_info(CS_VOID *fp, COMN_FRAME_INFO *info,
 
 /* Folds the case of a name in place with the C library's tolower or toupper, up to its NUL or up to
  * and including the byte at position `namesize`: a name without a NUL has namesize + 1 bytes. */
-ZRV_PRIVATE void comn__sanitize_name(CS_INT sanitize, CS_CHAR *sname,
-                                     CS_INT namesize) ZRV_NOEXCEPT;
+ZRV_PRIVATE void comn__sanitize_name(CS_INT sanitize, CS_CHAR *sname, CS_INT namesize) ZRV_NOEXCEPT;
 
 /* ---- conversion dispatch ---- */
 

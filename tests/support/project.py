@@ -23,7 +23,7 @@ def run(*command, **options):
     done = subprocess.run(command, capture_output=True, text=True, **options)
     if done.returncode != 0:
         raise AssertionError(
-            f"{shlex.join(command)}\nexit status {done.returncode}\n{done.stdout}{done.stderr}")
+            f"{shlex.join(command)[:1000]}\nexit status {done.returncode}\n{done.stdout}{done.stderr}")
     return done.stdout
 
 

@@ -1,0 +1,29 @@
+// The host's C locale set to one with a decimal comma and grouped digits, to show that results do
+// not depend on it.
+#ifndef ZRVTEST_FOREIGN_LOCALE_H
+#define ZRVTEST_FOREIGN_LOCALE_H
+
+#include <string>
+
+namespace zrvtest {
+
+// Compiles the locale into a directory of its own, since few hosts have it installed, and sets it
+// for as long as the object lives.
+class ForeignLocale {
+public:
+  ForeignLocale();
+  ~ForeignLocale();
+  ForeignLocale(const ForeignLocale &) = delete;
+  ForeignLocale &operator=(const ForeignLocale &) = delete;
+
+  // False where the host has no locale compiler or no definitions: skip the test then.
+  bool is_set() const { return set; }
+
+private:
+  std::string directory;
+  bool set = false;
+};
+
+} // namespace zrvtest
+
+#endif

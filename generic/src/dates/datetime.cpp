@@ -28,6 +28,8 @@ consteval MonthTable build_months(short february) {
 COMN_PUBLISH_TABLE(MonthTable, monthcnt, monthdays, [months_per_year], build_months(28));
 COMN_PUBLISH_TABLE(MonthTable, monthcnt, lmonthdays, [months_per_year], build_months(29));
 
+const int week_one_offset[7] = {1, 0, -1, -2, -3, 3, 2};
+
 int leapyear(int year) noexcept {
   return is_leap(int64_t{year} + 1);
 }

@@ -79,7 +79,7 @@ int com__date4todt(CS_DATETIME4 *src, CS_DATETIME *dest) noexcept {
 int com__date4tobigdatetime(CS_DATETIME4 *src, CS_BIGDATETIME *dest) noexcept {
   COMN_CHECK_PTR(src, 1);
   COMN_CHECK_PTR(dest, 1);
-  constexpr CS_UBIGINT epoch = first_bigdatetime - first_day * static_cast<int64_t>(micros_per_day);
+  constexpr CS_UBIGINT epoch = first_bigdatetime + CS_UBIGINT{-first_day} * micros_per_day;
   *dest = epoch + src->days * micros_per_day + src->minutes * micros_per_minute;
   return 0;
 }

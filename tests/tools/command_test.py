@@ -1,0 +1,577 @@
+"""The command as its users see it: what it prints where, and how it exits."""
+import errno
+import json
+import os
+import pty
+import re
+import select
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import project
+from project import build, run
+
+command = Path(build.binary_dir) / "bin" / "zrvcomn"
+
+
+class Result:
+    def __init__(self, done):
+        self.code = done.returncode
+        self.raw = done.stdout
+        self.out = done.stdout.decode("utf-8", "surrogateescape")
+        self.err = done.stderr.decode("utf-8", "surrogateescape")
+
+
+def zrvcomn(*words, stdin=b"", **environment):
+    env = {name: value for name, value in os.environ.items() if name not in ("TERM", "NO_COLOR")}
+    return Result(subprocess.run([command, *words], input=stdin, capture_output=True,
+                                 env=env | environment))
+
+
+def convert(source, destination, *words, **options):
+    return zrvcomn("convert", "--from", source, "--to", destination, *words, **options)
+
+
+def fields(result):
+    """The rows of --plain."""
+    return [line.split("\t") for line in result.out.splitlines()]
+
+
+class Command(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.scratch = Path(tempfile.mkdtemp(prefix="zrvcomn-command-"))
+        self.addCleanup(shutil.rmtree, self.scratch)
+
+    def check(self, result, code, out, err=""):
+        self.assertEqual((result.out, result.err, result.code), (out, err, code))
+
+    # Wrong usage: exit status 2, one line that says what was wrong, nothing on standard output.
+    def check_usage(self, result, *fragments):
+        self.assertEqual((result.code, result.out), (2, ""))
+        self.assertRegex(result.err, r"\Azrvcomn[^\n]*: [^\n]+\n\Z")
+        for fragment in fragments:
+            self.assertIn(fragment, result.err)
+
+    # ---- values from arguments ----
+
+    def test_values_and_statuses(self):
+        self.check(
+            convert("smallint", "tinyint", "--", "-1", "300", "42"), 1,
+            "value  result  length  status\n"
+            "-1     0       1       CS_CONV_OVERFLOW\n"
+            "300    255     1       CS_CONV_OVERFLOW\n"
+            "42     42      1       CS_SUCCEED\n",
+            "zrvcomn convert: value 1: '-1': CS_CONV_OVERFLOW\n"
+            "zrvcomn convert: value 2: '300': CS_CONV_OVERFLOW\n")
+
+    def test_all_converted(self):
+        self.check(convert("int", "bigint", "--plain", "42", "0"), 0,
+                   "42\t42\t8\tCS_SUCCEED\n0\t0\t8\tCS_SUCCEED\n")
+
+    def test_hex(self):
+        self.check(convert("int", "int", "--hex", "258"), 0,
+                   "value  result  length  hex       status\n"
+                   "258    258     4       02010000  CS_SUCCEED\n")
+
+    # A value that is none is reported, and the others are converted.
+    def test_unreadable_value(self):
+        self.check(convert("int", "char", "--plain", "--hex", "1", "x1", "2147483648", "7"), 1,
+                   "1\t1\t1\t31\tCS_SUCCEED\n"
+                   "x1\t\t\t\tCS_CONV_SYNTAX\n"
+                   "2147483648\t\t\t\tCS_CONV_OVERFLOW\n"
+                   "7\t7\t1\t37\tCS_SUCCEED\n",
+                   "zrvcomn convert: value 2: 'x1' is no int: CS_CONV_SYNTAX\n"
+                   "zrvcomn convert: value 3: '2147483648' is no int: CS_CONV_OVERFLOW\n")
+
+    # Both bounds of every integer, and one step beyond each.
+    def test_integer_bounds(self):
+        for name, low, high in (
+                ("tinyint", 0, 255), ("smallint", -32768, 32767),
+                ("int", -2147483648, 2147483647),
+                ("bigint", -9223372036854775808, 9223372036854775807),
+                ("usmallint", 0, 65535), ("uint", 0, 4294967295),
+                ("ubigint", 0, 18446744073709551615)):
+            with self.subTest(name):
+                result = convert(name, "char", "--plain", "--", str(low), str(high), str(high + 1))
+                self.assertEqual([row[1:] for row in fields(result)],
+                                 [[str(low), str(len(str(low))), "CS_SUCCEED"],
+                                  [str(high), str(len(str(high))), "CS_SUCCEED"],
+                                  ["", "", "CS_CONV_OVERFLOW"]])
+                below = convert(name, "char", "--plain", "--", str(low - 1))
+                self.assertEqual(below.code, 1)
+                self.assertRegex(fields(below)[0][3], "CS_CONV_(OVERFLOW|SYNTAX)")
+
+    def test_integer_spelling(self):
+        result = convert("int", "int", "--plain", "--", " 42 ", "+7", "- 3", "007", "4 2", "--5",
+                         "1e3", "0x10", "٣")
+        self.assertEqual([(row[1], row[3]) for row in fields(result)],
+                         [("42", "CS_SUCCEED"), ("7", "CS_SUCCEED"), ("-3", "CS_SUCCEED"),
+                          ("7", "CS_SUCCEED")] + [("", "CS_CONV_SYNTAX")] * 5)
+
+    def test_floats(self):
+        for name, length in (("real", "4"), ("float", "8")):
+            row = fields(convert("int", name, "--plain", "--", "-7"))[0]
+            self.assertEqual((float(row[1]), row[2:]), (-7.0, [length, "CS_SUCCEED"]))
+
+    def test_bit(self):
+        self.assertEqual([row[1] for row in fields(convert("int", "bit", "--plain", "0", "5"))],
+                         ["0", "1"])
+
+    def test_hexadecimal_text(self):
+        self.check(convert("char", "binary(2)", "--plain", "0xABC", "abcdef", "xyz", ""), 1,
+                   "0xABC\t0x0abc\t2\tCS_SUCCEED\n"
+                   "abcdef\t0xabcd\t2\tCS_CONV_TRUNCATED\n"
+                   "xyz\t\t0\tCS_CONV_SYNTAX\n"
+                   "\t\t\tCS_CONV_SYNTAX\n",
+                   "zrvcomn convert: value 2: 'abcdef': CS_CONV_TRUNCATED\n"
+                   "zrvcomn convert: value 3: 'xyz': CS_CONV_SYNTAX\n"
+                   "zrvcomn convert: value 4: '' is no char: CS_CONV_SYNTAX\n")
+
+    # Of a record, the length field and what is in use; the record itself is 258 bytes long.
+    def test_records(self):
+        self.check(convert("int", "varchar", "--plain", "--hex", "12345"), 0,
+                   "12345\t12345\t258\t05003132333435\tCS_SUCCEED\n")
+        self.check(convert("int", "varbinary", "--plain", "--hex", "1"), 0,
+                   "1\t0x01000000\t258\t040001000000\tCS_SUCCEED\n")
+
+    def test_default_values(self):
+        self.check(convert("void", "int", "--plain", "--hex", "x"), 0,
+                   "x\t0\t4\t00000000\tCS_SUCCEED\n")
+        self.check(convert("void", "char(5)", "--plain", "--format", "padblank", "x"), 0,
+                   "x\t     \t5\tCS_SUCCEED\n")
+        result = convert("void", "numeric(10,2)", "--plain", "--hex", "x")
+        self.assertEqual(fields(result)[0][3][:6], "0a0200")
+
+    # Words behind '--' are values, in addition to those before it; a number needs none.
+    def test_values_behind_dashes(self):
+        for words in (["5", "--", "-7"], ["--", "5", "-7"], ["5", "-7"]):
+            self.check(convert("int", "int", "--plain", *words), 0,
+                       "5\t5\t4\tCS_SUCCEED\n-7\t-7\t4\tCS_SUCCEED\n")
+        result = convert("char", "binary", "--plain", "--", "--hex", "--", "-h")
+        self.assertEqual([row[0] for row in fields(result)], ["--hex", "--", "-h"])
+
+    # ---- formats and lengths ----
+
+    def test_formats(self):
+        for words, expected in (
+                (["--format", "padblank"], "3432202020"),
+                (["--format", "padnull"], "3432000000"),
+                (["--format", "nullterm"], "343200"),
+                (["--format", "nullterm,padblank"], "3432202000"),
+                (["--format", "5"], "3432202000"),
+                (["--format", "1|4"], "3432202000"),
+                (["--format", "nullterm+4"], "3432202000"),
+                ([], "3432")):
+            with self.subTest(words):
+                row = fields(convert("int", "char(5)", "--plain", "--hex", *words, "42"))[0]
+                self.assertEqual(row[3:], [expected, "CS_SUCCEED"])
+        row = fields(convert("int", "char(5)", "--plain", "--format", "6", "42"))[0]
+        self.assertEqual(row[3], "CS_CONV_PADCONFLICT")
+
+    def test_maxlength(self):
+        row = fields(convert("int", "char(9)", "--plain", "--maxlength", "5", "12345"))[0]
+        self.assertEqual(row[1:], ["12345", "5", "CS_SUCCEED"])
+        row = fields(convert("int", "char", "--plain", "--maxlength", "4", "12345"))[0]
+        self.assertEqual(row[1:], ["*", "1", "CS_CONV_OVERFLOW"])
+        row = fields(convert("int", "binary", "--plain", "--maxlength", "2", "258"))[0]
+        self.assertEqual(row[1:], ["0x0201", "2", "CS_CONV_TRUNCATED"])
+        for destination in ("int", "varchar", "varbinary"):
+            self.assertEqual(convert("int", destination, "--maxlength", "0", "5").code, 0)
+        row = fields(convert("int", "char", "--plain", "--maxlength", "0", "5"))[0]
+        self.assertEqual(row[1:], ["", "0", "CS_CONV_OVERFLOW"])
+
+    # Nothing of an earlier value shows where a failed conversion wrote nothing.
+    def test_no_leftovers(self):
+        rows = fields(convert("int", "char(1)", "--plain", "--hex", "7", "12"))
+        self.assertEqual(rows[1][1:], ["\\x00", "1", "00", "CS_CONV_OVERFLOW"])
+
+    # ---- type names ----
+
+    def test_type_names(self):
+        for name in ("INT", "Integer", "i4", " int "):
+            self.assertEqual(convert(name, "char", "--plain", "5").out, "5\t5\t1\tCS_SUCCEED\n")
+        self.assertEqual(convert("int", "Char ( 3 )", "--plain", "--format", "padblank", "5").out,
+                         "5\t5  \t3\tCS_SUCCEED\n")
+
+    def test_wrong_types(self):
+        self.check_usage(convert("smalint", "int", "1"), "unknown type 'smalint'",
+                         "did you mean 'smallint'?")
+        self.check_usage(convert("", "int", "1"), "unknown type ''")
+        self.check_usage(convert("int", "char(", "1"), "closing parenthesis")
+        self.check_usage(convert("int", "char()", "1"), "length of char")
+        self.check_usage(convert("int", "char(x)", "1"), "length of char")
+        self.check_usage(convert("int", "char(-1)", "1"), "length of char")
+        self.check_usage(convert("int", "char(99999999999)", "1"), "length of char")
+        self.check_usage(convert("int", "int(4)", "1"), "int takes nothing")
+        self.check_usage(convert("int", "numeric(78)", "1"), "precision", "77")
+        self.check_usage(convert("int", "numeric(0,0)", "1"), "precision")
+        self.check_usage(convert("int", "numeric(5,78)", "1"), "scale", "77")
+
+    # A recognised pair without a function; this one never gets any.
+    def test_no_conversion(self):
+        self.check_usage(convert("int", "textlocator", "1"),
+                         "this release has no conversion from int to textlocator")
+
+    # ---- wrong usage ----
+
+    def test_wrong_usage(self):
+        self.check_usage(zrvcomn(), "a command is needed: completion, convert")
+        self.check_usage(zrvcomn("conver"), "unknown command 'conver'", "did you mean 'convert'?")
+        self.check_usage(zrvcomn("--nonsense"), "--nonsense")
+        self.check_usage(zrvcomn("convert", "--to", "int", "1"), "--from is required")
+        self.check_usage(zrvcomn("convert", "--from", "int", "1"), "--to is required")
+        self.check_usage(convert("int", "int"), "no values")
+        self.check_usage(convert("int", "int", "--nonsense", "1"), "--nonsense")
+        self.check_usage(convert("char", "binary", "1", "-f"), "-f", "behind '--'")
+        self.check_usage(zrvcomn("types", "--", "-1"), "-1")
+        self.check_usage(convert("int", "int", "--maxlength", "-1", "1"), "--maxlength")
+        self.check_usage(convert("int", "int", "--maxlength", "x", "1"), "--maxlength")
+        self.check_usage(convert("int", "int", "--maxlength", "99999999999", "1"), "--maxlength")
+        self.check_usage(convert("int", "char", "--format", "padblnk", "1"), "'padblnk'",
+                         "did you mean 'padblank'?")
+        self.check_usage(convert("int", "char", "--format", "1,,4", "1"), "--format")
+        self.check_usage(convert("int", "char", "--format", "1,", "1"), "--format")
+        self.check_usage(convert("int", "int", "--json", "--plain", "1"), "--plain", "--json")
+        self.check_usage(zrvcomn("types", "--from", "nonsense"), "unknown type")
+        self.check_usage(zrvcomn("types", "extra"), "extra")
+        # A line feed in what was typed does not make it two lines.
+        self.check_usage(convert("a\nb", "int", "1"), "unknown type")
+
+    # ---- standard input ----
+
+    def test_stdin(self):
+        self.check(convert("int", "tinyint", "--plain", "-", stdin=b"1\n300\n3\n"), 1,
+                   "1\t1\t1\tCS_SUCCEED\n300\t255\t1\tCS_CONV_OVERFLOW\n3\t3\t1\tCS_SUCCEED\n",
+                   "zrvcomn convert: line 2: '300': CS_CONV_OVERFLOW\n")
+
+    def test_stdin_line_ends(self):
+        for text in (b"1\n2", b"1\n2\n", b"1\r\n2\r\n"):
+            self.check(convert("int", "int", "--plain", "-", stdin=text), 0,
+                       "1\t1\t4\tCS_SUCCEED\n2\t2\t4\tCS_SUCCEED\n")
+
+    def test_stdin_empty(self):
+        for style in ("--plain", "--json", "--hex"):
+            self.check(convert("int", "int", style, "-", stdin=b""), 0, "")
+
+    def test_stdin_nul_bytes(self):
+        self.check(convert("int", "int", "--plain", "-", stdin=b"1\0\n2\n"), 1,
+                   "1\\x00\t\t\tCS_CONV_SYNTAX\n2\t2\t4\tCS_SUCCEED\n",
+                   "zrvcomn convert: line 1: '1\\x00' is no int: CS_CONV_SYNTAX\n")
+
+    def test_stdin_long_lines(self):
+        digits = 3_000_000
+        result = convert("char", "binary", "--json", "-", stdin=b"ab" * (digits // 2) + b"\n0c\n")
+        rows = [json.loads(line) for line in result.out.splitlines()]
+        self.assertEqual([row["length"] for row in rows], [digits // 2, 1])
+        self.assertEqual(rows[0]["result"], "0x" + "ab" * (digits // 2))
+        result = convert("int", "int", "--plain", "-", stdin=b"9" * digits + b"\n8\n")
+        self.assertEqual([row[3] for row in fields(result)], ["CS_CONV_OVERFLOW", "CS_SUCCEED"])
+        self.assertLess(len(result.err), 200)
+
+    def test_stdin_million(self):
+        count = 1_000_000
+        text = b"".join(b"%d\n" % i for i in range(count))
+        result = convert("int", "char", "--plain", "-", stdin=text)
+        self.assertEqual((result.code, result.err), (0, ""))
+        lines = result.out.splitlines()
+        self.assertEqual(len(lines), count)
+        for i in (0, 1, 65535, 99999, 999999):
+            self.assertEqual(lines[i], f"{i}\t{i}\t{len(str(i))}\tCS_SUCCEED")
+
+    # A result comes before the next line is waited for.
+    def test_stdin_interactive(self):
+        with subprocess.Popen([command, "convert", "--from", "int", "--to", "int", "-"],
+                              stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
+            process.stdin.write(b"41\n")
+            process.stdin.flush()
+            self.assertEqual(process.stdout.readline().split()[:2], [b"value", b"result"])
+            self.assertEqual(process.stdout.readline().split(), [b"41", b"41", b"4", b"CS_SUCCEED"])
+            process.stdin.close()
+            self.assertEqual(process.wait(), 0)
+
+    def test_stdin_unreadable(self):
+        directory = os.open(self.scratch, os.O_RDONLY)
+        self.addCleanup(os.close, directory)
+        result = subprocess.run([command, "convert", "--from", "int", "--to", "int", "-"],
+                                stdin=directory, capture_output=True)
+        self.assertEqual(result.returncode, 2)
+        self.assertIn(b"directory", result.stderr)
+
+    # ---- CSV ----
+
+    def csv(self, content, *words, column="n", name="data.csv"):
+        path = self.scratch / name
+        path.write_bytes(content)
+        return convert("int", "tinyint", "--plain", "--csv", str(path), "--column", column, *words)
+
+    def test_csv(self):
+        result = self.csv(b'name,n\nx,1\n"a ""quoted"", one",300\n"two\nlines",3\n,4')
+        self.check(result, 1,
+                   "1\t1\t1\tCS_SUCCEED\n300\t255\t1\tCS_CONV_OVERFLOW\n"
+                   "3\t3\t1\tCS_SUCCEED\n4\t4\t1\tCS_SUCCEED\n",
+                   f"zrvcomn convert: {self.scratch}/data.csv:3: '300': CS_CONV_OVERFLOW\n")
+
+    # A record is where it begins, whatever lines came before and whatever lines it has.
+    def test_csv_line_numbers(self):
+        result = self.csv(b'name,n\r\n\r\n"\n\n",bad\r\n"\r\n",worse\r\nx,1\r\n')
+        self.assertEqual(re.findall(r"csv:(\d+): '(\w+)'", result.err),
+                         [("3", "bad"), ("6", "worse")])
+        self.assertEqual(fields(result)[2], ["1", "1", "1", "CS_SUCCEED"])
+
+    def test_csv_byte_order_mark(self):
+        self.check(self.csv(b"\xef\xbb\xbfn,m\n5,6\n"), 0, "5\t5\t1\tCS_SUCCEED\n")
+
+    def test_csv_stdin(self):
+        self.check(convert("int", "int", "--plain", "--csv", "-", "--column", "n",
+                           stdin=b"m,n\n1,2\n"), 0, "2\t2\t4\tCS_SUCCEED\n")
+
+    def test_csv_short_record(self):
+        result = self.csv(b"m,n\n1,2\n7\n3,4\n")
+        self.assertEqual((result.code, result.out),
+                         (1, "2\t2\t1\tCS_SUCCEED\n4\t4\t1\tCS_SUCCEED\n"))
+        self.assertEqual(result.err, f"zrvcomn convert: {self.scratch}/data.csv:3: "
+                                     "the record has 1 of 2 fields, no 'n'\n")
+
+    # Broken quoting ends the file there; what came before counts.
+    def test_csv_malformed(self):
+        for tail in (b'x"y,2\n3,4\n', b'"open,2\n'):
+            with self.subTest(tail):
+                result = self.csv(b"m,n\n1,2\n" + tail)
+                self.assertEqual((result.code, result.out), (1, "2\t2\t1\tCS_SUCCEED\n"))
+                self.assertIn("data.csv:3: misplaced or unfinished quotes", result.err)
+        result = self.csv(b"m,n\n1,2\r3,4\n")
+        self.assertEqual(result.code, 1)
+        self.assertIn("carriage return", result.err)
+
+    def test_csv_nothing_but_header(self):
+        self.check(self.csv(b"n\n"), 0, "")
+        self.check(self.csv(b"n"), 0, "")
+
+    def test_csv_wrong_usage(self):
+        self.check_usage(self.csv(b"m,n\n1,2\n", column="q"), "no column 'q'", "m, n")
+        self.check_usage(self.csv(b""), "is empty")
+        self.check_usage(convert("int", "int", "--csv", "/nowhere/x.csv", "--column", "n"),
+                         "cannot open '/nowhere/x.csv': No such file or directory")
+        self.check_usage(convert("int", "int", "--csv", str(self.scratch), "--column", "n"),
+                         "is a directory")
+        self.check_usage(convert("int", "int", "--csv", "x.csv"), "--column")
+        self.check_usage(convert("int", "int", "--column", "n", "1"), "--csv")
+        self.check_usage(self.csv(b"n\n1\n", "5"), "--csv")
+        self.check_usage(self.csv(b"n\n1\n", "--", "-5"), "--csv")
+        self.check_usage(convert("int", "int", "-", "5"), "'-'")
+
+    def test_csv_blanks_belong_to_fields(self):
+        path = self.scratch / "blanks.csv"
+        path.write_bytes(b"n\n 0a \n")
+        row = json.loads(convert("char", "binary", "--json", "--csv", str(path), "--column",
+                                 "n").out)
+        self.assertEqual((row["value"], row["result"]), (" 0a ", "0x0a"))
+
+    # ---- shapes of the output ----
+
+    def test_json(self):
+        result = convert("smallint", "tinyint", "--json", "--hex", "--", "-1", "x")
+        self.assertEqual([json.loads(line) for line in result.out.splitlines()], [
+            {"line": 1, "value": "-1", "result": "0", "length": 1, "hex": "00",
+             "status": "CS_CONV_OVERFLOW", "code": -101},
+            {"line": 2, "value": "x", "result": None, "length": None, "hex": None,
+             "status": "CS_CONV_SYNTAX", "code": -105}])
+        self.assertNotIn("hex", json.loads(convert("int", "int", "--json", "1").out))
+
+    # Every byte gives valid JSON in valid UTF-8.
+    def test_json_any_bytes(self):
+        text = b"\n".join(bytes([b]) for b in range(256) if b not in (10, 13))
+        text += b'\n"\\/\n\xc3\xa9\n\xed\xa0\x80\n\xf0\x9f\x98\x80\n'
+        result = convert("int", "int", "--json", "-", stdin=text)
+        rows = [json.loads(line) for line in result.raw.decode("utf-8").splitlines()]
+        self.assertEqual(len(rows), 254 + 4)
+        values = [row["value"] for row in rows]
+        self.assertEqual(values[0], "\0")
+        self.assertEqual(values[-4], '"\\/')
+        self.assertEqual(values[-3], "é")
+        self.assertEqual(values[-1], "😀")
+        self.assertEqual(values[-5], "\ufffd")
+
+    # Nothing in a value can break a line or a column, or command a terminal.
+    def test_escapes(self):
+        for raw, shown in ((b"a\tb", "a\\tb"), (b"\x1b[31m", "\\x1b[31m"), (b"\\n", "\\\\n"),
+                           (b"\xff", "\\xff"), (b"\xc2\x9b", "\\xc2\\x9b"), (b"\x7f", "\\x7f"),
+                           (b"\xed\xa0\x80", "\\xed\\xa0\\x80"), (b"\xc0\xaf", "\\xc0\\xaf"),
+                           (b"a\rb", "a\\rb"), ("é中😀".encode(), "é中😀")):
+            with self.subTest(raw):
+                result = convert("int", "int", "--plain", "-", stdin=raw + b"\n")
+                self.assertEqual(result.out, shown + "\t\t\tCS_CONV_SYNTAX\n")
+                self.assertIn(f"'{shown}'", result.err)
+
+    # Columns are aligned by characters, not bytes.
+    def test_alignment(self):
+        lines = convert("int", "int", "é", "12345678").out.splitlines()
+        self.assertEqual(lines, ["value     result    length  status",
+                                 "é                           CS_CONV_SYNTAX",
+                                 "12345678  12345678  4       CS_SUCCEED"])
+
+    def test_help_and_version(self):
+        result = zrvcomn("--version")
+        self.check(result, 0, f"zrvcomn {build.version} (library 16001)\n")
+        for words in (["--help"], ["-h"], ["convert", "--help"], ["types", "--help"],
+                      ["completion", "--help"]):
+            result = zrvcomn(*words)
+            self.assertEqual((result.code, result.err), (0, ""))
+            self.assertIn("Usage: zrvcomn", result.out)
+            self.assertRegex(result.out, "Examples?:\n  ")
+
+    # The examples of the help work as they stand.
+    def test_help_examples(self):
+        (self.scratch / "countries.csv").write_bytes(
+            (project.source_dir / "samples" / "countries.csv").read_bytes())
+        environment = os.environ | {"PATH": f"{command.parent}:{os.environ['PATH']}"}
+        for words in ([], ["convert"], ["types"], ["completion"]):
+            text = zrvcomn(*words, "--help").out
+            lines = re.findall(r"^  ((?:seq|zrvcomn|eval) .*(?:\S))$", text.split("Example")[1], re.M)
+            self.assertTrue(lines)
+            for line in lines:
+                done = subprocess.run(["bash", "-c", line], cwd=self.scratch, env=environment,
+                                      capture_output=True)
+                self.assertIn(done.returncode, (0, 1), line)
+
+    def test_full_device(self):
+        for words in (["convert", "--from", "int", "--to", "int", "1"], ["types"], ["--help"],
+                      ["completion", "bash"]):
+            with open("/dev/full", "wb") as full:
+                done = subprocess.run([command, *words], stdout=full, stderr=subprocess.PIPE)
+            self.assertEqual(done.returncode, 1)
+            self.assertIn(b"cannot write the output", done.stderr)
+
+    # ---- types ----
+
+    def test_types(self):
+        result = zrvcomn("types")
+        self.assertEqual((result.code, result.err), (0, ""))
+        listed = re.findall(r"^ *(\d+)  (\w+) +(\d+|-)", result.out.split("\n\n")[0], re.M)
+        self.assertEqual([int(row[0]) for row in listed], list(range(40)))
+        self.assertEqual([row for row in listed if row[1] in ("char", "int", "numeric", "varchar")],
+                         [("0", "char", "-"), ("8", "int", "4"), ("16", "numeric", "35"),
+                          ("18", "varchar", "258")])
+        grid = re.findall(r"^ *\d+  \w+ +([#.]{40})$", result.out, re.M)
+        self.assertEqual(len(grid), 40)
+        self.assertEqual(grid[23], "#" * 37 + "...")  # void converts to all but the locators
+        self.assertEqual(grid[20], "." * 40)
+        self.assertIn(f"{''.join(grid).count('#')} of 1600 pairs", result.out)
+
+    def test_types_filters(self):
+        result = zrvcomn("types", "--from", "uint,INT", "--to", "i8", "--to", "long")
+        self.check(result, 0,
+                   "code  name            width  also\n"
+                   "   8  int                 4  integer, i4\n"
+                   "  20  long                -\n"
+                   "  30  bigint              8  i8\n"
+                   "  32  uint                4  ui4\n"
+                   "\n"
+                   "                    23\n"
+                   "from \\ to           00\n"
+                   " 8  int             .#\n"
+                   "32  uint            .#\n"
+                   "\n"
+                   "# converts, . does not; 2 of 4 pairs convert in this release\n")
+
+    def test_types_json(self):
+        rows = [json.loads(line) for line in zrvcomn("types", "--json").out.splitlines()]
+        self.assertEqual([row["code"] for row in rows], list(range(40)))
+        self.assertEqual(len({name for row in rows for name in [row["name"], *row["aliases"]]}),
+                         sum(1 + len(row["aliases"]) for row in rows))
+        row = json.loads(zrvcomn("types", "--json", "--from", "int", "--to", "char,long").out)
+        self.assertEqual(row, {"code": 8, "name": "int", "width": 4, "aliases": ["integer", "i4"],
+                               "converts_to": ["char"]})
+        self.assertIsNone(json.loads(zrvcomn("types", "--json", "--from", "char").out)["width"])
+
+    # ---- completion ----
+
+    def complete(self, line):
+        """What bash offers for the last word of a line."""
+        script = ('eval "$($ZRVCOMN completion bash)"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); '
+                  '_zrvcomn; printf "%s\\n" "${COMPREPLY[@]}"')
+        return subprocess.run(["bash", "-c", script, "bash", *line], text=True, check=True,
+                              capture_output=True, cwd=self.scratch,
+                              env=os.environ | {"ZRVCOMN": str(command)}).stdout.split()
+
+    def test_completion(self):
+        (self.scratch / "data.csv").touch()
+        self.assertEqual(self.complete(["zrvcomn", "con"]), ["convert"])
+        self.assertEqual(self.complete(["zrvcomn", "--v"]), ["--version"])
+        self.assertEqual(self.complete(["zrvcomn", "convert", "--m"]), ["--maxlength"])
+        self.assertEqual(self.complete(["zrvcomn", "convert", "--to", "small"]),
+                         ["smallint", "smalldatetime", "smallmoney"])
+        self.assertEqual(self.complete(["zrvcomn", "convert", "--format", "padb"]), ["padblank"])
+        self.assertEqual(self.complete(["zrvcomn", "convert", "--csv", "da"]), ["data.csv"])
+        self.assertEqual(self.complete(["zrvcomn", "convert", "--column", ""]), [])
+        # Every option of every subcommand, as its help has them.
+        commands = zrvcomn("--help").out.split("Subcommands:\n")[1].split("\n\n")[0]
+        for name in re.findall(r"^  (\w+) ", commands, re.M):
+            options = re.findall(r"^  (?:-\w,)?(--\w+)", zrvcomn(name, "--help").out, re.M)
+            self.assertTrue(options)
+            self.assertLessEqual(set(options), set(self.complete(["zrvcomn", name, "--"])))
+        self.check_usage(zrvcomn("completion", "nonsense"), "nonsense")
+        self.check_usage(zrvcomn("completion"), "shell")
+
+    # ---- terminals ----
+
+    def on_terminal(self, stream, words, stdin=b"", **environment):
+        """What the command writes to a terminal in the place of one of its streams."""
+        master, slave = pty.openpty()
+        streams = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, stream: slave}
+        with open(self.scratch / "input", "wb+") as file:
+            file.write(stdin)
+            file.seek(0)
+            process = subprocess.Popen([command, *words], stdin=file, **streams,
+                                       env=os.environ | {"TERM": "xterm"} | environment)
+        os.close(slave)
+        pipe = process.stdout if process.stdout else process.stderr
+        texts = {master: b"", pipe.fileno(): b""}
+        open_files = set(texts)
+        while open_files:
+            for file in select.select(list(open_files), [], [])[0]:
+                try:
+                    chunk = os.read(file, 65536)
+                except OSError as error:
+                    self.assertEqual(error.errno, errno.EIO)  # the other end is closed
+                    chunk = b""
+                texts[file] += chunk
+                if not chunk:
+                    open_files.remove(file)
+        pipe.close()
+        os.close(master)
+        process.wait()
+        return texts[master].decode()
+
+    def test_colour(self):
+        words = ["convert", "--from", "int", "--to", "tinyint", "300"]
+        self.assertIn("\033[31m300", self.on_terminal("stdout", words, NO_COLOR=""))
+        for environment in ({"NO_COLOR": "1"}, {"TERM": "dumb", "NO_COLOR": ""}):
+            text = self.on_terminal("stdout", words, **environment)
+            self.assertIn("CS_CONV_OVERFLOW", text)
+            self.assertNotIn("\033", text)
+
+    def test_progress(self):
+        words = ["convert", "--from", "int", "--to", "int", "--plain", "-"]
+        text = self.on_terminal("stderr", words, b"1\n" * 250_000)
+        self.assertIn("\r100000 values, ", text)
+        self.assertIn("\r200000 values, ", text)
+        self.assertTrue(text.endswith("\r\033[K"))
+        self.assertEqual(self.on_terminal("stderr", words, b"1\n" * 1000), "")
+
+    # ---- what it is linked to ----
+
+    # The command is a client like any other: it binds exported names only.
+    def test_exported_names_only(self):
+        needs = run(build.readelf, "--version-info", "--wide", command)
+        self.assertIn("ZRVCOMN_16", needs)
+        self.assertNotIn("ZRVCOMN_PRIVATE", needs)
+
+
+if __name__ == "__main__":
+    project.main()

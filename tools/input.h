@@ -1,0 +1,49 @@
+// Where values come from: arguments, the lines of standard input, a column of a CSV file.
+#ifndef ZRVTOOL_INPUT_H
+#define ZRVTOOL_INPUT_H
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zrvtool {
+
+struct InputValue {
+  std::string_view text; // lasts until the next value
+  uint64_t line;         // its line, or its place among the arguments, from 1
+};
+
+class Input {
+public:
+  virtual ~Input() = default;
+
+  // Gives the next value, or returns false at the end. Throws StreamError when reading fails.
+  virtual bool next(InputValue &value) = 0;
+
+  // What comes before the number in a message: "value ", "line ", "file.csv:".
+  virtual std::string place(uint64_t line) const = 0;
+
+  // The bytes read and the bytes in all; 0 where that is not known.
+  virtual std::pair<uint64_t, uint64_t> progress() const { return {0, 0}; }
+};
+
+// Called before a read that may have to wait.
+using BeforeWait = std::function<void()>;
+// Called with the line and the fault of a CSV record that has no such column.
+using BadRecord = std::function<void(uint64_t, const std::string &)>;
+
+std::unique_ptr<Input> arguments_input(std::vector<std::string> values);
+std::unique_ptr<Input> lines_input(BeforeWait before_wait);
+
+// Reads `path`, or standard input for "-". Throws UsageError when the file or the column is not
+// there.
+std::unique_ptr<Input> csv_input(const std::string &path, const std::string &column,
+                                 BadRecord bad_record, BeforeWait before_wait);
+
+} // namespace zrvtool
+
+#endif

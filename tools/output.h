@@ -1,0 +1,95 @@
+// Where results go: rows as an aligned table, as plain columns or as JSON, and progress.
+#ifndef ZRVTOOL_OUTPUT_H
+#define ZRVTOOL_OUTPUT_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "zrvcomn/cstypes.h"
+
+namespace zrvtool {
+
+// Text on its way to a file descriptor, written in large blocks.
+class Writer {
+public:
+  explicit Writer(int descriptor);
+
+  // What is to be written: append to it, then call settle.
+  std::string text;
+
+  void settle();
+  // Throws StreamError when it cannot write.
+  void flush();
+
+  bool is_terminal() const { return terminal; }
+  // True when escapes for colours may be sent: a terminal, without NO_COLOR, that knows them.
+  bool has_colour() const { return colour; }
+
+private:
+  int file;
+  bool terminal, colour;
+};
+
+enum class RowStyle { table, plain, json };
+
+// One row of results.
+struct Row {
+  uint64_t line;
+  std::string_view value;
+  bool was_read; // without it there is no result
+  std::string_view result;
+  CS_INT length;
+  std::string_view bytes;
+  CS_RETCODE status;
+};
+
+class Rows {
+public:
+  Rows(Writer &out, RowStyle style, bool with_hex);
+
+  void add(const Row &row);
+  // Lays out what has come so far, so that it can be written.
+  void settle();
+
+private:
+  // One column more than it takes: the last one is the status.
+  struct Cells {
+    std::string value, result, length, hex, status;
+    bool failed;
+  };
+  static constexpr size_t column_count = 5;
+
+  void add_plain(const Row &row);
+  void add_json(const Row &row);
+  void lay_out(const std::string *const (&cells)[column_count], const char *colour);
+
+  Writer &out;
+  RowStyle style;
+  bool with_hex;
+  bool has_header = false;
+  std::vector<Cells> batch;
+  size_t batched = 0;
+  size_t widths[column_count] = {};
+};
+
+// A line on standard error that counts, where that is a terminal and the input is long.
+class Progress {
+public:
+  explicit Progress(bool is_shown) : shown(is_shown) {}
+  ~Progress() { clear(); }
+  void clear();
+  void step(uint64_t count, std::pair<uint64_t, uint64_t> bytes);
+
+private:
+  static constexpr uint64_t interval = 100000;
+  bool shown;
+  bool is_drawn = false;
+};
+
+} // namespace zrvtool
+
+#endif

@@ -1,0 +1,22 @@
+// Bytes as they can be shown.
+#ifndef ZRVTOOL_VISIBLE_H
+#define ZRVTOOL_VISIBLE_H
+
+#include <string>
+#include <string_view>
+
+namespace zrvtool {
+
+// Appends text such that it stays on its line and in its column and commands no terminal: a
+// backslash is doubled, tab, line feed and carriage return become \t, \n and \r, every other
+// control character and every byte that is no UTF-8 becomes \xHH.
+void append_visible(std::string &out, std::string_view bytes);
+
+void append_hex(std::string &out, std::string_view bytes);
+
+// The number of characters of a UTF-8 text.
+size_t count_characters(std::string_view text);
+
+} // namespace zrvtool
+
+#endif

@@ -331,7 +331,7 @@ extern ZRV_PRIVATE const CS_LOCATOR Comv_CS_LOCATOR;
  * The pads: each ends a text or binary result. `srclen` is the length in bytes of the data that
  * should fit, `*destlen` where the data ends now; both are bytes, also for 16-bit text. They write
  * only from `*destlen` up to destfmt->maxlength, and count nothing when maxlength does not exceed
- * `*destlen`. A null pointer or a negative `srclen` or `*destlen` is fatal, CS_FAIL.
+ * `*destlen`. A negative length counts as 0. A null pointer is fatal, CS_FAIL.
  *
  * comn__padchar obeys CS_DFMT_NULLTERM, CS_DFMT_PADNULL and CS_DFMT_PADBLANK. Returns CS_SUCCEED;
  * CS_CONV_PADCONFLICT with both pad bits, nothing written; CS_CONV_OVERFLOW when the data (with its

@@ -1,4 +1,5 @@
-// The pads, long-hand: one byte at a time, straight from their rules.
+// The pads, long-hand: one byte at a time, straight from their rules. A negative
+// length counts as 0.
 #ifndef ZRVTEST_PAD_REFERENCE_H
 #define ZRVTEST_PAD_REFERENCE_H
 
@@ -18,6 +19,8 @@ struct Padded {
 // `unit` is 1 for text and 2 for 16-bit text.
 inline CS_RETCODE reference_pad_text(CS_INT unit, CS_INT srclen, CS_INT format, CS_INT maxlength,
                                      Padded &dest) {
+  if (srclen < 0)
+    srclen = 0;
   const bool terminated = (format & CS_DFMT_NULLTERM) != 0;
   const auto put = [&](CS_INT position, char first) {
     for (CS_INT i = 0; i < unit; ++i)
@@ -36,24 +39,25 @@ inline CS_RETCODE reference_pad_text(CS_INT unit, CS_INT srclen, CS_INT format, 
   }
   if ((format & CS_DFMT_PADNULL) != 0 && (format & CS_DFMT_PADBLANK) != 0)
     return CS_CONV_PADCONFLICT;
+  CS_INT end = dest.length < 0 ? 0 : dest.length;
   if ((format & (CS_DFMT_PADNULL | CS_DFMT_PADBLANK)) != 0) {
-    CS_INT last = -1;
-    while (dest.length + unit <= maxlength) {
-      last = dest.length;
-      put(last, (format & CS_DFMT_PADNULL) != 0 ? '\0' : ' ');
-      dest.length += unit;
+    for (; end + unit <= maxlength; end += unit) {
+      put(end, (format & CS_DFMT_PADNULL) != 0 ? '\0' : ' ');
+      dest.length = end + unit;
+      if (terminated && dest.length + unit > maxlength)
+        put(end, '\0');
     }
-    if (terminated && last >= 0)
-      put(last, '\0');
-  } else if (terminated && dest.length + unit <= maxlength) {
-    put(dest.length, '\0');
-    dest.length += unit;
+  } else if (terminated && end + unit <= maxlength) {
+    put(end, '\0');
+    dest.length = end + unit;
   }
   return CS_SUCCEED;
 }
 
 inline CS_RETCODE reference_pad_binary(CS_INT srclen, CS_INT format, CS_INT maxlength,
                                        Padded &dest) {
+  if (srclen < 0)
+    srclen = 0;
   if ((format & CS_DFMT_PADNULL) != 0 && maxlength > srclen && maxlength > dest.length) {
     for (CS_INT i = srclen; i < maxlength; ++i)
       dest.bytes.at(static_cast<size_t>(i)) = '\0';

@@ -1,6 +1,7 @@
 // The pads, which end every text and binary result.
 #include "pad.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "checks.h"
@@ -28,6 +29,7 @@ struct WideText {
 template <class Text>
 CS_RETCODE pad(CS_INT srclen, CS_INT format, CS_INT capacity, CS_VOID *dest,
                CS_INT *destlen) noexcept {
+  srclen = std::max<CS_INT>(srclen, 0);
   constexpr CS_INT width = sizeof(typename Text::Unit);
   auto *bytes = static_cast<CS_BYTE *>(dest);
   const bool terminate = (format & CS_DFMT_NULLTERM) != 0;
@@ -43,18 +45,19 @@ CS_RETCODE pad(CS_INT srclen, CS_INT format, CS_INT capacity, CS_VOID *dest,
   if (nulls && blanks)
     return CS_CONV_PADCONFLICT;
 
-  const CS_INT units = capacity > *destlen ? (capacity - *destlen) / width : 0;
+  const CS_INT used = std::max<CS_INT>(*destlen, 0);
+  const CS_INT units = capacity > used ? (capacity - used) / width : 0;
   if (units == 0)
     return CS_SUCCEED;
-  CS_BYTE *const end = bytes + *destlen;
+  CS_BYTE *const end = bytes + used;
   if (nulls || blanks) {
     Text::fill(end, units, nulls ? 0 : ' ');
     if (blanks && terminate)
       Text::fill(end + (units - 1) * width, 1, 0);
-    *destlen += units * width;
+    *destlen = used + units * width;
   } else if (terminate) {
     Text::fill(end, 1, 0);
-    *destlen += width;
+    *destlen = used + width;
   }
   return CS_SUCCEED;
 }
@@ -73,6 +76,7 @@ CS_RETCODE comn::pad_unitext(CS_INT srclen, CS_INT format, CS_INT capacity, CS_V
 
 CS_RETCODE comn::pad_binary(CS_INT srclen, CS_INT format, CS_INT capacity, CS_VOID *dest,
                             CS_INT *destlen) noexcept {
+  srclen = std::max<CS_INT>(srclen, 0);
   if ((format & CS_DFMT_PADNULL) != 0 && capacity > srclen && capacity > *destlen) {
     std::memset(static_cast<CS_BYTE *>(dest) + srclen, 0, static_cast<size_t>(capacity - srclen));
     *destlen = capacity;
@@ -85,7 +89,6 @@ CS_RETCODE comn::pad_binary(CS_INT srclen, CS_INT format, CS_INT capacity, CS_VO
     COMN_CHECK_PTR(destfmt, CS_FAIL);                                                              \
     COMN_CHECK_PTR(dest, CS_FAIL);                                                                 \
     COMN_CHECK_PTR(destlen, CS_FAIL);                                                              \
-    COMN_CHECK(srclen >= 0 && *destlen >= 0, CS_FAIL);                                             \
     return pad_function(srclen, destfmt->format, destfmt->maxlength, dest, destlen);               \
   }
 

@@ -21,7 +21,8 @@ class Reproducible(unittest.TestCase):
             run(build.cmake, "-G", build.generator, "-S", copy, "-B", binary, *toolchain,
                 f"-DCMAKE_BUILD_TYPE={build.build_type}", f"-DCMAKE_C_COMPILER={build.c_compiler}",
                 f"-DCMAKE_CXX_COMPILER={build.cxx_compiler}", "-DZRV_TESTS=OFF", "-DZRV_BENCH=OFF",
-                "-DZRV_TOOLS=OFF")
+                "-DZRV_TOOLS=OFF",
+                "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON")  # the optimiser's warnings too, at no cost
             run(build.cmake, "--build", binary)
             for library in (build.zrvcomn, build.zrvintl):
                 again = binary / "lib" / Path(library).name

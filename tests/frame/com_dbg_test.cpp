@@ -127,7 +127,7 @@ TEST(DebugPrint, PrintsAsPrintfDoes) {
 
 TEST(DebugPrint, NullFormatIsChecked) {
   const char *volatile format = nullptr;
-  EXPECT_NULL_POINTER_CHECK("com_dbg.cpp", CS_FAIL, comn_debug_print(format));
+  EXPECT_NULL_POINTER_CHECK("com_dbg.cpp", CS_FAIL, comn_debug_print(format, 0));
   EXPECT_NULL_POINTER_CHECK("com_dbg.cpp", CS_FAIL, comn_debug_vprint(nullptr, nullptr));
 }
 

@@ -14,8 +14,7 @@ size_t intl_strlcpy(char *dest, const char *source, size_t size) noexcept {
 }
 
 size_t intl_strlcat(char *dest, const char *source, size_t size) noexcept {
+  // Without a terminator there is no room, and nothing is written.
   const size_t held = strnlen(dest, size);
-  if (held == size)
-    return size + std::strlen(source);
   return held + intl_strlcpy(dest + held, source, size - held);
 }

@@ -104,6 +104,18 @@ TEST_F(DebugFile, NullOrLengthZeroCloses) {
   EXPECT_EQ(comn_debug_setfile(nullptr, nullptr, 0), CS_SUCCEED);
 }
 
+TEST_F(DebugFile, AFileOpenedBeforeIsClosed) {
+  const size_t before = zrvtest::open_descriptors();
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_EQ(set(path), CS_SUCCEED);
+    EXPECT_EQ(zrvtest::open_descriptors(), before + 1);
+  }
+  EXPECT_EQ(set(directory), CS_FAIL);
+  EXPECT_EQ(zrvtest::open_descriptors(), before + 1);
+  ASSERT_EQ(comn_debug_setfile(nullptr, nullptr, 0), CS_SUCCEED);
+  EXPECT_EQ(zrvtest::open_descriptors(), before);
+}
+
 TEST_F(DebugFile, FailureLeavesTheStream) {
   EXPECT_EQ(set(directory), CS_FAIL);
   EXPECT_EQ(Com_fp, nullptr);

@@ -1,4 +1,5 @@
 // The small services.
+#include <cctype>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -274,12 +275,18 @@ TEST(Unsigned, FoldsCase) {
 
 // In the locale of the application 0xC9 and 0xE9 may be one letter; here they are two bytes.
 TEST(Unsigned, IgnoresTheLocaleOfTheApplication) {
-  for (const char *locale : {"C", "en_US.ISO-8859-1", "tr_TR.ISO-8859-9", "de_DE.UTF-8"}) {
-    std::setlocale(LC_ALL, locale);
+  int locales_with_accents = 0;
+  for (const char *locale :
+       {"C", "en_US.ISO-8859-1", "en_US", "de_DE", "tr_TR.ISO-8859-9", "tr_TR"}) {
+    if (std::setlocale(LC_ALL, locale) == nullptr)
+      continue;
+    locales_with_accents += std::tolower(0xC9) == 0xE9;
     EXPECT_EQ(com_unsignstricmp(bytes("\xC9"), bytes("\xE9")), 0xC9 - 0xE9) << locale;
     EXPECT_EQ(com_unsignstricmp(bytes("I"), bytes("i")), 0) << locale;
   }
   std::setlocale(LC_ALL, "C");
+  if (locales_with_accents == 0)
+    GTEST_SKIP() << "no locale that folds accented bytes is installed";
 }
 
 TEST(Unsigned, NullPointersAreChecked) {

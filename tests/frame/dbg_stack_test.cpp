@@ -336,11 +336,8 @@ TEST_F(FrameInfo, NullInfoIsChecked) {
 
 // Reading through the kernel takes no descriptor for good.
 TEST_F(FrameInfo, LeavesNoDescriptorOpen) {
-  const int before = dup(0);
-  close(before);
+  const size_t before = zrvtest::open_descriptors();
   walk(__builtin_frame_address(0), 50);
   walk(reinterpret_cast<CS_VOID *>(uintptr_t{0x10000}), 50);
-  const int after = dup(0);
-  close(after);
-  EXPECT_EQ(after, before);
+  EXPECT_EQ(zrvtest::open_descriptors(), before);
 }

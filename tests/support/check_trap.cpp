@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <regex>
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -53,6 +54,13 @@ std::string DescriptorCapture::finish() {
   close(file);
   file = -1;
   return text;
+}
+
+size_t open_descriptors() {
+  size_t open = 0;
+  for (int descriptor = 0; descriptor < 1024; ++descriptor)
+    open += fcntl(descriptor, F_GETFD) != -1;
+  return open;
 }
 
 CheckTrap::CheckTrap() : capture(2), previous(nullptr) {

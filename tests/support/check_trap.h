@@ -3,6 +3,7 @@
 #ifndef ZRVTEST_CHECK_TRAP_H
 #define ZRVTEST_CHECK_TRAP_H
 
+#include <cstddef>
 #include <string>
 
 namespace zrvtest {
@@ -26,6 +27,9 @@ private:
 // Runs `body` and returns what it wrote to standard output through the C library.
 template <class Body>
 std::string capture_stdout(Body &&body);
+
+// The number of descriptors that the process has open.
+size_t open_descriptors();
 
 // What the checks did while a body ran.
 struct CheckReport {

@@ -219,6 +219,83 @@ ZRV_API void com_date4zero(CS_DATETIME4 *value) ZRV_NOEXCEPT;
 /* Sets both fields, unchecked. */
 ZRV_API void com_setdatetime(CS_DATETIME *value, CS_INT dtdays, CS_INT dttime) ZRV_NOEXCEPT;
 
+/* ---- text ---- */
+
+/*
+ * A style number picks a layout: 0 to 23 and 36 to 40 with a year of two digits (0, 9, 16 and 23
+ * with four), 100 to 118, 121, 122 and 136 to 141 with four. The engine of times alone lays a few
+ * of them out otherwise: a style that shows nothing but a date is a text of one NUL byte there.
+ *
+ * value      in   the value
+ * buf        out  the text, not NUL-terminated
+ * len        in   capacity of `buf` in bytes; negative means unlimited (no text passes 40 bytes)
+ * style      in   the style number
+ * shortmths  in   12 short month names, NUL-terminated, of which 9 bytes show; may be null where
+ * the layout shows none
+ *
+ * Return the length of the text; 0 when it did not fit, the first `len` bytes standing in `buf`; -1
+ * for an unknown style; -2 when the layout shows a month name and there is none, be it that the
+ * list is null or that the month is no month. Nothing is written then. "AM" and "PM" are not
+ * localised.
+ */
+
+/* The engines: any fields give a text. Fields show their last digits without a sign. With `secprec`
+ * 1000000 the fraction is datesecfrac, rounded to milliseconds without a carry into the second;
+ * with any other it is datemsecond. */
+ZRV_PRIVATE CS_INT com__daterectochar(CS_DATEREC *trparts, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                      CS_CHAR **shortmths, CS_INT secprec) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__timerectochar(CS_DATEREC *trparts, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                      CS_CHAR **shortmths, CS_INT secprec) ZRV_NOEXCEPT;
+
+/* Values with a date. com__dateatochar shows the date alone in the styles 0 and 9, and midnight
+ * where another style shows a time. */
+ZRV_PRIVATE CS_INT com__datetochar(CS_DATETIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                   CS_CHAR **shortmths) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__date4tochar(CS_DATETIME4 *value, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                    CS_CHAR **shortmths) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__bigdatetimetochar(CS_BIGDATETIME *value, CS_CHAR *buf, CS_INT len,
+                                          CS_INT style, CS_CHAR **shortmths) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__dateatochar(CS_DATE *value, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                    CS_CHAR **shortmths) ZRV_NOEXCEPT;
+
+/* Times alone. Where a layout shows a date, a CS_TIME has 1900-01-01 and a CS_BIGTIME 0001-01-01.
+ */
+ZRV_PRIVATE CS_INT com__timeatochar(CS_TIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                    CS_CHAR **shortmths) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__bigtimetochar(CS_BIGTIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                      CS_CHAR **shortmths) ZRV_NOEXCEPT;
+
+/*
+ * A CS_DATETIME as text filled up with blanks; com_date2char has style 9.
+ *
+ * src          in   the value, 8 bytes at any address; may be null
+ * srclen       in   0 for a null value; otherwise not looked at
+ * dest         out  the text; bytes behind it up to `destlen` become blanks
+ * destlen      in   capacity in bytes; negative means unlimited, and nothing is filled
+ * shortmonths  in   12 short month names; null means the English ones
+ *
+ * Returns the length of the text; 0 for a null value; -1 when the text did not fit, its first
+ * `destlen` bytes in `dest`, or when the style is unknown, nothing written.
+ */
+ZRV_API CS_INT com_date2char(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,
+                             CS_CHAR **shortmonths) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_date2char_ex(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,
+                                CS_CHAR **shortmonths, CS_INT style) ZRV_NOEXCEPT;
+
+/* Writes a number right-aligned into a field of |len| characters, filled with "0" if `len` is
+ * negative, else with blanks, and then `padchar` unless it is 0. Digits that do not fit are dropped
+ * on the left, and a sign does not show. Returns the bytes written. */
+ZRV_PRIVATE CS_INT com__cpint(CS_CHAR *cp, CS_INT value, CS_CHAR padchar, CS_INT len) ZRV_NOEXCEPT;
+
+/* Writes at most `maxlen` bytes of a NUL-terminated string, and then `padchar` unless it is 0.
+ * Returns the bytes written. */
+ZRV_PRIVATE CS_INT com__cpchar(CS_CHAR *cp, CS_CHAR *str, CS_CHAR padchar,
+                               CS_INT maxlen) ZRV_NOEXCEPT;
+
+/* Writes a number in decimal, without a NUL, and returns the bytes written. Above `len` bytes, if
+ * that is above 0, it writes a single "*" and returns 1. */
+ZRV_PRIVATE CS_INT com__itochar(CS_INT val, CS_CHAR *buf, CS_INT len) ZRV_NOEXCEPT;
+
 ZRV_END_DECLS
 
 #endif

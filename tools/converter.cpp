@@ -9,7 +9,8 @@
 #include <limits>
 #include <type_traits>
 
-#include "subcommand.h"
+#include "errors.h"
+#include "status_names.h"
 #include "visible.h"
 
 namespace zrvtool {
@@ -242,7 +243,7 @@ void Converter::show(std::string_view bytes) {
 
 Outcome Converter::convert(std::string_view value) {
   Outcome outcome{read(value), true, 0, {}, {}};
-  if (outcome.status != CS_SUCCEED) {
+  if (!is_success(outcome.status)) {
     outcome.was_read = false;
     return outcome;
   }

@@ -10,7 +10,7 @@
 
 #include <csv.h>
 
-#include "subcommand.h"
+#include "errors.h"
 #include "visible.h"
 
 namespace zrvtool {

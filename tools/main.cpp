@@ -5,6 +5,8 @@
 #include <iostream>
 #include <new>
 
+#include <CLI/CLI.hpp>
+
 #include "subcommand.h"
 #include "zrvcomn/comnlib.h"
 

@@ -11,8 +11,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "errors.h"
 #include "status_names.h"
-#include "subcommand.h"
 #include "visible.h"
 
 namespace zrvtool {

@@ -56,7 +56,6 @@ public:
   void settle();
 
 private:
-  // One column more than it takes: the last one is the status.
   struct Cells {
     std::string value, result, length, hex, status;
     bool failed;

@@ -1,31 +1,18 @@
-// Subcommands, which register themselves, and how a run of the command ends.
+// Subcommands, which register themselves.
 #ifndef ZRVTOOL_SUBCOMMAND_H
 #define ZRVTOOL_SUBCOMMAND_H
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
+#include "errors.h"
+
+namespace CLI {
+class App;
+}
 
 namespace zrvtool {
-
-enum ExitCode {
-  exit_success = 0, // every value converted
-  exit_failure = 1, // some values failed, or input or output broke off
-  exit_usage = 2,   // nothing was done: the command line asks for something that cannot be
-};
-
-// Wrong usage: `what` is one line.
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
-// Input or output that broke off in the middle: `what` is one line.
-struct StreamError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 // One subcommand. A file in commands/ holds a static one, and that is all it takes to add it:
 // `add` declares options and returns what runs once they are parsed; it is given the words behind
@@ -48,12 +35,6 @@ private:
   const Subcommand *const next;
   static inline constinit const Subcommand *first = nullptr;
 };
-
-// The word among `candidates` that `word` is most likely a misspelling of, or an empty text.
-std::string closest(const std::string &word, const std::vector<std::string> &candidates);
-
-// "; did you mean 'x'?", or an empty text.
-std::string suggest(const std::string &word, const std::vector<std::string> &candidates);
 
 } // namespace zrvtool
 

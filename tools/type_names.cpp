@@ -5,7 +5,7 @@
 #include <charconv>
 #include <string_view>
 
-#include "subcommand.h"
+#include "errors.h"
 
 namespace zrvtool {
 

@@ -3,6 +3,8 @@
 #include <memory>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
+
 #include "output.h"
 #include "subcommand.h"
 #include "type_names.h"

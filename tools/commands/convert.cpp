@@ -4,6 +4,8 @@
 #include <memory>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
+
 #include "converter.h"
 #include "input.h"
 #include "output.h"

@@ -3,6 +3,7 @@
 #include <memory>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include "context.h"

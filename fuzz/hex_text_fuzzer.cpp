@@ -49,7 +49,7 @@ Result reference(std::string digits, size_t room, CS_INT format) {
   if (digits.size() % 2 != 0) {
     if (room == 0)
       return {CS_CONV_OVERFLOW, 0, {}};
-    digits.insert(0, "0");
+    digits.insert(digits.begin(), '0');
   }
   const size_t count = std::min(digits.size() / 2, room);
   for (size_t i = 0; i < count; ++i) {

@@ -493,7 +493,7 @@ class Command(unittest.TestCase):
 
     def complete(self, line):
         """What bash offers for the last word of a line."""
-        script = ('eval "$($ZRVCOMN completion bash)"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); '
+        script = ('eval "$("$ZRVCOMN" completion bash)"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); '
                   '_zrvcomn; printf "%s\\n" "${COMPREPLY[@]}"')
         return subprocess.run(["bash", "-c", script, "bash", *line], text=True, check=True,
                               capture_output=True, cwd=self.scratch,

@@ -296,6 +296,133 @@ ZRV_PRIVATE CS_INT com__cpchar(CS_CHAR *cp, CS_CHAR *str, CS_CHAR padchar,
  * that is above 0, it writes a single "*" and returns 1. */
 ZRV_PRIVATE CS_INT com__itochar(CS_INT val, CS_CHAR *buf, CS_INT len) ZRV_NOEXCEPT;
 
+/* ---- arithmetic ---- */
+
+/*
+ * Parts of a date by their code:
+ *
+ *   code  part          its value                 added            difference
+ *   0     year          the year                  years            calendar years
+ *   1     quarter       1 to 4                    3 months         calendar quarters
+ *   2     month         1 to 12                   months           calendar months
+ *   3     weekday       1 to 7, from `firstday`   days             whole weeks
+ *   4     day           1 to 31                   days             days
+ *   5     day of year   1 to 366                  days             days
+ *   6     hour          0 to 23                   hours            whole hours elapsed
+ *   7     minute        0 to 59                   minutes          whole minutes elapsed
+ *   8     second        0 to 59                   seconds          whole seconds elapsed
+ *   9     millisecond   0 to 999                  milliseconds     milliseconds
+ *   10    week          1 to 54, from Sunday      7 days           Sundays crossed
+ *   11    ISO year      the year of its ISO week  years            ISO years
+ *   12    ISO week      1 to 53                   7 days           Sundays crossed
+ *   13    ISO weekday   1 (Monday) to 7           days             whole weeks
+ *   14    microsecond   0 to 999999               microseconds     microseconds
+ *
+ * Code 14 belongs to CS_BIGDATETIME.
+ */
+
+/* Limits datedmonth to the length of datemonth in dateyear. */
+ZRV_PRIVATE void monthcheck(CS_DATEREC *fields) ZRV_NOEXCEPT;
+
+/*
+ * Adds to a value in place. After years, quarters and months the day is limited to the length of
+ * the month. Milliseconds are rounded to the nearest tick: 1 adds none.
+ *
+ * part   in      0 to 13; anything else is fatal, 1
+ * value  in      how many, of any sign
+ * to     in,out  the value; only the half that changes is touched
+ *
+ * Returns 0; 1, nothing changed, when the sum leaves the range of CS_DATE or of the arithmetic, or
+ * when a part of the time is added to a dttime of a day or more; or, for years, quarters and
+ * months, the status of com__datemake with what that leaves in dtdays. The range of CS_DATETIME is
+ * not looked at.
+ */
+ZRV_PRIVATE int com__date_add(int part, CS_INT value, CS_DATETIME *to) ZRV_NOEXCEPT;
+
+/*
+ * Adds to a microsecond value in place. The fraction of a second stays where years, quarters or
+ * months are added.
+ *
+ * part   in      0 to 14; anything else is fatal, 1
+ * value  in      how many, of any sign
+ * to     in,out  the value
+ * type   in      protocol datatype number: 187 keeps the sum in the range of CS_BIGDATETIME, 188 in
+ *                that of CS_BIGTIME, which does not wrap round midnight
+ *
+ * Returns 0; 1, nothing changed, when the sum leaves that range or 64 bits; or, for years, quarters
+ * and months, whose sum is not held against `type`, the status of com_bigdatetimemake with what
+ * that leaves.
+ */
+ZRV_PRIVATE int com__bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to,
+                                 CS_BYTE type) ZRV_NOEXCEPT;
+
+/*
+ * Add to a copy of `src` and deliver the sum by the protocol datatype number and the capacity of
+ * `result`; its `len` becomes its `maxlen`.
+ *
+ * com__dateadd_both takes a source of 8 bytes, a CS_DATETIME, or of 4, a CS_DATE or, for a result
+ * of type 51, which takes no other, a CS_TIME. It delivers 61 (CS_DATETIME, 8 bytes), 49 (CS_DATE),
+ * 51 (CS_TIME) and 58 (CS_DATETIME4), 4 bytes each. com__bigdateadd_both takes 8 bytes and delivers
+ * 187 (CS_BIGDATETIME) and 188 (CS_BIGTIME), 8 bytes each.
+ *
+ * Return 0, or 1 and leave `result` as it was: another length or type, a sum out of range.
+ */
+ZRV_PRIVATE int com__dateadd_both(int part, CS_INT value, __CONSTANT *src,
+                                  __CONSTANT *result) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__bigdateadd_both(int part, CS_INT value, __CONSTANT *src,
+                                     __CONSTANT *result) ZRV_NOEXCEPT;
+
+/* 1 if years and minutes can be added to the value, else 0: the CS_DATETIME4 at src->value if its
+ * `len` is 4, otherwise the CS_DATETIME in the 8 bytes at `cast_buf`. */
+ZRV_PRIVATE int com__valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf) ZRV_NOEXCEPT;
+
+/*
+ * `to` minus `from`. Elapsed units are truncated toward zero.
+ *
+ * part  in   0 to 13, or 14 in com__bigdatediff; anything else returns 0 and writes nothing
+ * diff  out  the difference
+ *
+ * Return 0; com__datediff also 1, nothing written, when a CS_INT does not hold the difference. In
+ * minutes, seconds and milliseconds it counts whole days for that where the time works against the
+ * days: more than 1491308, 24855 or 24 are too many.
+ */
+ZRV_PRIVATE int com__datediff(int part, CS_DATETIME *from, CS_DATETIME *to,
+                              CS_INT *diff) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__bigdatediff(int part, CS_BIGDATETIME *from, CS_BIGDATETIME *to,
+                                 CS_BIGINT *diff) ZRV_NOEXCEPT;
+
+/*
+ * The value of a part.
+ *
+ * part         in  0 to 14; anything else is fatal, 0. Microseconds of anything but a
+ * CS_BIGDATETIME are 0 firstday     in  for part 3, the day that counts as 1: Monday is 1, Sunday 7
+ * or 0; not checked dayselapsed  in  the days of the value from 1900-01-01 odatetype    in
+ * CS_TYPE_BIGDATETIME takes milliseconds and microseconds from datesecfrac
+ */
+ZRV_PRIVATE CS_INT com__datepart(int part, CS_DATETIME *value, CS_INT firstday) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_datepart(int part, CS_DATETIME *value, CS_INT firstday) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__bigdatepart(int part, CS_BIGDATETIME *value, CS_INT firstday) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__daterecpart(int part, CS_DATEREC *fields, CS_INT firstday,
+                                    CS_INT dayselapsed, CS_INT odatetype) ZRV_NOEXCEPT;
+
+/*
+ * The name of a part: of parts 3 and 13 the day's, of part 2 the month's, of others the number.
+ *
+ * part    in   0 to 14; anything else gives 0, and is fatal first except in com__datenameval
+ * cp      out  the text, at most 30 bytes, without a NUL; a number above 4 digits, or 6 for part
+ * 14, is a "*" months  in   12 names; may be null days    in   7 names, Sunday first; may be null
+ *
+ * Return the bytes written, 0 where a name is needed and there is none.
+ */
+ZRV_PRIVATE CS_INT com__datename(int part, CS_DATETIME *value, CS_CHAR *cp, CS_CHAR **months,
+                                 CS_CHAR **days) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_datename(int part, CS_DATETIME *value, CS_CHAR *cp, CS_CHAR **months,
+                            CS_CHAR **days) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__bigdatename(int part, CS_BIGDATETIME *value, CS_CHAR *cp, CS_CHAR **months,
+                                    CS_CHAR **days) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__datenameval(int part, CS_CHAR *cp, CS_CHAR **months, CS_CHAR **days,
+                                    CS_INT value, CS_INT dayselapsed) ZRV_NOEXCEPT;
+
 ZRV_END_DECLS
 
 #endif

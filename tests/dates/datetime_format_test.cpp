@@ -265,7 +265,7 @@ TEST(Format, Fractions) {
   EXPECT_EQ(show_date(fields, 37), "00:00:59.007000");
   EXPECT_EQ(show_date(fields, 37, 0), "00:00:59.007000");
   for (CS_INT millisecond = 0; millisecond < 1000; ++millisecond) {
-    char text[16];
+    char text[32];
     std::snprintf(text, sizeof text, "00:00:59:%03d", millisecond);
     fields.datemsecond = millisecond;
     EXPECT_EQ(show_date(fields, 20), text);

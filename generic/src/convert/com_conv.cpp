@@ -25,6 +25,17 @@ UserSearch find_user(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexc
   return {*link, link};
 }
 
+// What com_conv_func does when the answer is no cell of the matrix.
+[[gnu::noinline]] CS_CONV_FUNC find_elsewhere(CS_CONTEXT *context, CS_INT srctype,
+                                              CS_INT desttype) noexcept {
+  COMN_CHECK_PTR(context, nullptr);
+  if (srctype < 0 || desttype < 0)
+    return nullptr;
+  if (comn::is_builtin(srctype) && comn::is_builtin(desttype))
+    COMN_CHECK_PTR(context->ctxcvttbl.cvttbl, nullptr);
+  return com__conv_usr_func(context, srctype, desttype);
+}
+
 } // namespace
 
 void com__get_ctbl(CS_CONV_FUNC **cvt_array, int *cvt_dim) noexcept {
@@ -70,15 +81,12 @@ CS_RETCODE com__conv_usr_free(CS_CONTEXT *context) noexcept {
 }
 
 CS_CONV_FUNC com_conv_func(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexcept {
-  COMN_CHECK_PTR(context, nullptr);
-  if (comn::is_builtin(srctype) && comn::is_builtin(desttype)) [[likely]] {
+  if (context != nullptr && comn::is_builtin(srctype) && comn::is_builtin(desttype)) [[likely]] {
     const CsConvertTbl &table = context->ctxcvttbl;
-    COMN_CHECK_PTR(table.cvttbl, nullptr);
-    return table.cvttbl[table.cvtdim * srctype + desttype];
+    if (table.cvttbl != nullptr) [[likely]]
+      return table.cvttbl[table.cvtdim * srctype + desttype];
   }
-  if (srctype < 0 || desttype < 0)
-    return nullptr;
-  return com__conv_usr_func(context, srctype, desttype);
+  return find_elsewhere(context, srctype, desttype);
 }
 
 CsUsrCvtFunc *com__conv_usr_struct(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexcept {

@@ -20,9 +20,20 @@ struct NarrowText {
 
 struct WideText {
   using Unit = CS_UNICHAR;
+  // Whole blocks, the last of which may overlap the one before.
   static void fill(CS_BYTE *first, CS_INT units, Unit unit) noexcept {
-    for (CS_INT i = 0; i < units; ++i)
-      comn::store(first + i * CS_INT{sizeof unit}, unit);
+    using Block __attribute__((vector_size(16))) = Unit;
+    const auto block = Block{} + unit;
+    const CS_INT bytes = units * CS_INT{sizeof unit};
+    const CS_INT last = bytes - CS_INT{sizeof block};
+    if (last < 0) {
+      for (CS_INT i = 0; i < bytes; i += CS_INT{sizeof unit})
+        comn::store(first + i, unit);
+      return;
+    }
+    for (CS_INT i = 0; i < last; i += CS_INT{sizeof block})
+      comn::store(first + i, block);
+    comn::store(first + last, block);
   }
 };
 

@@ -11,15 +11,18 @@
       CS_INT *destlen
 #define COMN_CONV_ARGUMENTS context, srcfmt, src, destfmt, dest, destlen
 
-// The six pointer checks, in the order in which all conversions make them.
-#define COMN_CHECK_CONV_POINTERS(place)                                                            \
+// The checks that a conversion makes first: its six pointers, then its formats; the two conditions
+// are on srcfmt and on destfmt. All of them are one test on the way of success, in the order that
+// needs the fewest registers. Which of them failed is asked only then: a null pointer is reported
+// before a wrong format. `where` is a COMN_HERE.
+#define COMN_CHECK_CONV(where, srcfmt_condition, destfmt_condition)                                \
   do {                                                                                             \
-    COMN_CHECK_PTR_AT(place, context, CS_FAIL);                                                    \
-    COMN_CHECK_PTR_AT(place, src, CS_FAIL);                                                        \
-    COMN_CHECK_PTR_AT(place, srcfmt, CS_FAIL);                                                     \
-    COMN_CHECK_PTR_AT(place, dest, CS_FAIL);                                                       \
-    COMN_CHECK_PTR_AT(place, destfmt, CS_FAIL);                                                    \
-    COMN_CHECK_PTR_AT(place, destlen, CS_FAIL);                                                    \
+    if (!(context && srcfmt && (srcfmt_condition) && destfmt && (destfmt_condition) && src &&      \
+          dest && destlen)) [[unlikely]] {                                                         \
+      if (context && src && srcfmt && dest && destfmt && destlen)                                  \
+        return comn::raise_bomb(where);                                                            \
+      return comn::raise_null(where);                                                              \
+    }                                                                                              \
   } while (0)
 
 #endif

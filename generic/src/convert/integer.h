@@ -13,8 +13,9 @@
 #include <utility>
 
 #include "conv_func.h"
-#include "decimal_digits.h"
+#include "decimal_text.h"
 #include "pad.h"
+#include "raw_copy.h"
 
 namespace comn::integer {
 
@@ -71,12 +72,16 @@ constexpr OutOfRange table[type_count][type_count] = {
 // clang-format on
 } // namespace statuses
 
+// One of two values without a branch: which side a value lies out of range on cannot be foreseen.
+template <class Integer>
+constexpr Integer select(bool first, Integer if_first, Integer if_not) noexcept {
+  return static_cast<Integer>(if_not ^ ((if_first ^ if_not) & -static_cast<Integer>(first)));
+}
+
 // Integer destinations, with bit as a type of its own.
-template <Type S, Type D>
-CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Place place) noexcept {
-  COMN_CHECK_CONV_POINTERS(place);
-  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
-  COMN_CHECK_AT(place, destfmt->datatype == Traits<D>::code, CS_FAIL);
+template <Type S, Type D, class Where>
+CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == Traits<D>::code);
   using Bounds = std::numeric_limits<Value<D>>;
   constexpr OutOfRange status = statuses::table[S][D];
   constexpr bool has_below = std::cmp_less(std::numeric_limits<Value<S>>::min(), Bounds::min());
@@ -86,25 +91,20 @@ CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Place place) noexcept {
 
   *destlen = sizeof(Value<D>);
   const auto value = load<Value<S>>(src);
-  if constexpr (has_below)
-    if (std::cmp_less(value, Bounds::min())) {
-      store(dest, Bounds::min());
-      return status.below;
+  const auto narrowed = static_cast<Value<D>>(value);
+  if constexpr (has_below || has_above)
+    if (!std::in_range<Value<D>>(value)) [[unlikely]] {
+      const bool below = value < 0;
+      store(dest, select(below, Bounds::min(), Bounds::max()));
+      return select(below, status.below, status.above);
     }
-  if constexpr (has_above)
-    if (std::cmp_greater(value, Bounds::max())) {
-      store(dest, Bounds::max());
-      return status.above;
-    }
-  store(dest, static_cast<Value<D>>(value));
+  store(dest, narrowed);
   return CS_SUCCEED;
 }
 
-template <Type S>
-CS_RETCODE to_bit(COMN_CONV_PARAMETERS, Place place) noexcept {
-  COMN_CHECK_CONV_POINTERS(place);
-  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
-  COMN_CHECK_AT(place, destfmt->datatype == CS_TYPE_BIT, CS_FAIL);
+template <Type S, class Where>
+CS_RETCODE to_bit(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == CS_TYPE_BIT);
   *destlen = sizeof(CS_BIT);
   store(dest, static_cast<CS_BIT>(load<Value<S>>(src) != 0));
   return CS_SUCCEED;
@@ -154,11 +154,9 @@ Float to_float_value(Value<S> value) noexcept {
   return static_cast<Float>(value);
 }
 
-template <Type S, class Float, CS_INT Code>
-CS_RETCODE to_float(COMN_CONV_PARAMETERS, Place place) noexcept {
-  COMN_CHECK_CONV_POINTERS(place);
-  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
-  COMN_CHECK_AT(place, destfmt->datatype == Code, CS_FAIL);
+template <Type S, class Float, CS_INT Code, class Where>
+CS_RETCODE to_float(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == Code);
   *destlen = sizeof(Float);
   store(dest, to_float_value<S, Float>(load<Value<S>>(src)));
   return CS_SUCCEED;
@@ -172,29 +170,37 @@ class Printed {
 
 public:
   explicit Printed(Integer value) noexcept
-      : negative(value < 0), magnitude(negative ? Magnitude{0} - static_cast<Magnitude>(value)
-                                                : static_cast<Magnitude>(value)),
-        digits(count_digits(magnitude)) {}
+      : negative(value < 0), digits(negative ? Magnitude{0} - static_cast<Magnitude>(value)
+                                             : static_cast<Magnitude>(value)) {}
 
-  CS_INT length() const noexcept { return digits + negative; }
+  CS_INT length() const noexcept { return digits.count() + negative; }
 
-  void write(CS_CHAR *dest) const noexcept {
-    if (negative)
-      *dest++ = '-';
-    write_digits(dest, magnitude, digits);
+  [[gnu::always_inline]] void write(CS_CHAR *dest) const noexcept {
+    // The first digit takes the place of a sign that is not wanted.
+    *dest = '-';
+    digits.write(dest + negative);
   }
 
 private:
   bool negative;
-  Magnitude magnitude;
-  int digits;
+  DecimalDigits<Magnitude> digits;
 };
 
-template <Type S>
-CS_RETCODE to_text(COMN_CONV_PARAMETERS, Place place) noexcept {
-  COMN_CHECK_CONV_POINTERS(place);
-  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
-  COMN_CHECK_AT(place, text_types.contains(destfmt->datatype), CS_FAIL);
+// A number is shown whole or as a star, never cut.
+[[gnu::cold, gnu::noinline]] inline CS_RETCODE show_star(CS_INT format, CS_INT capacity,
+                                                         CS_VOID *dest, CS_INT *destlen) noexcept {
+  if (capacity > 1) {
+    std::memcpy(dest, "*", 2);
+    *destlen = 1;
+    pad_text(1, format, capacity, dest, destlen);
+  }
+  return CS_CONV_OVERFLOW;
+}
+
+template <Type S, class Where>
+CS_RETCODE to_text(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code,
+                  text_types.contains(destfmt->datatype));
   const Printed number(load<Value<S>>(src));
   const CS_INT length = number.length();
   const CS_INT capacity = destfmt->maxlength;
@@ -207,21 +213,12 @@ CS_RETCODE to_text(COMN_CONV_PARAMETERS, Place place) noexcept {
       return CS_SUCCEED;
     return pad_text(length, format, capacity, dest, destlen);
   }
-  // A number is shown whole or as a star, never cut.
-  if (capacity > 1) {
-    text[0] = '*';
-    text[1] = '\0';
-    *destlen = 1;
-    pad_text(1, format, capacity, dest, destlen);
-  }
-  return CS_CONV_OVERFLOW;
+  return show_star(format, capacity, dest, destlen);
 }
 
-template <Type S>
-CS_RETCODE to_varchar(COMN_CONV_PARAMETERS, Place place) noexcept {
-  COMN_CHECK_CONV_POINTERS(place);
-  COMN_CHECK_AT(place, srcfmt->datatype == Traits<S>::code, CS_FAIL);
-  COMN_CHECK_AT(place, destfmt->datatype == CS_TYPE_VARCHAR, CS_FAIL);
+template <Type S, class Where>
+CS_RETCODE to_varchar(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == CS_TYPE_VARCHAR);
   const Printed number(load<Value<S>>(src));
   const CS_INT length = number.length();
   auto *record = static_cast<CS_CHAR *>(dest);
@@ -253,16 +250,16 @@ CS_RETCODE to_varchar(COMN_CONV_PARAMETERS, Place place) noexcept {
 #define COMN_INTEGER_TO_VARCHAR(source)                                                            \
   COMN_INTEGER_MEMBER(source, varchar, to_varchar<comn::integer::source>)
 
-// The binary members only forward: they make no check of the datatypes.
+// The binary members only copy: they make no check of the datatypes.
 #define COMN_INTEGER_TO_BIN(source)                                                                \
   CS_RETCODE comn_##source##tobin(COMN_CONV_PARAMETERS) noexcept {                                 \
-    return comn_fixedtobin(COMN_CONV_ARGUMENTS,                                                    \
-                           sizeof(comn::integer::Value<comn::integer::source>));                   \
+    return comn::copy_to_binary<sizeof(comn::integer::Value<comn::integer::source>)>(              \
+        COMN_CONV_ARGUMENTS);                                                                      \
   }
 #define COMN_INTEGER_TO_VARBIN(source)                                                             \
   CS_RETCODE comn_##source##tovarbin(COMN_CONV_PARAMETERS) noexcept {                              \
-    return comn_fixedtovarbin(COMN_CONV_ARGUMENTS,                                                 \
-                              sizeof(comn::integer::Value<comn::integer::source>));                \
+    return comn::copy_to_varbinary<sizeof(comn::integer::Value<comn::integer::source>)>(           \
+        COMN_CONV_ARGUMENTS);                                                                      \
   }
 
 #endif

@@ -19,14 +19,16 @@ constexpr bool is_builtin(CS_INT type) noexcept {
 class TypeSet {
 public:
   template <class... Codes>
-  constexpr explicit TypeSet(Codes... codes) noexcept : bits(((uint64_t{1} << codes) | ...)) {}
+  constexpr explicit TypeSet(Codes... codes) noexcept
+      : low(((codes < 32 ? uint32_t{1} << codes % 32 : 0) | ...)),
+        high(((codes < 32 ? 0 : uint32_t{1} << codes % 32) | ...)) {}
 
   constexpr bool contains(CS_INT type) const noexcept {
-    return is_builtin(type) && (bits >> type & 1) != 0;
+    return is_builtin(type) && ((type < 32 ? low : high) >> type % 32 & 1) != 0;
   }
 
 private:
-  uint64_t bits;
+  uint32_t low, high; // a bit for each code; two words, which every data model shifts fast
 };
 
 constexpr TypeSet text_types{CS_TYPE_CHAR,        CS_TYPE_LONGCHAR, CS_TYPE_TEXT,

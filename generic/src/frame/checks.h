@@ -10,47 +10,53 @@
 
 namespace comn {
 
-// Where a check stands. A template that serves many functions is handed the place of the one that
-// its caller sees.
+// Where a check stands. A check is handed a function that tells it (COMN_HERE), so that the way
+// past the check carries neither the file nor the line, and a template that serves many functions
+// can report the one that its caller sees.
 struct Place {
   const char *file;
   int line;
 };
 
-[[gnu::cold, gnu::noinline]] inline void raise_null(Place place) noexcept {
-  com_raise_invalid_null_pointer(const_cast<char *>(place.file), place.line);
+// Report a failed check, out of the way of what succeeds. They return CS_FAIL, so that a function
+// that ends with it can end with this very call.
+template <class Where>
+[[gnu::cold, gnu::noinline]] CS_RETCODE raise_null(Where where) noexcept {
+  com_raise_invalid_null_pointer(const_cast<char *>(where().file), where().line);
+  return CS_FAIL;
 }
 
-[[gnu::cold, gnu::noinline]] inline void raise_bomb(Place place) noexcept {
-  com_bomb(const_cast<char *>(place.file), place.line);
+template <class Where>
+[[gnu::cold, gnu::noinline]] CS_RETCODE raise_bomb(Where where) noexcept {
+  com_bomb(const_cast<char *>(where().file), where().line);
+  return CS_FAIL;
 }
 
-inline CS_RETCODE trace(CS_RETCODE code, Place place) noexcept {
+template <class Where>
+CS_RETCODE trace(CS_RETCODE code, Where where) noexcept {
   if (Com_trace_enable != 1) [[unlikely]]
-    return com_errtrace(code, const_cast<char *>(place.file), place.line);
+    return com_errtrace(code, const_cast<char *>(where().file), where().line);
   return code;
 }
 
 } // namespace comn
 
-#define COMN_HERE (comn::Place{__FILE__, __LINE__})
+#define COMN_HERE [] { return comn::Place{__FILE__, __LINE__}; }
 
 // Reports a null pointer, then returns what follows the pointer (nothing in a void function).
-#define COMN_CHECK_PTR(pointer, ...) COMN_CHECK_PTR_AT(COMN_HERE, pointer, __VA_ARGS__)
-#define COMN_CHECK_PTR_AT(place, pointer, ...)                                                     \
+#define COMN_CHECK_PTR(pointer, ...)                                                               \
   do {                                                                                             \
     if ((pointer) == nullptr) [[unlikely]] {                                                       \
-      comn::raise_null(place);                                                                     \
+      comn::raise_null(COMN_HERE);                                                                 \
       return __VA_ARGS__;                                                                          \
     }                                                                                              \
   } while (0)
 
 // Reports a condition that does not hold, then returns what follows it.
-#define COMN_CHECK(condition, ...) COMN_CHECK_AT(COMN_HERE, condition, __VA_ARGS__)
-#define COMN_CHECK_AT(place, condition, ...)                                                       \
+#define COMN_CHECK(condition, ...)                                                                 \
   do {                                                                                             \
     if (!(condition)) [[unlikely]] {                                                               \
-      comn::raise_bomb(place);                                                                     \
+      comn::raise_bomb(COMN_HERE);                                                                 \
       return __VA_ARGS__;                                                                          \
     }                                                                                              \
   } while (0)

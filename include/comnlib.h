@@ -501,6 +501,12 @@ ZRV_CONV(comn_chartobin);
  *               bits and more, and for i8 below the range of i1 and i2.
  * to bit        1 for any source but 0.
  * to floats     cannot fail; 64-bit sources near the top of their range saturate.
+ * to numeric    destfmt->precision and scale are the shape; `*destlen` is 35. CS_CONV_BADPRECISION
+ *               (not 1 to 77) and CS_CONV_BADSCALE (above 77) leave `dest` alone. CS_CONV_OVERFLOW:
+ *               the number does not fit, dest has the shape and is not to be used. i8 and ui8 take
+ *               CS_DFMT_FROMSOURCE in either field, which is replaced by 255 in `destfmt` and not
+ *               restored; in the precision it gives numeric(21,0), in the scale alone it is fatal,
+ *               as is a negative scale whose low byte is above 77.
  * to text       the whole number, then the padding that `format` asks for: CS_SUCCEED or
  *               CS_CONV_PADCONFLICT. Without room for it: "*" and a NUL if maxlength is above 1,
  *               nothing otherwise; CS_CONV_OVERFLOW.
@@ -519,6 +525,7 @@ ZRV_CONV(comn_chartobin);
   ZRV_CONV(comn_##source##toui8);                                                                  \
   ZRV_CONV(comn_##source##toflt4);                                                                 \
   ZRV_CONV(comn_##source##toflt8);                                                                 \
+  ZRV_CONV(comn_##source##tonum);                                                                  \
   ZRV_CONV(comn_##source##tochar);                                                                 \
   ZRV_CONV(comn_##source##tobin);                                                                  \
   ZRV_CONV(comn_##source##tovarchar);                                                              \
@@ -531,6 +538,43 @@ ZRV_INTEGER_CONVS(i8);
 ZRV_INTEGER_CONVS(ui2);
 ZRV_INTEGER_CONVS(ui4);
 ZRV_INTEGER_CONVS(ui8);
+
+/*
+ * From numerics (16 and 17 alike). CS_CONV_DOMAIN: the source has a precision outside 1 to 77 or a
+ * scale above 77; nothing is stored, but `*destlen` for fixed destinations.
+ *
+ * to integers   truncated toward zero. Outside the range the nearest value is stored, with
+ *               CS_CONV_OVERFLOW, but CS_CONV_UNDERFLOW below ui2, ui4, ui8 and i8. The types up to
+ *               32 bits test the closest double, fraction included: 255.5 is above i1, and -0.5 is
+ *               below every unsigned type.
+ * to bit        1 for any source but zero.
+ * to floats     the closest double, and for flt4 its closest single; at the largest single and
+ *               beyond, that one, and CS_CONV_OVERFLOW.
+ * to numeric    destfmt->precision and scale are the shape, CS_DFMT_FROMSOURCE keeps that of the
+ *               source. Digits are dropped without rounding: CS_CONV_TRUNCATED, the rest is stored.
+ *               CS_CONV_OVERFLOW beyond the precision, and where the digits of the source before
+ * the change of scale do not fit the new length. CS_CONV_BADPRECISION, CS_CONV_BADSCALE (outside 0
+ * to 77). `*destlen` is the length of the precision plus 2. `dest` may be the source. to text all
+ * digits of the scale, and a zero before a point that would come first; 80 bytes hold every value.
+ * Text that does not fit is cut: CS_CONV_OVERFLOW. Padding as `format` asks. to varchar    the same
+ * text, no terminator; `*destlen` is 258. to binary     the 33 bytes of the array, without the
+ * shape (comn_fixedtobin, comn_fixedtovarbin).
+ */
+ZRV_CONV(comn_numtobit);
+ZRV_CONV(comn_numtoi1);
+ZRV_CONV(comn_numtoi2);
+ZRV_CONV(comn_numtoi4);
+ZRV_CONV(comn_numtoi8);
+ZRV_CONV(comn_numtoui2);
+ZRV_CONV(comn_numtoui4);
+ZRV_CONV(comn_numtoui8);
+ZRV_CONV(comn_numtoflt4);
+ZRV_CONV(comn_numtoflt8);
+ZRV_CONV(comn_numtonum);
+ZRV_CONV(comn_numtochar);
+ZRV_CONV(comn_numtobin);
+ZRV_CONV(comn_numtovarchar);
+ZRV_CONV(comn_numtovarbin);
 
 ZRV_END_DECLS
 

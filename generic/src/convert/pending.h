@@ -34,9 +34,8 @@ namespace comn::pending {
   COMN_PENDING(source##tomoney)                                                                    \
   COMN_PENDING(source##tomny4)
 
-// The members of the integers that come with numerics, money and 16-bit text.
+// The members of the integers that come with money and 16-bit text.
 #define COMN_PENDING_INTEGER(source)                                                               \
-  COMN_PENDING(source##tonum)                                                                      \
   COMN_PENDING(source##tomoney)                                                                    \
   COMN_PENDING(source##tomny4)                                                                     \
   COMN_PENDING(source##tounichar)
@@ -53,11 +52,13 @@ COMN_PENDING_VALUES(flt4)
 COMN_PENDING_VALUES(flt8)
 COMN_PENDING_VALUES(money)
 COMN_PENDING_VALUES(mny4)
-COMN_PENDING_VALUES(num)
 COMN_PENDING_VALUES(varchar)
 COMN_PENDING_VALUES(bin)
 COMN_PENDING_VALUES(varbin)
 COMN_PENDING_VALUES(unichar)
+
+// The members of the numerics that come with money and 16-bit text.
+COMN_PENDING_INTEGER(num)
 
 // A bit does not convert to money.
 COMN_PENDING(bittochar)

@@ -2,10 +2,15 @@
 #ifndef COMN_EXACT_DIGITS_H
 #define COMN_EXACT_DIGITS_H
 
-#include "decimal_digits.h"
+#include "decimal_text.h"
 #include "limbs.h"
 
 namespace comn::exact {
+
+inline void write_eight(char *dest, uint32_t value) noexcept {
+  const uint64_t text = text_of_eight(value);
+  std::memcpy(dest, &text, sizeof text);
+}
 
 // Writes the digits of a trimmed number, which is used up, so that they end in front of `end`;
 // nothing for zero. Returns their start.
@@ -14,27 +19,26 @@ inline char *write_number(char *end, Limb *limbs, int size) noexcept {
   while (size > 1) {
     Limb rest = divide_limb(limbs, size, chunk);
     size = trim(limbs, size);
-    end -= limb_digits;
-    if constexpr (limb_digits == 19) {
-      constexpr uint64_t eight_digits = 100000000;
-      write_eight_digits(end + 11, static_cast<uint32_t>(rest % eight_digits));
-      rest /= eight_digits;
-      write_eight_digits(end + 3, static_cast<uint32_t>(rest % eight_digits));
-      const auto top = static_cast<uint32_t>(rest / eight_digits);
-      end[0] = static_cast<char>('0' + top / 100);
-      write_pair(end + 1, top % 100);
-    } else {
-      constexpr uint32_t eight_digits = 100000000;
-      write_eight_digits(end + 1, static_cast<uint32_t>(rest) % eight_digits);
-      end[0] = static_cast<char>('0' + static_cast<uint32_t>(rest) / eight_digits);
-    }
+    char *const start = end - limb_digits;
+    for (end -= group_digits; end > start; end -= group_digits, rest /= group_base)
+      write_eight(end, static_cast<uint32_t>(rest % group_base));
+    char leading[group_digits];
+    write_eight(leading, static_cast<uint32_t>(rest));
+    const auto places = static_cast<size_t>(end + group_digits - start);
+    std::memcpy(start, leading + group_digits - places, places);
+    end = start;
   }
   if (size == 1) {
-    const int digits = count_digits(limbs[0]);
-    end -= digits;
-    write_digits(end, limbs[0], digits);
+    const DecimalDigits digits(limbs[0]);
+    end -= digits.count();
+    digits.write(end);
   }
   return end;
+}
+
+// 10^exponent as a limb, exponent 0 to limb_digits.
+constexpr Limb limb_power(int exponent) noexcept {
+  return power_of_ten(exponent).limbs[0];
 }
 
 inline bool is_digit(char c) noexcept {

@@ -80,16 +80,15 @@ public:
   void add_digits(Limb value, int count) noexcept {
     if (pending_digits + count > exact::limb_digits)
       flush();
-    pending = pending * static_cast<Limb>(comn::powers_of_ten.rows[count]) + value;
+    pending = pending * exact::limb_power(count) + value;
     pending_digits += count;
   }
 
   // False when the magnitude has run out of its room.
   bool flush() noexcept {
     if (pending_digits > 0) {
-      const Limb carry =
-          exact::multiply_add(number.limbs, number.size,
-                              static_cast<Limb>(comn::powers_of_ten.rows[pending_digits]), pending);
+      const Limb carry = exact::multiply_add(number.limbs, number.size,
+                                             exact::limb_power(pending_digits), pending);
       if (carry != 0)
         number.limbs[number.size++] = carry;
       pending = 0;

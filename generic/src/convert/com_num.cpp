@@ -1,0 +1,251 @@
+// Conversions from CS_NUMERIC.
+//
+// Integers up to 32 bits and bit go through the closest double, whose limits and truncation callers
+// know; the 64-bit ones are exact. Text is written from the digits at once, with the point in its
+// place.
+#include <algorithm>
+#include <limits>
+
+#include "conv_func.h"
+#include "number.h"
+#include "pad.h"
+#include "value_text.h"
+
+namespace exact = comn::exact;
+using comn::store;
+
+namespace {
+
+constexpr comn::TypeSet numeric_types{CS_TYPE_NUMERIC, CS_TYPE_DECIMAL};
+
+bool is_numeric(const CS_DATAFMT *format) noexcept {
+  return numeric_types.contains(format->datatype);
+}
+
+const CS_NUMERIC &value_at(const CS_VOID *src) noexcept {
+  static_assert(alignof(CS_NUMERIC) == 1);
+  return *static_cast<const CS_NUMERIC *>(src);
+}
+
+__CONSTANT describe(const CS_NUMERIC &value) noexcept {
+  __CONSTANT result{};
+  result.len = Com__Nume_Prec_To_Len[value.precision];
+  result.prec = value.precision;
+  result.scale = value.scale;
+  result.value = const_cast<CS_BYTE *>(value.array);
+  return result;
+}
+
+int to_double(const CS_NUMERIC &value, CS_FLOAT &result) noexcept {
+  __CONSTANT descriptor = describe(value);
+  return com__subexctnumetoflt8(&descriptor, &result);
+}
+
+exact::ValueText text_of(const CS_NUMERIC &value) noexcept {
+  exact::Limb limbs[exact::value_limbs];
+  const int size = exact::load_value(limbs, value, exact::magnitude_bytes(value.precision));
+  return {limbs, exact::trim(limbs, size), value.scale, value.array[0] != 0};
+}
+
+// Integers whose limits are tested as doubles. Below the range is an overflow of the signed types
+// and of tinyint, and an underflow of the other unsigned ones; callers can see the difference.
+template <class Integer, CS_INT Code, CS_RETCODE Below, class Where>
+CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == Code);
+  using Bounds = std::numeric_limits<Integer>;
+  *destlen = sizeof(Integer);
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  CS_FLOAT number;
+  if (to_double(value, number) != NUME_OK)
+    return CS_CONV_OVERFLOW;
+  if (number < static_cast<CS_FLOAT>(Bounds::min())) {
+    store(dest, Bounds::min());
+    return Below;
+  }
+  if (number > static_cast<CS_FLOAT>(Bounds::max())) {
+    store(dest, Bounds::max());
+    return CS_CONV_OVERFLOW;
+  }
+  store(dest, static_cast<Integer>(number));
+  return CS_SUCCEED;
+}
+
+template <class Integer, CS_INT Code, int (*Convert)(__CONSTANT *, Integer *), class Where>
+CS_RETCODE to_long_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == Code);
+  *destlen = sizeof(Integer);
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  __CONSTANT descriptor = describe(value);
+  Integer number = 0;
+  const int status = Convert(&descriptor, &number);
+  store(dest, number);
+  if (status == NUME_OVERFLOW)
+    return CS_CONV_OVERFLOW;
+  if (status == NUME_UNDERFLOW)
+    return CS_CONV_UNDERFLOW;
+  if (status != NUME_OK) [[unlikely]]
+    return comn::raise_bomb(where);
+  return CS_SUCCEED;
+}
+
+} // namespace
+
+#define COMN_NUMERIC_MEMBER(destination, ...)                                                      \
+  CS_RETCODE comn_numto##destination(COMN_CONV_PARAMETERS) noexcept {                              \
+    return __VA_ARGS__(COMN_CONV_ARGUMENTS, COMN_HERE);                                            \
+  }
+
+COMN_NUMERIC_MEMBER(i1, to_integer<CS_TINYINT, CS_TYPE_TINYINT, CS_CONV_OVERFLOW>)
+COMN_NUMERIC_MEMBER(i2, to_integer<CS_SMALLINT, CS_TYPE_SMALLINT, CS_CONV_OVERFLOW>)
+COMN_NUMERIC_MEMBER(i4, to_integer<CS_INT, CS_TYPE_INT, CS_CONV_OVERFLOW>)
+COMN_NUMERIC_MEMBER(ui2, to_integer<CS_USMALLINT, CS_TYPE_USMALLINT, CS_CONV_UNDERFLOW>)
+COMN_NUMERIC_MEMBER(ui4, to_integer<CS_UINT, CS_TYPE_UINT, CS_CONV_UNDERFLOW>)
+COMN_NUMERIC_MEMBER(i8, to_long_integer<CS_BIGINT, CS_TYPE_BIGINT, com__subexctnumetolonglong>)
+COMN_NUMERIC_MEMBER(ui8, to_long_integer<CS_UBIGINT, CS_TYPE_UBIGINT, com__subexctnumetoulonglong>)
+
+CS_RETCODE comn_numtobit(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_BIT);
+  *destlen = sizeof(CS_BIT);
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  CS_FLOAT number;
+  if (to_double(value, number) != NUME_OK)
+    return CS_CONV_OVERFLOW;
+  store(dest, static_cast<CS_BIT>(number != 0.0));
+  return CS_SUCCEED;
+}
+
+CS_RETCODE comn_numtoflt8(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_FLOAT);
+  *destlen = sizeof(CS_FLOAT);
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  CS_FLOAT number;
+  if (to_double(value, number) != NUME_OK)
+    return CS_CONV_OVERFLOW;
+  store(dest, number);
+  return CS_SUCCEED;
+}
+
+CS_RETCODE comn_numtoflt4(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_REAL);
+  using Bounds = std::numeric_limits<CS_REAL>;
+  *destlen = sizeof(CS_REAL);
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  CS_FLOAT number;
+  if (to_double(value, number) != NUME_OK)
+    return CS_CONV_OVERFLOW;
+  // Deliberate: the limits themselves are out of range.
+  if (number >= CS_FLOAT{Bounds::max()}) {
+    store(dest, Bounds::max());
+    return CS_CONV_OVERFLOW;
+  }
+  if (number <= CS_FLOAT{Bounds::lowest()}) {
+    store(dest, Bounds::lowest());
+    return CS_CONV_OVERFLOW;
+  }
+  store(dest, static_cast<CS_REAL>(number));
+  return CS_SUCCEED;
+}
+
+CS_RETCODE comn_numtonum(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), is_numeric(destfmt));
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  const CS_INT precision =
+      destfmt->precision == CS_DFMT_FROMSOURCE ? value.precision : destfmt->precision;
+  if (precision < CS_MIN_PREC || precision > CS_MAX_PREC)
+    return CS_CONV_BADPRECISION;
+  const CS_INT scale = destfmt->scale == CS_DFMT_FROMSOURCE ? value.scale : destfmt->scale;
+  if (scale < CS_MIN_SCALE || scale > CS_MAX_SCALE)
+    return CS_CONV_BADSCALE;
+
+  exact::Number number;
+  number.size = exact::load_value(number.limbs, value, exact::magnitude_bytes(value.precision));
+  number.size = exact::trim(number.limbs, number.size);
+  const CS_BYTE sign = value.array[0];
+  const int shift = scale - value.scale;
+  auto *const result = static_cast<CS_NUMERIC *>(dest);
+  result->precision = static_cast<CS_BYTE>(precision);
+  result->scale = static_cast<CS_BYTE>(scale);
+  __CONSTANT descriptor = describe(*result);
+  *destlen = descriptor.len + static_cast<CS_INT>(offsetof(CS_NUMERIC, array));
+
+  // The number is moved before it is shifted, so it must fit the new length as it stands.
+  const int bytes = descriptor.len - 1;
+  if (exact::store_number(descriptor, number, sign != 0) != NUME_OK)
+    return CS_CONV_OVERFLOW;
+  int status = NUME_OK;
+  if (shift != 0) {
+    status = exact::shift_number(number, shift, bytes, precision);
+    if (status == NUME_OVERFLOW)
+      return CS_CONV_OVERFLOW;
+    exact::store_number(descriptor, number, sign != 0);
+    if (status == NUME_TRUNCATED)
+      return CS_CONV_TRUNCATED;
+  } else {
+    result->array[0] = sign;
+  }
+  return exact::reaches_power(number.limbs, number.size, precision) ? CS_CONV_OVERFLOW : CS_SUCCEED;
+}
+
+CS_RETCODE comn_numtochar(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), comn::text_types.contains(destfmt->datatype));
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  const exact::ValueText text = text_of(value);
+  const CS_INT length = text.length();
+  const CS_INT capacity = destfmt->maxlength;
+  const CS_INT format = destfmt->format;
+  if (capacity >= length) [[likely]] {
+    text.write(static_cast<CS_CHAR *>(dest));
+    *destlen = length;
+    if ((format & comn::pad_bits) == 0)
+      return CS_SUCCEED;
+  } else {
+    CS_CHAR whole[exact::longest_text];
+    text.write(whole);
+    *destlen = std::max(capacity, 0);
+    std::memcpy(dest, whole, static_cast<size_t>(*destlen));
+  }
+  return comn::pad_text(length, format, capacity, dest, destlen);
+}
+
+CS_RETCODE comn_numtovarchar(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_VARCHAR);
+  *destlen = sizeof(CS_VARCHAR);
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  const exact::ValueText text = text_of(value);
+  auto *const record = static_cast<CS_CHAR *>(dest);
+  text.write(record + offsetof(CS_VARCHAR, str));
+  store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(text.length()));
+  return CS_SUCCEED;
+}
+
+CS_RETCODE comn_numtobin(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), comn::binary_types.contains(destfmt->datatype));
+  if (!exact::is_valid(value_at(src))) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  src = static_cast<CS_BYTE *>(src) + offsetof(CS_NUMERIC, array);
+  return comn_fixedtobin(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
+}
+
+CS_RETCODE comn_numtovarbin(COMN_CONV_PARAMETERS) noexcept {
+  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_VARBINARY);
+  if (!exact::is_valid(value_at(src))) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  src = static_cast<CS_BYTE *>(src) + offsetof(CS_NUMERIC, array);
+  return comn_fixedtovarbin(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
+}

@@ -1,0 +1,81 @@
+// What the units of the memory manager share: the pool word, the addresses in raw memory, the lock.
+#ifndef COMN_INFRA_COMMMGR_H
+#define COMN_INFRA_COMMMGR_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "mmpriv.h"
+
+namespace comn::pool {
+
+// Every header is one pool word, and every length in a region a multiple of it.
+constexpr CS_UINT word = sizeof(void *);
+
+// Where the first block of a region begins, and the length of a region that has no room for it.
+constexpr CS_UINT region_overhead = sizeof(MmHeap);
+
+// A request above this is out of reach: lengths of regions are signed, and everything that is added
+// to a request on its way to the break function has room above it.
+constexpr CS_UINT largest_request = 0x7FFFFFFFU - 256;
+
+static_assert(offsetof(MmList, link) == word);
+static_assert(offsetof(MmHeap, buffer) + word == sizeof(MmHeap));
+static_assert(offsetof(MmBlock, block) == word);
+static_assert(offsetof(MmDList, next) == word);
+static_assert(sizeof(MmDList) <= 4 * word);
+static_assert(sizeof(void *) != 4 || (sizeof(MmHeap) == 20 && sizeof(MmPoolHead) == 48 &&
+                                      sizeof(MM_HANDLE) == 108 && sizeof(MmBuddyPool) == 72));
+
+constexpr CS_UINT round_up(CS_UINT size) noexcept {
+  return ((size - 1) & ~(word - 1)) + word;
+}
+
+constexpr CS_UINT round_down(CS_UINT size) noexcept {
+  return size & ~(word - 1);
+}
+
+inline char *bytes(void *address) noexcept {
+  return static_cast<char *>(address);
+}
+
+// The record of type T that lies `offset` bytes from `address`.
+template <class T>
+T *at(void *address, std::ptrdiff_t offset) noexcept {
+  return static_cast<T *>(static_cast<void *>(bytes(address) + offset));
+}
+
+// A payload begins one word behind its header.
+inline void *payload_of(void *header) noexcept {
+  return bytes(header) + word;
+}
+template <class T>
+T *header_of(void *payload) noexcept {
+  return at<T>(payload, -static_cast<std::ptrdiff_t>(word));
+}
+
+inline bool is_aligned(const void *address) noexcept {
+  return reinterpret_cast<std::uintptr_t>(address) % word == 0;
+}
+
+inline CS_RETCODE lock(MM_HANDLE *mmh) noexcept {
+  MmPoolHead *const head = mmh->mmh_head;
+  if (head->mph_lock == nullptr || head->mph_unlock == nullptr ||
+      (head->mph_status & MM_ST_DROPPING) != 0)
+    return CS_SUCCEED;
+  return head->mph_lock(mmh, head->mph_lockarg);
+}
+
+inline void unlock(MM_HANDLE *mmh) noexcept {
+  MmPoolHead *const head = mmh->mmh_head;
+  if (head->mph_lock != nullptr && head->mph_unlock != nullptr)
+    head->mph_unlock(mmh, head->mph_lockarg);
+}
+
+inline bool is_ready(const MM_HANDLE *mmh) noexcept {
+  return (mmh->mmh_status & MM_ST_READY) != 0;
+}
+
+} // namespace comn::pool
+
+#endif

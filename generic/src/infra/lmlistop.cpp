@@ -1,0 +1,217 @@
+// The operations on lists: the dispatch on the kind, and the kinds built on the linked list.
+#include "checks.h"
+#include "lmlist.h"
+
+using namespace comn::list;
+
+namespace {
+
+// ---- the linked list ----
+
+// Links a node at a position relative to the cursor. The position is one that exists.
+void link(DLinkInfo *info, DLinkNode *node, DLinkNode *cursor, CS_INT position) noexcept {
+  DLinkNode *before = nullptr;
+  DLinkNode *behind = nullptr;
+  if (info->head == nullptr) {
+    // The first entry: any position will do.
+  } else if (position == LM_OP_FIRST) {
+    behind = info->head;
+  } else if (position == LM_OP_LAST) {
+    before = info->tail;
+  } else if (position == LM_POS_BEFORE) {
+    behind = cursor;
+    before = cursor->previous;
+  } else {
+    before = cursor;
+    behind = cursor->next;
+  }
+  node->previous = before;
+  node->next = behind;
+  (before != nullptr ? before->next : info->head) = node;
+  (behind != nullptr ? behind->previous : info->tail) = node;
+}
+
+bool is_position(CS_INT position, const DLinkNode *cursor) noexcept {
+  if (position == LM_POS_BEFORE || position == LM_POS_AFTER)
+    return cursor != nullptr;
+  return position == LM_OP_FIRST || position == LM_OP_LAST;
+}
+
+CS_RETCODE insert(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor, CS_INT position,
+                  CS_VOID *data) noexcept {
+  const bool was_empty = info->head == nullptr;
+  COMN_CHECK(was_empty || is_position(position, cursor), CS_FAIL);
+  DLinkNode *node = nullptr;
+  const CS_RETCODE result = lm__get_dlinknode(handle, &node);
+  if (result != CS_SUCCEED)
+    return result;
+  node->data = data;
+  link(info, node, cursor, position);
+  node->state = LM_INSERTED;
+  ++handle->hdlprop->handle_load;
+  cursor = node;
+  if (was_empty)
+    handle->cur_ptr = node;
+  return CS_SUCCEED;
+}
+
+CS_RETCODE remove(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor) noexcept {
+  COMN_CHECK(cursor != nullptr && handle->hdlprop->handle_load > 0, CS_FAIL);
+  DLinkNode *const node = cursor;
+  DLinkNode *const before = node->previous;
+  DLinkNode *const behind = node->next;
+  (before != nullptr ? before->next : info->head) = behind;
+  (behind != nullptr ? behind->previous : info->tail) = before;
+  // At the head the successor follows, anywhere else the predecessor.
+  cursor = before != nullptr ? before : behind;
+  // The list's own cursor never points at what is gone.
+  if (handle->cur_ptr == node)
+    handle->cur_ptr = cursor;
+  --handle->hdlprop->handle_load;
+  lm__free_dlinknode(handle, node);
+  return CS_SUCCEED;
+}
+
+CS_RETCODE walk(LM_HANDLE *handle, const DLinkInfo *info, CS_INT operation,
+                const CS_VOID *data_in) noexcept {
+  const CS_PRINT_FUNC function = walk_function(handle, operation, data_in);
+  if (function == nullptr)
+    return CS_FAIL;
+  for (const DLinkNode *node = info->head; node != nullptr;) {
+    const DLinkNode *const next = node->next;
+    if (function(node->data) == CS_FAIL)
+      return CS_FAIL;
+    node = next;
+  }
+  return CS_SUCCEED;
+}
+
+CS_RETCODE dlink_act(LM_HANDLE *handle, CS_INT operation, DLinkNode *&cursor, CS_INT position,
+                     CS_VOID *data_in) noexcept {
+  auto *const info = static_cast<DLinkInfo *>(handle->list_state);
+  switch (operation) {
+  case LM_OP_INSERT:
+    return insert(handle, info, cursor, position, data_in);
+  case LM_OP_DELETE:
+    return remove(handle, info, cursor);
+  case LM_OP_REPLACE:
+    if (cursor == nullptr)
+      return CS_FAIL;
+    cursor->data = data_in;
+    return CS_SUCCEED;
+  case LM_OP_NEXT:
+  case LM_OP_PREV: {
+    DLinkNode *next = nullptr;
+    if (cursor != nullptr)
+      next = operation == LM_OP_NEXT ? cursor->next : cursor->previous;
+    if (next == nullptr)
+      return CS_FAIL;
+    cursor = next;
+    return CS_SUCCEED;
+  }
+  case LM_OP_CURRENT:
+    return CS_SUCCEED;
+  case LM_OP_FIRST:
+    cursor = info->head;
+    return CS_SUCCEED;
+  case LM_OP_LAST:
+    cursor = info->tail;
+    return CS_SUCCEED;
+  case LM_OP_PRINT: {
+    const CS_PRINT_FUNC function = handle->hdlprop->print_func;
+    if (function == nullptr || cursor == nullptr)
+      return CS_FAIL;
+    return function(cursor->data) == CS_FAIL ? CS_FAIL : CS_SUCCEED;
+  }
+  case LM_OP_PRINTALL:
+  case LM_OP_APPLY:
+    return walk(handle, info, operation, data_in);
+  default: // LM_OP_SEARCH too: there are no keys
+    comn::raise_bomb(COMN_HERE);
+    return CS_FAIL;
+  }
+}
+
+// ---- queue and stack: the linked list under its own cursor ----
+
+// Deletes the head. The data that is delivered is that of the new head.
+CS_RETCODE delete_head(LM_HANDLE *handle, CS_VOID **data_out) noexcept {
+  const DLinkNode *const head = static_cast<DLinkInfo *>(handle->list_state)->head;
+  const DLinkNode *const successor = head != nullptr ? head->next : nullptr;
+  const CS_RETCODE found = dlink_op(handle, LM_OP_FIRST, nullptr, 0, nullptr, nullptr);
+  if (found != CS_SUCCEED)
+    return found;
+  const CS_RETCODE deleted = dlink_op(handle, LM_OP_DELETE, nullptr, 0, nullptr, data_out);
+  if (deleted != CS_SUCCEED)
+    return deleted;
+  COMN_CHECK(handle->cur_ptr == successor, CS_FAIL);
+  return CS_SUCCEED;
+}
+
+// The two differ in the end at which they insert, and in what CURRENT means.
+CS_RETCODE ended_op(LM_HANDLE *handle, CS_INT operation, CS_INT insert_at, CS_INT current,
+                    CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  switch (operation) {
+  case LM_OP_INSERT:
+    return dlink_op(handle, LM_OP_INSERT, nullptr, insert_at, data_in, data_out);
+  case LM_OP_DELETE:
+    return delete_head(handle, data_out);
+  case LM_OP_CURRENT:
+    return dlink_op(handle, current, nullptr, 0, nullptr, data_out);
+  case LM_OP_PRINT:
+  case LM_OP_PRINTALL:
+  case LM_OP_APPLY:
+    return dlink_op(handle, operation, nullptr, 0, data_in, data_out);
+  default:
+    comn::raise_bomb(COMN_HERE);
+    return CS_FAIL;
+  }
+}
+
+} // namespace
+
+CS_RETCODE comn::list::dlink_op(LM_HANDLE *handle, CS_INT operation, DLinkNode **key,
+                                CS_INT position, CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  DLinkNode *cursor =
+      key != nullptr && *key != nullptr ? *key : static_cast<DLinkNode *>(handle->cur_ptr);
+  COMN_CHECK(cursor == nullptr || cursor->state == LM_INSERTED, CS_FAIL);
+  const CS_RETCODE result = dlink_act(handle, operation, cursor, position, data_in);
+  if (result != CS_SUCCEED)
+    return result;
+  if (key != nullptr)
+    *key = cursor;
+  else
+    handle->cur_ptr = cursor;
+  if (data_out != nullptr)
+    *data_out = cursor != nullptr ? cursor->data : nullptr;
+  return CS_SUCCEED;
+}
+
+CS_RETCODE lm_list_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                      CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  if (handle == nullptr)
+    return COMN_TRACE(CS_FAIL);
+  COMN_CHECK(handle->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(handle->hdlprop, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(handle->hdlprop->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(handle->list_state, COMN_TRACE(CS_FAIL));
+  switch (handle->hdlprop->list_type) {
+  case LM_DLINK:
+    return COMN_TRACE(
+        dlink_op(handle, operation, static_cast<DLinkNode **>(key), key_size, data_in, data_out));
+  case LM_CHASH:
+    return COMN_TRACE(chash_op(handle, operation, key, key_size, data_in, data_out));
+  case LM_DHASH:
+    return COMN_TRACE(dhash_op(handle, operation, key, key_size, data_in, data_out));
+  case LM_QUEUE:
+    return COMN_TRACE(ended_op(handle, operation, LM_OP_LAST, LM_OP_FIRST, data_in, data_out));
+  case LM_STACK:
+    // Deliberate: a stack's caller passes the address of a variable that holds the address of the
+    // place for the result.
+    return COMN_TRACE(ended_op(handle, operation, LM_OP_FIRST, LM_OP_CURRENT, data_in,
+                               data_out != nullptr ? static_cast<CS_VOID **>(*data_out) : nullptr));
+  default:
+    comn::raise_bomb(COMN_HERE);
+    return COMN_TRACE(CS_FAIL);
+  }
+}

@@ -1,0 +1,368 @@
+// The operations on the two hash tables.
+#include "checks.h"
+#include "lmlist.h"
+
+using namespace comn::list;
+
+namespace {
+
+bool is_same(const void *a, const void *b, CS_INT size) noexcept {
+  return size == 0 || std::memcmp(a, b, static_cast<size_t>(size)) == 0;
+}
+
+// True when an operation is told which entry it means.
+bool names_entry(const CS_VOID *key, CS_INT key_size) noexcept {
+  return key != nullptr && key_size != CS_UNUSED;
+}
+
+DLinkNode *current(const LM_HANDLE *handle) noexcept {
+  return static_cast<DLinkNode *>(handle->cur_ptr);
+}
+
+void deliver_current(const LM_HANDLE *handle, CS_VOID **data_out) noexcept {
+  if (data_out != nullptr)
+    *data_out = handle->cur_ptr != nullptr ? current(handle)->data : nullptr;
+}
+
+void fill(DLinkNode *node, CS_VOID *key, CS_INT key_size, CS_VOID *data) noexcept {
+  node->key = key;
+  node->key_size = key_size;
+  node->data = data;
+  node->state = LM_SET;
+}
+
+// ---- the chained table ----
+
+CS_RETCODE home_of(const CHashInfo *info, CS_VOID *key, CS_INT key_size, CS_UINT &home) noexcept {
+  return info->home_addr_hfunc(static_cast<CS_CHAR *>(key), key_size, info->table_size, &home);
+}
+
+// The chain of a bucket. A head that was deleted without its key still stands there, unset; it goes
+// now that the bucket is used again.
+DLinkNode *chain(LM_HANDLE *handle, CHashInfo *info, CS_UINT home) noexcept {
+  DLinkNode *const head = info->table[home];
+  if (head == nullptr || head->state == LM_SET) [[likely]]
+    return head;
+  info->table[home] = head->next;
+  lm__free_dlinknode(handle, head);
+  return info->table[home];
+}
+
+CS_RETCODE chash_search(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT key_size,
+                        CS_UINT &home) noexcept {
+  const CS_RETCODE result = home_of(info, key, key_size, home);
+  if (result != CS_SUCCEED)
+    return result;
+  for (DLinkNode *node = chain(handle, info, home); node != nullptr; node = node->next) {
+    if (node->key_size == key_size && is_same(node->key, key, key_size)) {
+      handle->cur_ptr = node;
+      return CS_SUCCEED;
+    }
+  }
+  return LM_NOT_FOUND;
+}
+
+CS_RETCODE chash_insert(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT key_size,
+                        CS_VOID *data) noexcept {
+  CS_UINT home = 0;
+  const CS_RETCODE hashed = home_of(info, key, key_size, home);
+  if (hashed != CS_SUCCEED)
+    return hashed;
+  DLinkNode *const head = chain(handle, info, home);
+  DLinkNode *node = nullptr;
+  const CS_RETCODE result = lm__get_dlinknode(handle, &node);
+  if (result != CS_SUCCEED)
+    return result;
+  fill(node, key, key_size, data);
+  node->previous = nullptr;
+  node->next = head;
+  if (head != nullptr)
+    head->previous = node;
+  info->table[home] = node;
+  handle->cur_ptr = node;
+  ++handle->hdlprop->handle_load;
+  return CS_SUCCEED;
+}
+
+// `home` is the bucket that the search went to, 0 without one.
+CS_RETCODE chash_delete(LM_HANDLE *handle, CHashInfo *info, CS_UINT home) noexcept {
+  DLinkNode *const node = current(handle);
+  COMN_CHECK(handle->hdlprop->handle_load > 0, CS_FAIL);
+  COMN_CHECK(node != nullptr && node->state == LM_SET, CS_FAIL);
+  DLinkNode *const before = node->previous;
+  DLinkNode *const behind = node->next;
+  if (before != nullptr)
+    before->next = behind;
+  if (behind != nullptr)
+    behind->previous = before;
+  handle->cur_ptr = before != nullptr ? before : behind;
+  --handle->hdlprop->handle_load;
+  if (info->table[home] == node) {
+    info->table[home] = current(handle);
+  } else if (before == nullptr) {
+    // Deliberate: without a key only bucket 0 is looked at, and the head of any other bucket stays
+    // in the table. So it must not be released yet; see chain().
+    node->key = nullptr;
+    node->key_size = 0;
+    node->data = nullptr;
+    node->state = LM_UNSET;
+    return CS_SUCCEED;
+  }
+  lm__free_dlinknode(handle, node);
+  return CS_SUCCEED;
+}
+
+CS_RETCODE chash_walk(LM_HANDLE *handle, CHashInfo *info, CS_INT operation,
+                      const CS_VOID *data_in) noexcept {
+  const CS_PRINT_FUNC function = walk_function(handle, operation, data_in);
+  if (function == nullptr)
+    return CS_FAIL;
+  const bool prints = operation == LM_OP_PRINTALL;
+  for (CS_INT i = 0; i < info->table_size; ++i) {
+    const DLinkNode *const head = chain(handle, info, static_cast<CS_UINT>(i));
+    if (head == nullptr) {
+      if (prints)
+        comn_debug_print("\n***Chain empty***\n");
+      continue;
+    }
+    if (prints) {
+      comn_debug_print("\nKeys:\n");
+      for (const DLinkNode *node = head; node != nullptr; node = node->next)
+        if (function(node->key) == CS_FAIL)
+          return CS_FAIL;
+      comn_debug_print("\nData:\n");
+    }
+    for (const DLinkNode *node = head; node != nullptr;) {
+      const DLinkNode *const next = node->next;
+      if (function(node->data) == CS_FAIL)
+        return CS_FAIL;
+      node = next;
+    }
+    if (prints)
+      comn_debug_print("\n");
+  }
+  return CS_SUCCEED;
+}
+
+CS_RETCODE chash_act(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                     CS_VOID *data_in) noexcept {
+  auto *const info = static_cast<CHashInfo *>(handle->list_state);
+  COMN_CHECK(info->state != LM_RELEASED, CS_FAIL);
+  CS_UINT home = 0;
+  switch (operation) {
+  case LM_OP_INSERT:
+    return chash_insert(handle, info, key, key_size, data_in);
+  case LM_OP_SEARCH:
+    return chash_search(handle, info, key, key_size, home);
+  case LM_OP_DELETE:
+  case LM_OP_REPLACE:
+  case LM_OP_PRINT:
+    break;
+  case LM_OP_PRINTALL:
+  case LM_OP_APPLY:
+    return chash_walk(handle, info, operation, data_in);
+  case LM_OP_CURRENT:
+    return CS_SUCCEED;
+  default:
+    comn::raise_bomb(COMN_HERE);
+    return CS_FAIL;
+  }
+
+  if (operation == LM_OP_PRINT && handle->hdlprop->print_func == nullptr)
+    return CS_FAIL;
+  if (names_entry(key, key_size)) {
+    const CS_RETCODE found = chash_search(handle, info, key, key_size, home);
+    if (found != CS_SUCCEED)
+      return found;
+  }
+  if (operation == LM_OP_DELETE)
+    return chash_delete(handle, info, home);
+  DLinkNode *const node = current(handle);
+  if (operation == LM_OP_REPLACE) {
+    if (node == nullptr)
+      return CS_FAIL;
+    node->data = data_in;
+    return CS_SUCCEED;
+  }
+  if (node == nullptr) {
+    comn_debug_print("\nNULL\n");
+    return CS_SUCCEED;
+  }
+  return handle->hdlprop->print_func(node->data) == CS_FAIL ? CS_FAIL : CS_SUCCEED;
+}
+
+// ---- the open-addressed table ----
+
+// The slots in the order of a probe: one after the other with wrap-around. The second hash function
+// only shifts the start.
+class Probe {
+public:
+  static CS_RETCODE start(const DHashInfo *info, CS_VOID *key, CS_INT key_size,
+                          Probe &probe) noexcept {
+    auto *const bytes = static_cast<CS_CHAR *>(key);
+    CS_UINT home = 0;
+    CS_UINT increment = 0;
+    CS_RETCODE result = info->home_addr_hfunc(bytes, key_size, info->table_size, &home);
+    if (result == CS_SUCCEED)
+      result = info->incr_hfunc(bytes, key_size, info->table_size, &increment);
+    const auto size = static_cast<CS_UINT>(info->table_size);
+    probe = {info->table, size, size != 0 ? (home + increment) % size : 0};
+    return result;
+  }
+
+  // The next slot's node; null when all have been seen.
+  DLinkNode *next() noexcept {
+    if (seen == size)
+      return nullptr;
+    ++seen;
+    DLinkNode *const node = table[slot];
+    slot = slot + 1 == size ? 0 : slot + 1;
+    return node;
+  }
+
+  Probe() = default;
+
+private:
+  Probe(DLinkNode **the_table, CS_UINT the_size, CS_UINT first) noexcept
+      : table(the_table), size(the_size), slot(first) {}
+
+  DLinkNode **table = nullptr;
+  CS_UINT size = 0;
+  CS_UINT slot = 0;
+  CS_UINT seen = 0;
+};
+
+CS_RETCODE dhash_insert(LM_HANDLE *handle, const DHashInfo *info, CS_VOID *key, CS_INT key_size,
+                        CS_VOID *data) noexcept {
+  Probe probe;
+  const CS_RETCODE hashed = Probe::start(info, key, key_size, probe);
+  if (hashed != CS_SUCCEED)
+    return hashed;
+  while (DLinkNode *const node = probe.next()) {
+    if (node->state == LM_SET)
+      continue;
+    fill(node, key, key_size, data);
+    node->previous = nullptr;
+    node->next = nullptr;
+    handle->cur_ptr = node;
+    ++handle->hdlprop->handle_load;
+    return CS_SUCCEED;
+  }
+  comn::raise_bomb(COMN_HERE); // the table is full
+  return CS_FAIL;
+}
+
+CS_RETCODE dhash_search(LM_HANDLE *handle, const DHashInfo *info, CS_VOID *key,
+                        CS_INT key_size) noexcept {
+  Probe probe;
+  const CS_RETCODE hashed = Probe::start(info, key, key_size, probe);
+  if (hashed != CS_SUCCEED)
+    return hashed;
+  // Slots that are not set do not end the probe: entries behind a deleted one must be found.
+  // Deliberate: as many bytes count as the search key has, so a prefix finds an entry. A stored key
+  // that is shorter cannot match, and its bytes must not be read past its end.
+  while (DLinkNode *const node = probe.next()) {
+    if (node->state == LM_SET && node->key_size >= key_size && is_same(node->key, key, key_size)) {
+      handle->cur_ptr = node;
+      return CS_SUCCEED;
+    }
+  }
+  return LM_NOT_FOUND;
+}
+
+CS_RETCODE dhash_delete(LM_HANDLE *handle) noexcept {
+  DLinkNode *const node = current(handle);
+  COMN_CHECK(node != nullptr && node->state == LM_SET, CS_FAIL);
+  --handle->hdlprop->handle_load;
+  node->key = nullptr;
+  node->key_size = 0;
+  node->data = nullptr;
+  node->state = LM_UNSET;
+  return CS_SUCCEED;
+}
+
+// Every slot is visited, those without an entry with their nulls.
+CS_RETCODE dhash_pass(const DHashInfo *info, CS_PRINT_FUNC function,
+                      CS_VOID *DLinkNode::*member) noexcept {
+  for (CS_INT i = 0; i < info->table_size; ++i)
+    if (function(info->table[i]->*member) == CS_FAIL)
+      return CS_FAIL;
+  return CS_SUCCEED;
+}
+
+CS_RETCODE dhash_walk(LM_HANDLE *handle, const DHashInfo *info, CS_INT operation,
+                      const CS_VOID *data_in) noexcept {
+  const CS_PRINT_FUNC function = walk_function(handle, operation, data_in);
+  if (function == nullptr)
+    return CS_FAIL;
+  if (operation == LM_OP_APPLY)
+    return dhash_pass(info, function, &DLinkNode::data);
+  comn_debug_print("Keys:\n");
+  const CS_RETCODE keys = dhash_pass(info, function, &DLinkNode::key);
+  comn_debug_print("\nData:\n");
+  const CS_RETCODE data = dhash_pass(info, function, &DLinkNode::data);
+  comn_debug_print("\n");
+  return keys == CS_SUCCEED ? data : keys;
+}
+
+CS_RETCODE dhash_act(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                     CS_VOID *data_in) noexcept {
+  const auto *const info = static_cast<DHashInfo *>(handle->list_state);
+  COMN_CHECK(info->state != LM_RELEASED, CS_FAIL);
+  switch (operation) {
+  case LM_OP_INSERT:
+    return dhash_insert(handle, info, key, key_size, data_in);
+  case LM_OP_SEARCH:
+    return dhash_search(handle, info, key, key_size);
+  case LM_OP_DELETE:
+  case LM_OP_REPLACE:
+  case LM_OP_PRINT:
+    break;
+  case LM_OP_PRINTALL:
+  case LM_OP_APPLY:
+    return dhash_walk(handle, info, operation, data_in);
+  case LM_OP_CURRENT:
+    return CS_SUCCEED;
+  default:
+    comn::raise_bomb(COMN_HERE);
+    return CS_FAIL;
+  }
+
+  if (operation == LM_OP_PRINT && handle->hdlprop->print_func == nullptr)
+    return CS_FAIL;
+  if (names_entry(key, key_size)) {
+    const CS_RETCODE found = dhash_search(handle, info, key, key_size);
+    if (found != CS_SUCCEED)
+      return found;
+  }
+  if (operation == LM_OP_DELETE)
+    return dhash_delete(handle);
+  DLinkNode *const node = current(handle);
+  if (operation == LM_OP_REPLACE) {
+    if (node == nullptr)
+      return CS_FAIL;
+    node->data = data_in;
+    return CS_SUCCEED;
+  }
+  // Unlike the chained table, this one needs an entry to print.
+  COMN_CHECK_PTR(node, CS_FAIL);
+  return handle->hdlprop->print_func(node->data) == CS_FAIL ? CS_FAIL : CS_SUCCEED;
+}
+
+} // namespace
+
+CS_RETCODE comn::list::chash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                                CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  const CS_RETCODE result = chash_act(handle, operation, key, key_size, data_in);
+  if (result == CS_SUCCEED)
+    deliver_current(handle, data_out);
+  return result;
+}
+
+CS_RETCODE comn::list::dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                                CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  const CS_RETCODE result = dhash_act(handle, operation, key, key_size, data_in);
+  if (result == CS_SUCCEED)
+    deliver_current(handle, data_out);
+  return result;
+}

@@ -77,13 +77,13 @@ typedef struct _mm_alloconly_pool {
   CS_UINT older_left; /* no chunk but the newest has more bytes left */
 } MmAllocOnlyPool;
 
-/* Bits of mmh_status and mph_status. */
-#define MM_ST_OWNED 0x01  /* the record came from the manager and goes through ctxfree */
-#define MM_ST_CALLER 0x02 /* the record lies in the caller's storage */
-#define MM_ST_READY 0x08  /* mmh_status: an allocation has succeeded; type and block size are set  \
-                           */
+/* Bits of mmh_status and mph_status. READY: an allocation has succeeded, so type and block size are
+ * fixed. DROPPING: on its way out, the lock is no longer taken. */
+#define MM_ST_OWNED 0x01    /* the record came from the manager and goes through ctxfree */
+#define MM_ST_CALLER 0x02   /* the record lies in the caller's storage */
+#define MM_ST_READY 0x08    /* mmh_status */
 #define MM_ST_OWNMUTEX 0x10 /* mph_status: the mutex is the context's, deleted at the drop */
-#define MM_ST_DROPPING 0x20 /* mph_status: on its way out, the lock is no longer taken */
+#define MM_ST_DROPPING 0x20 /* mph_status */
 
 /* One pool or sub-pool; 108 bytes. */
 struct _mmhandle {

@@ -17,7 +17,7 @@ namespace {
 constexpr CS_INT top_order = MM_BUDDY_ORDERS - 1;
 
 // A block of order 0 is four words: its header and two links, rounded up to a power of two.
-constexpr CS_INT order_shift = std::bit_width(4 * word) - 1;
+constexpr CS_INT order_shift = static_cast<CS_INT>(std::bit_width(4 * word)) - 1;
 constexpr CS_UINT smallest_request = 3 * word;
 
 // What one unit of the identity field stands for, and how it is aligned in the header.
@@ -33,7 +33,7 @@ constexpr CS_UINT block_words(CS_INT order) noexcept {
 
 // The order of the smallest block whose payload holds a request.
 constexpr CS_INT order_for(CS_UINT size) noexcept {
-  return std::bit_width(size + word - 1) - order_shift;
+  return static_cast<CS_INT>(std::bit_width(size + word - 1)) - order_shift;
 }
 static_assert(order_for(smallest_request) == 0 && order_for(smallest_request + 1) == 1);
 
@@ -95,7 +95,7 @@ void unlink(MmBuddyPool &pool, CS_INT order, MmDList *block) noexcept {
 void set_up(MM_HANDLE *mmh) noexcept {
   MmBuddyPool &pool = mmh->mmh_pool.af;
   const auto blocksize = static_cast<CS_UINT>(mmh->mmh_blocksize);
-  const CS_INT order = std::bit_width(blocksize - 1) - order_shift;
+  const CS_INT order = static_cast<CS_INT>(std::bit_width(blocksize - 1)) - order_shift;
   pool.bpmax = blocksize <= 1 || order < 0 ? 0 : order > top_order ? top_order : order;
   mmh->mmh_blocksize = static_cast<CS_INT>(block_bytes(pool.bpmax) + word);
   for (CS_INT i = 0; i <= top_order; ++i)

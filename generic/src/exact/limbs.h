@@ -141,6 +141,7 @@ inline int compare(const Limb *a, int a_size, const Limb *b, int b_size) noexcep
 // a + b of equal sizes; the carry out.
 inline Limb add(Limb *result, const Limb *a, const Limb *b, int size) noexcept {
   WideLimb carry = 0;
+#pragma GCC unroll 8
   for (int i = 0; i < size; ++i) {
     carry += static_cast<WideLimb>(a[i]) + b[i];
     result[i] = static_cast<Limb>(carry);
@@ -149,14 +150,25 @@ inline Limb add(Limb *result, const Limb *a, const Limb *b, int size) noexcept {
   return static_cast<Limb>(carry);
 }
 
-// a - b of equal sizes, a not below b.
-inline void subtract(Limb *result, const Limb *a, const Limb *b, int size) noexcept {
+// a - b of equal sizes; the borrow out, 0 or 1.
+inline Limb subtract(Limb *result, const Limb *a, const Limb *b, int size) noexcept {
   Limb borrow = 0;
+#pragma GCC unroll 8
   for (int i = 0; i < size; ++i) {
     const WideLimb difference = static_cast<WideLimb>(a[i]) - b[i] - borrow;
     result[i] = static_cast<Limb>(difference);
     borrow = static_cast<Limb>(difference >> limb_bits) & 1;
   }
+  return borrow;
+}
+
+// a < b, of equal sizes.
+inline bool is_below(const Limb *a, const Limb *b, int size) noexcept {
+  Limb borrow = 0;
+#pragma GCC unroll 8
+  for (int i = 0; i < size; ++i)
+    borrow = static_cast<Limb>((static_cast<WideLimb>(a[i]) - b[i] - borrow) >> limb_bits) & 1;
+  return borrow != 0;
 }
 
 // Multiplies by a limb and adds one, in place; the limb that runs out at the top.
@@ -319,7 +331,7 @@ Sizes divide(Limb *quotient, Limb *remainder, const Limb *dividend, int dividend
 constexpr int max_power = CS_MAX_PREC;
 
 struct Power {
-  Limb limbs[value_limbs];
+  Limb limbs[value_limbs]; // zeroes above the size
   int size;
 };
 

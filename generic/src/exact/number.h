@@ -48,25 +48,31 @@ inline int magnitude_bytes(int precision) noexcept {
 // The three bytes in front of a magnitude: precision, scale and sign.
 constexpr int header_bytes = offsetof(CS_NUMERIC, array) + 1;
 
-// Loads the magnitude of a valid value, limbs_for(bytes) limbs, not trimmed.
+// Loads a magnitude of `size` limbs, not trimmed, from a value with so many bytes of it.
 //
 // Limbs are read straight from the value, aligned with its end; the top one reaches into the
 // header, at most, and is masked. So no byte outside the meaningful part is read, and a value that
 // was stored the same way is read with the words that wrote it: building the top word byte by byte
 // in a buffer would stall on its own stores for longer than an addition takes.
-inline int load_value(Limb *limbs, const CS_NUMERIC &value, int bytes) noexcept {
+[[gnu::always_inline]] inline void load_limbs(Limb *limbs, int size, const CS_NUMERIC &value,
+                                              int bytes) noexcept {
   static_assert(header_bytes == 3);
-  const int size = limbs_for(bytes);
   const auto *end = reinterpret_cast<const CS_BYTE *>(&value) + header_bytes + bytes;
-  for (int i = 0; i < size - 1; ++i) {
-    end -= limb_bytes;
-    limbs[i] = load_limb(end);
-  }
+#pragma GCC unroll 8
+  for (int i = 0; i < size - 1; ++i)
+    limbs[i] = load_limb(end - (i + 1) * limb_bytes);
+  end -= (size - 1) * limb_bytes;
   const int top = bytes - (size - 1) * limb_bytes;
   if (limb_bytes == 4 || top <= 4)
     limbs[size - 1] = load_be32(end - 4) & UINT32_MAX >> (32 - 8 * top);
   else
     limbs[size - 1] = static_cast<Limb>(load_be64(end - 8) & UINT64_MAX >> (64 - 8 * top));
+}
+
+// The same for any size, which it returns.
+inline int load_value(Limb *limbs, const CS_NUMERIC &value, int bytes) noexcept {
+  const int size = limbs_for(bytes);
+  load_limbs(limbs, size, value, bytes);
   return size;
 }
 

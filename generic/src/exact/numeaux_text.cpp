@@ -75,6 +75,12 @@ class Accumulator {
 public:
   explicit Accumulator(int bytes) noexcept : room(bytes) { number.size = 0; }
 
+  void reset() noexcept {
+    number.size = 0;
+    pending = 0;
+    pending_digits = 0;
+  }
+
   void add_digit(int digit) noexcept { add_digits(static_cast<Limb>(digit), 1); }
 
   void add_digits(Limb value, int count) noexcept {
@@ -129,9 +135,16 @@ struct Scan {
   bool rounded_up = false;
 };
 
-// Scans the mantissa: NUME_OK, or why it ends the conversion.
-int scan_mantissa(const char *text, const char *end, const Request &request, Scan &scan,
-                  Accumulator &magnitude) noexcept {
+// What a plain scan answers where it would have to know whether there is an exponent.
+constexpr int not_plain = -1;
+
+// Scans the mantissa: NUME_OK, or why it ends the conversion. A plain scan is one that does not
+// know yet whether an exponent follows: it takes a sign, digits and a point to the very end of the
+// text, where that is all and every digit is stored.
+template <bool Plain>
+[[gnu::always_inline]] inline int scan_mantissa(const char *text, const char *end,
+                                                const Request &request, Scan &scan,
+                                                Accumulator &magnitude) noexcept {
   bool signed_already = false;
   for (; text < end; ++text) {
     if (*text == '+' || *text == '-') {
@@ -151,6 +164,8 @@ int scan_mantissa(const char *text, const char *end, const Request &request, Sca
         ++text;
         continue;
       }
+      if (Plain)
+        return not_plain;
       if (c == 'e' || c == 'E')
         break;
       if (is_space(c) && only_space(text, end))
@@ -182,14 +197,23 @@ int scan_mantissa(const char *text, const char *end, const Request &request, Sca
         magnitude.add_digits(exact::eight_digits_value(word), 8);
         text += 8;
       }
-      for (; text < stop && exact::is_digit(*text); ++text)
-        magnitude.add_digit(*text - '0');
+      // Fewer than eight are left.
+      Limb rest = 0;
+      const char *const rest_start = text;
+      for (; text < stop; ++text) {
+        const auto digit = static_cast<unsigned char>(*text - '0');
+        if (digit > 9)
+          break;
+        rest = rest * 10 + digit;
+      }
+      if (text != rest_start)
+        magnitude.add_digits(rest, static_cast<int>(text - rest_start));
       scan.significant += static_cast<int>(text - first);
     } else {
       for (; text < stop && exact::is_digit(*text); ++text) {
         magnitude.add_digit(*text - '0');
         if (++scan.significant > exact::max_power && !magnitude.flush())
-          return NUME_OVERFLOW;
+          return Plain ? not_plain : NUME_OVERFLOW;
       }
     }
     scan.stored += text - start;
@@ -199,6 +223,8 @@ int scan_mantissa(const char *text, const char *end, const Request &request, Sca
       continue;
 
     // A digit that cannot be stored.
+    if (Plain)
+      return not_plain;
     if (!request.may_drop)
       return NUME_TRUNCATED;
     if (*text >= '5' && scan.fraction == request.target) {
@@ -235,24 +261,30 @@ int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *de
   const CS_INT length = *destlen;
   if (length < 2 || length - 2 >= static_cast<CS_INT>(sizeof Com__Nume_Len_To_Prec))
     return NUME_OVERFLOW;
-  // Written in full below, or left cleared.
   CS_BYTE *const field = *dest;
-  std::memset(field, 0, static_cast<size_t>(length));
-  if (len < 0)
-    return NUME_SYNTAX;
   const bool given_precision = *precision >= CS_MIN_PREC && *precision <= CS_MAX_PREC;
   const bool given_scale = *scale <= CS_MAX_SCALE;
-
-  const char *const end = text + len;
-  const char *const exponent_letter = find_exponent(text, static_cast<size_t>(len));
-  int64_t exponent = 0;
-  if (exponent_letter != nullptr && !read_exponent(exponent_letter + 1, exponent))
-    return NUME_SYNTAX;
-  const Request request{length - 1, Com__Nume_Len_To_Prec[length - 2], *scale + exponent,
-                        flag == 1};
+  Request request{length - 1, Com__Nume_Len_To_Prec[length - 2], *scale, flag == 1};
   Scan scan;
   Accumulator magnitude(request.bytes);
-  int status = scan_mantissa(text, end, request, scan, magnitude);
+  int64_t exponent = 0;
+  const char *const end = text + len;
+  int status = len < 0 ? not_plain : scan_mantissa<true>(text, end, request, scan, magnitude);
+  if (status != NUME_OK || !given_precision) {
+    // Written in full below, or left cleared.
+    std::memset(field, 0, static_cast<size_t>(length));
+    if (len < 0)
+      return NUME_SYNTAX;
+  }
+  if (status == not_plain) {
+    const char *const letter = find_exponent(text, static_cast<size_t>(len));
+    if (letter != nullptr && !read_exponent(letter + 1, exponent))
+      return NUME_SYNTAX;
+    request.target += exponent;
+    scan = Scan();
+    magnitude.reset();
+    status = scan_mantissa<false>(text, end, request, scan, magnitude);
+  }
   if (status != NUME_OK)
     return status;
 

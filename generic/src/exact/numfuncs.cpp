@@ -84,60 +84,131 @@ bool align(Operand &operand, const CS_NUMERIC &value, const Shape &common) noexc
   if (value.precision >= common.precision && value.scale >= common.scale)
     return true;
   operand.trim();
-  Number number;
-  number.size = operand.size;
-  std::copy_n(operand.limbs, operand.size, number.limbs);
-  exact::multiply_by_power(number, common.scale - value.scale);
-  if (exact::reaches_power(number.limbs, number.size, common.precision))
-    return false;
-  operand.size = number.size;
-  std::copy_n(number.limbs, number.size, operand.limbs);
-  return true;
+  const exact::Power &power = exact::power_of_ten(common.scale - value.scale);
+  if (power.size == 1 && operand.size < value_limbs) {
+    const Limb carry = exact::multiply_add(operand.limbs, operand.size, power.limbs[0], 0);
+    if (carry != 0)
+      operand.limbs[operand.size++] = carry;
+  } else {
+    Limb product[2 * value_limbs];
+    const int size = exact::multiply(product, operand.limbs, operand.size, power.limbs, power.size);
+    if (size > value_limbs)
+      return false;
+    std::copy_n(product, size, operand.limbs);
+    operand.size = size;
+  }
+  return !exact::reaches_power(operand.limbs, operand.size, common.precision);
 }
 
-int add_or_subtract(const CS_NUMERIC &left, const CS_NUMERIC &right, CS_NUMERIC &result,
-                    bool subtracting) noexcept {
-  Shape shape{left.precision, left.scale};
+// What both ways to a sum end with: its shape, and the status of a magnitude that does not fit it.
+// One that is too long for its field, and not only for its precision, leaves no digits.
+[[gnu::noinline]] int store_overflow(CS_NUMERIC &result, const Shape &shape, bool negative,
+                                     Limb *limbs, int size) noexcept {
+  size = exact::trim(limbs, size);
+  if (exact::byte_count(limbs, size) > exact::magnitude_bytes(shape.precision))
+    size = 0;
+  store(result, shape, negative, limbs, size);
+  return NUME_OVERFLOW;
+}
+
+// Stores the sum or difference of two magnitudes of `Size` limbs, whose signs say which. Nothing
+// here branches on the digits: a difference below zero is negated by its borrow, and the precision
+// is compared by a subtraction.
+template <int Size>
+int store_sum(CS_NUMERIC &result, const Shape &shape, const Limb *a, const Limb *b, bool a_negative,
+              bool b_negative) noexcept {
+  Limb sum[Size + 1];
+  bool negative = a_negative;
+  Limb any = 0;
+  if (a_negative == b_negative) {
+    sum[Size] = exact::add(sum, a, b, Size);
+    any = sum[Size];
+  } else {
+    Limb carry = exact::subtract(sum, a, b, Size);
+    negative = a_negative != (carry != 0);
+    const Limb mask = 0 - carry;
+#pragma GCC unroll 8
+    for (int i = 0; i < Size; ++i) {
+      sum[i] = (sum[i] ^ mask) + carry;
+      carry &= sum[i] == 0;
+    }
+    sum[Size] = 0;
+  }
+#pragma GCC unroll 8
+  for (int i = 0; i < Size; ++i)
+    any |= sum[i];
+  negative = negative && any != 0;
+  constexpr int compared = std::min(Size + 1, value_limbs);
+  const bool fits = exact::is_below(sum, exact::power_of_ten(shape.precision).limbs, compared) &&
+                    (Size < value_limbs || sum[Size] == 0);
+  if (!fits) [[unlikely]]
+    return store_overflow(result, shape, negative, sum, Size + 1);
+  exact::store_value(result, shape.precision, shape.scale, negative, sum,
+                     exact::magnitude_bytes(shape.precision));
+  return NUME_OK;
+}
+
+// Dispatches to the size of the operands.
+template <int Size = 1>
+int store_sum(int size, CS_NUMERIC &result, const Shape &shape, const Limb *a, const Limb *b,
+              bool a_negative, bool b_negative) noexcept {
+  if constexpr (Size < value_limbs)
+    if (size != Size)
+      return store_sum<Size + 1>(size, result, shape, a, b, a_negative, b_negative);
+  return store_sum<Size>(result, shape, a, b, a_negative, b_negative);
+}
+
+[[gnu::noinline]] int add_aligned(const CS_NUMERIC &left, const CS_NUMERIC &right,
+                                  CS_NUMERIC &result, bool subtracting) noexcept {
   Operand a, b;
   a.load(left);
   b.load(right);
-  bool aligned = true;
-  if (left.precision != right.precision || left.scale != right.scale) {
-    const int integers = std::max(left.precision - left.scale, right.precision - right.scale);
-    shape.scale = std::max(left.scale, right.scale);
-    shape.precision = std::min(integers + shape.scale, max_power);
-    aligned = align(a, left, shape) && align(b, right, shape);
-    const int size = exact::limbs_for(exact::magnitude_bytes(shape.precision));
-    a.extend(size);
-    b.extend(size);
-  }
-  const int size = a.size;
+  const int integers = std::max(left.precision - left.scale, right.precision - right.scale);
+  Shape shape;
+  shape.scale = std::max(left.scale, right.scale);
+  shape.precision = std::min(integers + shape.scale, max_power);
+  const bool aligned = align(a, left, shape) && align(b, right, shape);
+  const int size = exact::limbs_for(exact::magnitude_bytes(shape.precision));
   shape.precision = std::min(shape.precision + 1, max_power);
-  bool negative = a.negative;
-  const bool other_negative = b.negative != subtracting;
-  Limb sum[value_limbs + 1];
-  int sum_size = size;
   if (!aligned) {
     result.precision = static_cast<CS_BYTE>(shape.precision);
     result.scale = static_cast<CS_BYTE>(shape.scale);
     return NUME_OVERFLOW;
   }
-  if (negative == other_negative) {
-    sum[size] = exact::add(sum, a.limbs, b.limbs, size);
-    sum_size = exact::trim(sum, size + 1);
-    // A sum that is too long for its field, and not only for its precision, leaves no digits.
-    if (exact::byte_count(sum, sum_size) > exact::magnitude_bytes(shape.precision)) {
-      store(result, shape, false, sum, 0);
-      return NUME_OVERFLOW;
-    }
-  } else {
-    const int order = exact::compare(a.limbs, size, b.limbs, size);
-    if (order < 0)
-      negative = other_negative;
-    exact::subtract(sum, order < 0 ? b.limbs : a.limbs, order < 0 ? a.limbs : b.limbs, size);
-    sum_size = exact::trim(sum, size);
-  }
-  return store(result, shape, negative, sum, sum_size);
+  a.extend(size);
+  b.extend(size);
+  return store_sum(size, result, shape, a.limbs, b.limbs, a.negative, b.negative != subtracting);
+}
+
+// Operands of one shape, whose magnitudes have `Size` limbs.
+template <int Size = 1>
+int add_alike(int size, const CS_NUMERIC &left, const CS_NUMERIC &right, CS_NUMERIC &result,
+              bool subtracting) noexcept {
+  if constexpr (Size < value_limbs)
+    if (size != Size)
+      return add_alike<Size + 1>(size, left, right, result, subtracting);
+  const Shape shape{std::min(left.precision + 1, max_power), left.scale};
+  const int bytes = exact::magnitude_bytes(left.precision);
+  Limb a[Size], b[Size];
+  exact::load_limbs(a, Size, left, bytes);
+  exact::load_limbs(b, Size, right, bytes);
+  return store_sum<Size>(result, shape, a, b, left.array[0] != 0,
+                         (right.array[0] != 0) != subtracting);
+}
+
+int add_or_subtract(const CS_NUMERIC &left, const CS_NUMERIC &right, CS_NUMERIC &result,
+                    bool subtracting) noexcept {
+  if (left.precision != right.precision || left.scale != right.scale)
+    return add_aligned(left, right, result, subtracting);
+  return add_alike(exact::limbs_for(exact::magnitude_bytes(left.precision)), left, right, result,
+                   subtracting);
+}
+
+CS_RETCODE checked_sum(CS_NUMERIC &left, CS_NUMERIC &right, CS_NUMERIC &result,
+                       bool subtracting) noexcept {
+  if (!exact::is_valid(left) || !exact::is_valid(right)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  return result_code(add_or_subtract(left, right, result, subtracting));
 }
 
 int multiply(const CS_NUMERIC &left, const CS_NUMERIC &right, CS_NUMERIC &result) noexcept {
@@ -202,17 +273,21 @@ CS_RETCODE comn_num_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *r
   COMN_CHECK_PTR(oper2, CS_FAIL);
   COMN_CHECK_PTR(result, CS_FAIL);
   COMN_CHECK(operation == 0 || operation == 1, CS_FAIL);
-  if (!exact::is_valid(*oper1) || !exact::is_valid(*oper2)) [[unlikely]]
-    return COMN_TRACE(CS_CONV_DOMAIN);
-  return COMN_TRACE(result_code(add_or_subtract(*oper1, *oper2, *result, operation == 1)));
+  return COMN_TRACE(checked_sum(*oper1, *oper2, *result, operation == 1));
 }
 
 CS_RETCODE comn_numadd(CS_NUMERIC *add1p, CS_NUMERIC *add2p, CS_NUMERIC *sump) noexcept {
-  return COMN_TRACE(comn_num_addorsub(add1p, add2p, sump, 0));
+  COMN_CHECK_PTR(add1p, CS_FAIL);
+  COMN_CHECK_PTR(add2p, CS_FAIL);
+  COMN_CHECK_PTR(sump, CS_FAIL);
+  return COMN_TRACE(checked_sum(*add1p, *add2p, *sump, false));
 }
 
 CS_RETCODE comn_numsub(CS_NUMERIC *minp, CS_NUMERIC *subp, CS_NUMERIC *diffp) noexcept {
-  return COMN_TRACE(comn_num_addorsub(minp, subp, diffp, 1));
+  COMN_CHECK_PTR(minp, CS_FAIL);
+  COMN_CHECK_PTR(subp, CS_FAIL);
+  COMN_CHECK_PTR(diffp, CS_FAIL);
+  return COMN_TRACE(checked_sum(*minp, *subp, *diffp, true));
 }
 
 CS_RETCODE comn_nummul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result) noexcept {

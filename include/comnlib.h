@@ -13,6 +13,7 @@
 #define ZRV_COMNLIB_H
 
 #include <stddef.h>
+#include <time.h>
 
 #include "csintrn.h"
 #include "cspublic.h"
@@ -575,6 +576,89 @@ ZRV_CONV(comn_numtochar);
 ZRV_CONV(comn_numtobin);
 ZRV_CONV(comn_numtovarchar);
 ZRV_CONV(comn_numtovarbin);
+
+/*
+ * From dates and times: date is CS_DATETIME, datea CS_DATE, timea CS_TIME. `*destlen` is the width
+ * of the destination type whatever the result, and CS_SUCCEED the result unless something else
+ * stands here. Microseconds are lost silently.
+ *
+ * to date4   CS_CONV_OVERFLOW outside 1900-01-01 to 2079-06-06, the destination left as it was
+ * to date    from datea CS_CONV_OVERFLOW before 1753-01-01, the destination cleared; from
+ *            bigdatetime CS_CONV_OVERFLOW outside the calendar, partly written, and
+ *            CS_CONV_UNDERFLOW before 1753-01-01, the value in place
+ * from bigtime to date and date4
+ *            CS_CONV_UNDERFLOW for a day or more
+ * to bigdatetime
+ *            from datea CS_CONV_OVERFLOW outside the calendar, the destination cleared. A time has
+ *            the date 0001-01-01
+ * to binary  the bytes of the value as they stand in memory: comn_fixedtobin, comn_fixedtovarbin. A
+ *            negative maxlength is fatal.
+ */
+ZRV_CONV(comn_datetodate4);
+ZRV_CONV(comn_datetodate);
+ZRV_CONV(comn_datetodatea);
+ZRV_CONV(comn_datetotimea);
+ZRV_CONV(comn_datetobigdatetime);
+ZRV_CONV(comn_datetobigtime);
+ZRV_CONV(comn_datetobin);
+ZRV_CONV(comn_datetovarbin);
+ZRV_CONV(comn_date4todate4);
+ZRV_CONV(comn_date4todate);
+ZRV_CONV(comn_date4tobigdatetime);
+ZRV_CONV(comn_date4todatea);
+ZRV_CONV(comn_date4totimea);
+ZRV_CONV(comn_date4tobigtime);
+ZRV_CONV(comn_date4tobin);
+ZRV_CONV(comn_date4tovarbin);
+ZRV_CONV(comn_dateatodate4);
+ZRV_CONV(comn_dateatodate);
+ZRV_CONV(comn_dateatobigdatetime);
+ZRV_CONV(comn_dateatodatea);
+ZRV_CONV(comn_dateatobin);
+ZRV_CONV(comn_dateatovarbin);
+ZRV_CONV(comn_timeatodate4);
+ZRV_CONV(comn_timeatodate);
+ZRV_CONV(comn_timeatobigdatetime);
+ZRV_CONV(comn_timeatobigtime);
+ZRV_CONV(comn_timeatotimea);
+ZRV_CONV(comn_timeatobin);
+ZRV_CONV(comn_timeatovarbin);
+ZRV_CONV(comn_bigdatetimetodate4);
+ZRV_CONV(comn_bigdatetimetodate);
+ZRV_CONV(comn_bigdatetimetodatea);
+ZRV_CONV(comn_bigdatetimetotimea);
+ZRV_CONV(comn_bigdatetimetobigdatetime);
+ZRV_CONV(comn_bigdatetimetobigtime);
+ZRV_CONV(comn_bigdatetobin);
+ZRV_CONV(comn_bigdatetimetovarbin);
+ZRV_CONV(comn_bigtimetodate4);
+ZRV_CONV(comn_bigtimetodate);
+ZRV_CONV(comn_bigtimetotimea);
+ZRV_CONV(comn_bigtimetobigdatetime);
+ZRV_CONV(comn_bigtimetobigtime);
+ZRV_CONV(comn_bigtimetobin);
+ZRV_CONV(comn_bigtimetovarbin);
+
+/* ---- the time of day ---- */
+
+/*
+ * The current local time, as text and as fields.
+ *
+ * format    in   the order of the date: 2 day month year, 3 year month day, 4 year day month, 5
+ * month year day, 6 day year month, anything else month day year is12hour  in   1 for hours up to
+ * 12 with "AM" or "PM"; midnight is hour 0 buffer    out  the text with its NUL, "mm/dd/yy
+ * hh:mm:ss" or "mm/dd/yy hh:mm:ss PM"; may be null buflen    in   its capacity in bytes outlen out
+ * the bytes that the text needs, its NUL included; may be null, and is left alone without a buffer
+ * drec      out  the fields from the year to the second; may be null
+ *
+ * Returns CS_SUCCEED; CS_FAIL when the buffer is too small or the system has no time, the buffer
+ * and `drec` untouched.
+ */
+ZRV_API CS_RETCODE comn_time(CS_INT format, CS_BOOL is12hour, CS_CHAR *buffer, CS_INT buflen,
+                             CS_INT *outlen, CS_DATEREC *drec) ZRV_NOEXCEPT;
+
+/* The time at which a file was modified, in seconds since 1970, or 0 if it cannot be had. */
+ZRV_API time_t comn_file_modtime(CS_CHAR *path) ZRV_NOEXCEPT;
 
 ZRV_END_DECLS
 

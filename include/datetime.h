@@ -22,8 +22,6 @@
 #ifndef ZRV_DATETIME_H
 #define ZRV_DATETIME_H
 
-#include <time.h>
-
 #include "csintrn.h"
 #include "cspublic.h"
 
@@ -264,6 +262,12 @@ ZRV_PRIVATE CS_INT com__timeatochar(CS_TIME *value, CS_CHAR *buf, CS_INT len, CS
                                     CS_CHAR **shortmths) ZRV_NOEXCEPT;
 ZRV_PRIVATE CS_INT com__bigtimetochar(CS_BIGTIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
                                       CS_CHAR **shortmths) ZRV_NOEXCEPT;
+
+/* com__datetochar and com__date4tochar under their public names. */
+ZRV_API CS_INT com_cvtdatetochar(CS_DATETIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                 CS_CHAR **shortmths) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_cvtdate4tochar(CS_DATETIME4 *value, CS_CHAR *buf, CS_INT len, CS_INT style,
+                                  CS_CHAR **shortmths) ZRV_NOEXCEPT;
 
 /*
  * A CS_DATETIME as text filled up with blanks; com_date2char has style 9.

@@ -106,57 +106,19 @@ COMN_PENDING_DATES(unichar)
 COMN_PENDING(imagetounichar)
 COMN_PENDING(unichartoimage)
 
-// Dates and times.
-COMN_PENDING(datetochar)
-COMN_PENDING(datetodate)
-COMN_PENDING(datetodate4)
-COMN_PENDING(datetovarchar)
-COMN_PENDING(datetovarbin)
+// The text of dates and times.
+#define COMN_PENDING_DATE_TEXT(source)                                                             \
+  COMN_PENDING(source##tochar)                                                                     \
+  COMN_PENDING(source##tovarchar)
+
+COMN_PENDING_DATE_TEXT(date)
+COMN_PENDING_DATE_TEXT(date4)
+COMN_PENDING_DATE_TEXT(datea)
+COMN_PENDING_DATE_TEXT(timea)
 COMN_PENDING(datetimetounichar)
-COMN_PENDING(datetodatea)
-COMN_PENDING(datetotimea)
-COMN_PENDING_BIG_DATES(date)
-
-COMN_PENDING(date4tochar)
-COMN_PENDING(date4todate)
-COMN_PENDING(date4todate4)
-COMN_PENDING(date4tovarchar)
-COMN_PENDING(date4tovarbin)
 COMN_PENDING(date4tounichar)
-COMN_PENDING(date4todatea)
-COMN_PENDING(date4totimea)
-COMN_PENDING_BIG_DATES(date4)
-
-COMN_PENDING(dateatochar)
-COMN_PENDING(dateatodate)
-COMN_PENDING(dateatodate4)
-COMN_PENDING(dateatovarchar)
-COMN_PENDING(dateatovarbin)
 COMN_PENDING(dateatounichar)
-COMN_PENDING(dateatodatea)
-COMN_PENDING(dateatobigdatetime)
-
-COMN_PENDING(timeatochar)
-COMN_PENDING(timeatodate)
-COMN_PENDING(timeatodate4)
-COMN_PENDING(timeatovarchar)
-COMN_PENDING(timeatovarbin)
 COMN_PENDING(timeatounichar)
-COMN_PENDING(timeatotimea)
-COMN_PENDING_BIG_DATES(timea)
-
-COMN_PENDING(bigdatetimetodate)
-COMN_PENDING(bigdatetimetodate4)
-COMN_PENDING(bigdatetimetovarbin)
-COMN_PENDING(bigdatetimetodatea)
-COMN_PENDING(bigdatetimetotimea)
-COMN_PENDING_BIG_DATES(bigdatetime)
-
-COMN_PENDING(bigtimetodate)
-COMN_PENDING(bigtimetodate4)
-COMN_PENDING(bigtimetovarbin)
-COMN_PENDING(bigtimetotimea)
-COMN_PENDING_BIG_DATES(bigtime)
 
 // Locators.
 COMN_PENDING(chartolocator)
@@ -172,6 +134,7 @@ COMN_PENDING(locatortolocator)
 #undef COMN_PENDING_INTEGER
 #undef COMN_PENDING_DATES
 #undef COMN_PENDING_BIG_DATES
+#undef COMN_PENDING_DATE_TEXT
 
 } // namespace comn::pending
 

@@ -1,0 +1,78 @@
+// The make functions and the layout engines on records of any fields. A date and a time that can be
+// made crack into the fields that they were made from; no text passes its room.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "zrvcomn/datetime.h"
+
+namespace {
+
+void require(bool condition) {
+  if (!condition)
+    std::abort();
+}
+
+void check_date(CS_DATEREC fields) {
+  CS_DATETIME value{};
+  CS_BIGDATETIME big = 0;
+  const int status = com__datemake(&value, &fields);
+  require(com__bigdatemake(&big, &fields) == status);
+  require(status >= 0 && status <= COM_DATE_BADDAY);
+  if (status != 0)
+    return;
+  CS_DATEREC cracked{}, big_cracked{};
+  com__datecrack(&value, &cracked);
+  com__bigdatecrack(&big, &big_cracked);
+  require(std::memcmp(&cracked, &big_cracked, sizeof cracked) == 0);
+  require(cracked.dateyear == fields.dateyear && cracked.datemonth == fields.datemonth &&
+          cracked.datedmonth == fields.datedmonth);
+}
+
+void check_time(CS_DATEREC fields) {
+  CS_DATETIME value{};
+  CS_BIGTIME big = 0;
+  com__timemake(&value, &fields);
+  const int status = com__bigtimemake(&big, &fields);
+  CS_BIGDATETIME both = 0;
+  com_bigdatetimemake(&both, &fields);
+  const bool is_negative = fields.datehour < 0 || fields.dateminute < 0 || fields.datesecond < 0 ||
+                           fields.datemsecond < 0 || fields.datesecfrac < 0;
+  if (status != 0 || is_negative)
+    return;
+  require(com__timea_check_range(&value.dttime) == 0 && com__bigtime_check_range(&big) == 0);
+  CS_DATEREC cracked{}, big_cracked{};
+  com__timecrack(&value, &cracked);
+  com__bigtimecrack(&big, &big_cracked);
+  for (const CS_DATEREC *record : {&cracked, &big_cracked})
+    require(record->datehour == fields.datehour && record->dateminute == fields.dateminute &&
+            record->datesecond == fields.datesecond);
+}
+
+void check_text(CS_DATEREC fields, CS_INT style, size_t room) {
+  for (const auto engine : {com__daterectochar, com__timerectochar})
+    for (const CS_INT secprec : {300, 1000000}) {
+      // A heap block of exactly the room, for the sanitizers.
+      std::vector<char> text(room + 1);
+      char *const start = text.data() + 1;
+      const CS_INT length =
+          engine(&fields, start, static_cast<CS_INT>(room), style, com__get_shortmonths(), secprec);
+      require(length >= -2 && length <= static_cast<CS_INT>(room));
+    }
+  monthcheck(&fields);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+  CS_DATEREC fields{};
+  if (size < 2)
+    return 0;
+  std::memcpy(&fields, data + 2, std::min(size - 2, sizeof fields));
+  check_date(fields);
+  check_time(fields);
+  check_text(fields, data[0], data[1] % 48);
+  return 0;
+}

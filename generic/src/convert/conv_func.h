@@ -12,17 +12,13 @@
 #define COMN_CONV_ARGUMENTS context, srcfmt, src, destfmt, dest, destlen
 
 // The checks that a conversion makes first: its six pointers, then its formats; the two conditions
-// are on srcfmt and on destfmt. All of them are one test on the way of success, in the order that
-// needs the fewest registers. Which of them failed is asked only then: a null pointer is reported
-// before a wrong format. `where` is a COMN_HERE.
+// are on srcfmt and on destfmt. `where` is a COMN_HERE.
 #define COMN_CHECK_CONV(where, srcfmt_condition, destfmt_condition)                                \
   do {                                                                                             \
-    if (!(context && srcfmt && (srcfmt_condition) && destfmt && (destfmt_condition) && src &&      \
-          dest && destlen)) [[unlikely]] {                                                         \
-      if (context && src && srcfmt && dest && destfmt && destlen)                                  \
-        return comn::raise_bomb(where);                                                            \
+    if (!context || !src || !srcfmt || !dest || !destfmt || !destlen) [[unlikely]]                 \
       return comn::raise_null(where);                                                              \
-    }                                                                                              \
+    if (!(srcfmt_condition) || !(destfmt_condition)) [[unlikely]]                                  \
+      return comn::raise_bomb(where);                                                              \
   } while (0)
 
 #endif

@@ -79,10 +79,24 @@ constexpr Integer select(bool first, Integer if_first, Integer if_not) noexcept 
   return static_cast<Integer>(if_not ^ ((if_first ^ if_not) & -static_cast<Integer>(first)));
 }
 
+// True when `value` is in the range of `Narrow`. A signed value fits a narrower signed type when it
+// survives the way there and back, which takes fewer registers than two bounds; one of two words
+// does so word by word.
+template <class Narrow, class Integer>
+constexpr bool fits(Integer value) noexcept {
+  if constexpr (!std::is_signed_v<Integer> || !std::is_signed_v<Narrow> ||
+                sizeof(Narrow) >= sizeof(Integer))
+    return std::in_range<Narrow>(value);
+  else if constexpr (sizeof(Integer) <= sizeof(intptr_t))
+    return static_cast<Integer>(static_cast<Narrow>(value)) == value;
+  else
+    return ((static_cast<int32_t>(value >> 32) ^ static_cast<int32_t>(value) >> 31) |
+            (static_cast<Narrow>(value) ^ static_cast<int32_t>(value))) == 0;
+}
+
 // Integer destinations, with bit as a type of its own.
-template <Type S, Type D, class Where>
-CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
-  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == Traits<D>::code);
+template <Type S, Type D>
+CS_RETCODE to_integer(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
   using Bounds = std::numeric_limits<Value<D>>;
   constexpr OutOfRange status = statuses::table[S][D];
   constexpr bool has_below = std::cmp_less(std::numeric_limits<Value<S>>::min(), Bounds::min());
@@ -94,7 +108,7 @@ CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
   const auto value = load<Value<S>>(src);
   const auto narrowed = static_cast<Value<D>>(value);
   if constexpr (has_below || has_above)
-    if (!std::in_range<Value<D>>(value)) [[unlikely]] {
+    if (!fits<Value<D>>(value)) {
       const bool below = value < 0;
       store(dest, select(below, Bounds::min(), Bounds::max()));
       return select(below, status.below, status.above);
@@ -103,9 +117,8 @@ CS_RETCODE to_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
   return CS_SUCCEED;
 }
 
-template <Type S, class Where>
-CS_RETCODE to_bit(COMN_CONV_PARAMETERS, Where where) noexcept {
-  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == CS_TYPE_BIT);
+template <Type S>
+CS_RETCODE to_bit(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
   *destlen = sizeof(CS_BIT);
   store(dest, static_cast<CS_BIT>(load<Value<S>>(src) != 0));
   return CS_SUCCEED;
@@ -155,9 +168,8 @@ Float to_float_value(Value<S> value) noexcept {
   return static_cast<Float>(value);
 }
 
-template <Type S, class Float, CS_INT Code, class Where>
-CS_RETCODE to_float(COMN_CONV_PARAMETERS, Where where) noexcept {
-  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == Code);
+template <Type S, class Float>
+CS_RETCODE to_float(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
   *destlen = sizeof(Float);
   store(dest, to_float_value<S, Float>(load<Value<S>>(src)));
   return CS_SUCCEED;
@@ -178,9 +190,8 @@ int build_numeric(Value<S> value, CS_BYTE *dest, CS_INT destlen, CS_BYTE *precis
 }
 
 template <Type S, class Where>
-CS_RETCODE to_num(COMN_CONV_PARAMETERS, Where where) noexcept {
-  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code,
-                  destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL);
+CS_RETCODE to_num(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
+                  Where where) noexcept {
   *destlen = sizeof(CS_NUMERIC);
   // Only the 64-bit sources choose a shape of their own. Deliberate: the mark for that replaces the
   // field in the caller's format and stays there.
@@ -245,10 +256,9 @@ private:
   return CS_CONV_OVERFLOW;
 }
 
-template <Type S, class Where>
-CS_RETCODE to_text(COMN_CONV_PARAMETERS, Where where) noexcept {
-  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code,
-                  text_types.contains(destfmt->datatype));
+template <Type S>
+CS_RETCODE to_text(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest,
+                   CS_INT *destlen) noexcept {
   const Printed number(load<Value<S>>(src));
   const CS_INT length = number.length();
   const CS_INT capacity = destfmt->maxlength;
@@ -264,9 +274,8 @@ CS_RETCODE to_text(COMN_CONV_PARAMETERS, Where where) noexcept {
   return show_star(format, capacity, dest, destlen);
 }
 
-template <Type S, class Where>
-CS_RETCODE to_varchar(COMN_CONV_PARAMETERS, Where where) noexcept {
-  COMN_CHECK_CONV(where, srcfmt->datatype == Traits<S>::code, destfmt->datatype == CS_TYPE_VARCHAR);
+template <Type S>
+CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
   const Printed number(load<Value<S>>(src));
   const CS_INT length = number.length();
   auto *record = static_cast<CS_CHAR *>(dest);
@@ -280,24 +289,37 @@ CS_RETCODE to_varchar(COMN_CONV_PARAMETERS, Where where) noexcept {
 
 } // namespace comn::integer
 
-// The members of a unit. `source` and `destination` are the short names of the types.
-#define COMN_INTEGER_MEMBER(source, destination, ...)                                              \
+// The members of a unit. `source` and `destination` are the short names of the types. The checks
+// stand in the member itself, not in a template that it calls: so the compiler keeps no argument in
+// a register on their account.
+#define COMN_INTEGER_MEMBER(source, destination, destfmt_condition, ...)                           \
   CS_RETCODE comn_##source##to##destination(COMN_CONV_PARAMETERS) noexcept {                       \
-    return comn::integer::__VA_ARGS__(COMN_CONV_ARGUMENTS, COMN_HERE);                             \
+    using namespace comn::integer;                                                                 \
+    COMN_CHECK_CONV(COMN_HERE, srcfmt->datatype == Traits<source>::code, destfmt_condition);       \
+    return __VA_ARGS__;                                                                            \
   }
-#define COMN_INTEGER_TO_BIT(source) COMN_INTEGER_MEMBER(source, bit, to_bit<comn::integer::source>)
+#define COMN_INTEGER_TO_BIT(source)                                                                \
+  COMN_INTEGER_MEMBER(source, bit, destfmt->datatype == CS_TYPE_BIT,                               \
+                      to_bit<source>(src, dest, destlen))
 #define COMN_INTEGER_TO_INTEGER(source, destination)                                               \
-  COMN_INTEGER_MEMBER(source, destination,                                                         \
-                      to_integer<comn::integer::source, comn::integer::destination>)
+  COMN_INTEGER_MEMBER(source, destination, destfmt->datatype == Traits<destination>::code,         \
+                      to_integer<source, destination>(src, dest, destlen))
 #define COMN_INTEGER_TO_FLT4(source)                                                               \
-  COMN_INTEGER_MEMBER(source, flt4, to_float<comn::integer::source, CS_REAL, CS_TYPE_REAL>)
+  COMN_INTEGER_MEMBER(source, flt4, destfmt->datatype == CS_TYPE_REAL,                             \
+                      to_float<source, CS_REAL>(src, dest, destlen))
 #define COMN_INTEGER_TO_FLT8(source)                                                               \
-  COMN_INTEGER_MEMBER(source, flt8, to_float<comn::integer::source, CS_FLOAT, CS_TYPE_FLOAT>)
-#define COMN_INTEGER_TO_NUM(source) COMN_INTEGER_MEMBER(source, num, to_num<comn::integer::source>)
+  COMN_INTEGER_MEMBER(source, flt8, destfmt->datatype == CS_TYPE_FLOAT,                            \
+                      to_float<source, CS_FLOAT>(src, dest, destlen))
+#define COMN_INTEGER_TO_NUM(source)                                                                \
+  COMN_INTEGER_MEMBER(                                                                             \
+      source, num, destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,   \
+      to_num<source>(src, destfmt, dest, destlen, COMN_HERE))
 #define COMN_INTEGER_TO_CHAR(source)                                                               \
-  COMN_INTEGER_MEMBER(source, char, to_text<comn::integer::source>)
+  COMN_INTEGER_MEMBER(source, char, comn::text_types.contains(destfmt->datatype),                  \
+                      to_text<source>(src, destfmt, dest, destlen))
 #define COMN_INTEGER_TO_VARCHAR(source)                                                            \
-  COMN_INTEGER_MEMBER(source, varchar, to_varchar<comn::integer::source>)
+  COMN_INTEGER_MEMBER(source, varchar, destfmt->datatype == CS_TYPE_VARCHAR,                       \
+                      to_varchar<source>(src, dest, destlen))
 
 // The binary members only copy: they make no check of the datatypes.
 #define COMN_INTEGER_TO_BIN(source)                                                                \

@@ -220,7 +220,7 @@ class Command(unittest.TestCase):
     # ---- wrong usage ----
 
     def test_wrong_usage(self):
-        self.check_usage(zrvcomn(), "a command is needed: completion, convert")
+        self.check_usage(zrvcomn(), "a command is needed: completion, config, convert")
         self.check_usage(zrvcomn("conver"), "unknown command 'conver'", "did you mean 'convert'?")
         self.check_usage(zrvcomn("--nonsense"), "--nonsense")
         self.check_usage(zrvcomn("convert", "--to", "int", "1"), "--from is required")
@@ -418,8 +418,8 @@ class Command(unittest.TestCase):
     def test_help_and_version(self):
         result = zrvcomn("--version")
         self.check(result, 0, f"zrvcomn {build.version} (library 16001)\n")
-        for words in (["--help"], ["-h"], ["convert", "--help"], ["types", "--help"],
-                      ["completion", "--help"]):
+        for words in (["--help"], ["-h"], ["config", "--help"], ["convert", "--help"],
+                      ["types", "--help"], ["completion", "--help"]):
             result = zrvcomn(*words)
             self.assertEqual((result.code, result.err), (0, ""))
             self.assertIn("Usage: zrvcomn", result.out)
@@ -430,7 +430,7 @@ class Command(unittest.TestCase):
         (self.scratch / "countries.csv").write_bytes(
             (project.source_dir / "samples" / "countries.csv").read_bytes())
         environment = os.environ | {"PATH": f"{command.parent}:{os.environ['PATH']}"}
-        for words in ([], ["convert"], ["types"], ["completion"]):
+        for words in ([], ["config"], ["convert"], ["types"], ["completion"]):
             text = zrvcomn(*words, "--help").out
             lines = re.findall(r"^  ((?:seq|zrvcomn|eval) .*(?:\S))$", text.split("Example")[1], re.M)
             self.assertTrue(lines)
@@ -441,7 +441,7 @@ class Command(unittest.TestCase):
 
     def test_full_device(self):
         for words in (["convert", "--from", "int", "--to", "int", "1"], ["types"], ["--help"],
-                      ["completion", "bash"]):
+                      ["completion", "bash"], ["config", "paths"]):
             with open("/dev/full", "wb") as full:
                 done = subprocess.run([command, *words], stdout=full, stderr=subprocess.PIPE)
             self.assertEqual(done.returncode, 1)
@@ -489,6 +489,59 @@ class Command(unittest.TestCase):
                                "converts_to": ["char"]})
         self.assertIsNone(json.loads(zrvcomn("types", "--json", "--from", "char").out)["width"])
 
+    # ---- config ----
+
+    def config_paths(self, **environment):
+        clean = {name: "" for name in ("ZARVEK_NCL", "ZRVNCL_IFILE", "ZRVNCL_TCL_CFG",
+                                       "ZARVEK_TCL_CFG")}
+        result = zrvcomn("config", "paths", "--json", **(clean | environment))
+        self.assertEqual((result.code, result.err), (0, ""))
+        rows = [json.loads(line) for line in result.out.splitlines()]
+        return {row["name"]: (row["path"], row["is"], row["decided_by"]) for row in rows}
+
+    def test_config_paths(self):
+        home = str(self.scratch)
+        (self.scratch / "config").mkdir()
+        (self.scratch / "config" / "ncl.cfg").touch()
+        below = "below the home directory"
+        places = self.config_paths(ZARVEK=home)
+        self.assertEqual(places["home"], (home, "directory", "ZARVEK"))
+        self.assertEqual(places["ncl.cfg"], (f"{home}/config/ncl.cfg", "file", below))
+        self.assertEqual(places["interfaces"], (f"{home}/interfaces", "missing", below))
+        self.assertEqual(places["libtcl.cfg"], (f"{home}/config/libtcl.cfg", "missing", below))
+        self.assertEqual(places["locales.dat"][0], f"{home}/locales/locales.dat")
+        self.assertEqual(places["charsets"][0], f"{home}/charsets")
+        # What each variable decides.
+        places = self.config_paths(ZARVEK=home, ZARVEK_NCL="NCL-1", ZRVNCL_IFILE="/etc/servers",
+                                   ZARVEK_TCL_CFG="/second")
+        self.assertEqual(places["interfaces"], ("/etc/servers", "missing", "ZRVNCL_IFILE"))
+        self.assertEqual(places["libtcl.cfg"], ("/second", "missing", "ZARVEK_TCL_CFG"))
+        self.assertEqual(places["devlib3p"],
+                         (f"{home}/NCL-1/devlib3p", "missing", f"{below}, ZARVEK_NCL"))
+        self.assertEqual(self.config_paths(ZARVEK=home, ZRVNCL_TCL_CFG="/first",
+                                           ZARVEK_TCL_CFG="/second")["libtcl.cfg"],
+                         ("/first", "missing", "ZRVNCL_TCL_CFG"))
+        # Without ZARVEK the tree that belongs to the library.
+        self.assertNotEqual(self.config_paths(ZARVEK="")["home"][2], "ZARVEK")
+
+    def test_config_paths_table(self):
+        result = zrvcomn("config", "paths", ZARVEK="/nowhere")
+        self.assertEqual((result.code, result.err), (0, ""))
+        lines = [line.split("  ") for line in result.out.splitlines()]
+        self.assertEqual([word.strip() for word in lines[0] if word],
+                         ["name", "path", "is", "decided by"])
+        self.assertEqual([word.strip() for word in lines[1] if word],
+                         ["home", "/nowhere", "missing", "ZARVEK"])
+
+    # A path that does not fit is reported by its status, and the exit status tells.
+    def test_config_paths_failure(self):
+        result = zrvcomn("config", "paths", "--json", ZARVEK="/" + "x" * 5000)
+        self.assertEqual((result.code, result.err), (1, ""))
+        row = json.loads(result.out.splitlines()[0])
+        self.assertEqual((row["path"], row["is"]), (None, "-301"))
+        self.check_usage(zrvcomn("config", "nonsense"), "nonsense")
+        self.check_usage(zrvcomn("config"), "topic")
+
     # ---- completion ----
 
     def complete(self, line):
@@ -501,7 +554,7 @@ class Command(unittest.TestCase):
 
     def test_completion(self):
         (self.scratch / "data.csv").touch()
-        self.assertEqual(self.complete(["zrvcomn", "con"]), ["convert"])
+        self.assertEqual(self.complete(["zrvcomn", "conv"]), ["convert"])
         self.assertEqual(self.complete(["zrvcomn", "--v"]), ["--version"])
         self.assertEqual(self.complete(["zrvcomn", "convert", "--m"]), ["--maxlength"])
         self.assertEqual(self.complete(["zrvcomn", "convert", "--to", "small"]),

@@ -32,9 +32,13 @@ template <class Where>
   return CS_FAIL;
 }
 
+inline bool is_tracing() noexcept {
+  return Com_trace_enable != 1;
+}
+
 template <class Where>
 CS_RETCODE trace(CS_RETCODE code, Where where) noexcept {
-  if (Com_trace_enable != 1) [[unlikely]]
+  if (is_tracing()) [[unlikely]]
     return com_errtrace(code, const_cast<char *>(where().file), where().line);
   return code;
 }

@@ -117,7 +117,20 @@ CS_RETCODE drop_pool(MM_HANDLE *root) noexcept {
 
 // ---- the entry points below the lock ----
 
-CS_RETCODE allocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
+// True when a call has nothing to do around its work: no lock, no trace.
+bool is_unguarded(const MM_HANDLE *mmh) noexcept {
+  return mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing();
+}
+
+void *take(MM_HANDLE *mmh, CS_UINT size) noexcept {
+  if (mmh->mmh_type == MM_POOL_BUDDY)
+    return take_block(mmh->mmh_pool.af, size);
+  if (mmh->mmh_type == MM_POOL_UNIFORM)
+    return take_node(mmh->mmh_pool.u, size);
+  return mmh->mmh_type == MM_POOL_ALLOCONLY ? take_bytes(mmh->mmh_pool.a, size) : nullptr;
+}
+
+[[gnu::noinline]] CS_RETCODE allocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   switch (mmh->mmh_type) {
   case MM_POOL_BUDDY:
     return com___buddy_malloc(mmh, size, buffer);
@@ -246,6 +259,12 @@ CS_RETCODE comn_mmmanage(CS_VOID *buffer, CS_UINT buflen, MM_HANDLE **mmh) noexc
 CS_RETCODE comn_mmalloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
+  if (is_unguarded(mmh) && is_ready(mmh)) [[likely]] {
+    if (void *const block = take(mmh, size)) [[likely]] {
+      *buffer = std::memset(block, 0, size);
+      return CS_SUCCEED;
+    }
+  }
   const CS_RETCODE locked = lock(mmh);
   if (locked != CS_SUCCEED)
     return COMN_TRACE(locked);
@@ -257,8 +276,7 @@ CS_RETCODE comn_mmalloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept
   if (result != CS_SUCCEED)
     return COMN_TRACE(result);
   // The memory is the caller's by now: no need to hold the lock.
-  std::memset(block, 0, size);
-  *buffer = block;
+  *buffer = std::memset(block, 0, size);
   return COMN_TRACE(CS_SUCCEED);
 }
 
@@ -278,6 +296,11 @@ CS_RETCODE comn_mmfree(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(buf, COMN_TRACE(CS_FAIL));
   COMN_CHECK(is_ready(mmh), COMN_TRACE(CS_FAIL));
+  if (is_unguarded(mmh) && mmh->mmh_type == MM_POOL_UNIFORM) [[likely]] {
+    COMN_CHECK(is_inside(mmh, buf), COMN_TRACE(CS_FAIL));
+    put_node(mmh->mmh_pool.u, buf);
+    return CS_SUCCEED;
+  }
   COMN_CHECK(lock(mmh) == CS_SUCCEED, COMN_TRACE(CS_FAIL));
   const CS_RETCODE result = release(mmh, buf);
   unlock(mmh);

@@ -2,6 +2,7 @@
 #ifndef COMN_INFRA_COMMMGR_H
 #define COMN_INFRA_COMMMGR_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -74,6 +75,68 @@ inline void unlock(MM_HANDLE *mmh) noexcept {
 
 inline bool is_ready(const MM_HANDLE *mmh) noexcept {
   return (mmh->mmh_status & MM_ST_READY) != 0;
+}
+
+// ---- the common paths of the strategies ----
+//
+// What most calls come to, on a handle whose strategy is set up: a pop, a push, a bump. Null means
+// that the strategy itself has to look. comn_mmalloc tries them first while nothing is traced,
+// since the functions of the strategies trace what they return.
+
+// A buddy block of order 0 is four words: its header and two links, rounded up to a power of two.
+constexpr CS_INT order_shift = static_cast<CS_INT>(std::bit_width(4 * word)) - 1;
+constexpr CS_UINT smallest_request = 3 * word;
+
+// The order of the smallest block whose payload holds a request, which is not below the smallest.
+constexpr CS_INT order_for(CS_UINT size) noexcept {
+  return static_cast<CS_INT>(std::bit_width(size + word - 1)) - order_shift;
+}
+static_assert(order_for(smallest_request) == 0 && order_for(smallest_request + 1) == 1);
+
+// Takes the first free block of an order, which must have one.
+inline void *pop_block(MmBuddyPool &pool, CS_INT order) noexcept {
+  MmDList *const block = pool.free[order];
+  pool.free[order] = block->next;
+  if (block->next != nullptr)
+    block->next->prev = nullptr;
+  block->size &= ~MM_BUDDY_FREE;
+  return payload_of(block);
+}
+
+inline void *take_block(MmBuddyPool &pool, CS_UINT size) noexcept {
+  if (size > largest_request)
+    return nullptr;
+  const CS_INT order = order_for(size < smallest_request ? smallest_request : size);
+  return order <= pool.bpmax && pool.free[order] != nullptr ? pop_block(pool, order) : nullptr;
+}
+
+inline void *take_node(MmUniformPool &pool, CS_UINT size) noexcept {
+  MmList *const node = pool.free;
+  if (node == nullptr || size != static_cast<CS_UINT>(pool.uniform_size))
+    return nullptr;
+  pool.free = node->link;
+  return payload_of(node);
+}
+
+inline void put_node(MmUniformPool &pool, void *buf) noexcept {
+  auto *const node = header_of<MmList>(buf);
+  node->link = pool.free;
+  pool.free = node;
+}
+
+// Advances the cursor of a chunk past `size` bytes, a multiple of the pool word.
+inline void *advance(MmList *cursor, CS_UINT size) noexcept {
+  void *const next = cursor->link;
+  cursor->size -= size;
+  cursor->link = at<MmList>(next, static_cast<std::ptrdiff_t>(size));
+  return next;
+}
+
+inline void *take_bytes(MmAllocOnlyPool &pool, CS_UINT size) noexcept {
+  MmList *const cursor = pool.free->free;
+  const CS_UINT rounded = round_up(size);
+  // The rounding of a size out of reach wraps.
+  return size <= cursor->size && rounded <= cursor->size ? advance(cursor, rounded) : nullptr;
 }
 
 } // namespace comn::pool

@@ -10,13 +10,6 @@ namespace {
 constexpr CS_UINT chunk_overhead = offsetof(MmHeap, buffer) + sizeof(MmList);
 static_assert(sizeof(void *) != 4 || chunk_overhead == 24);
 
-void *advance(MmList *cursor, CS_UINT size) noexcept {
-  void *const next = cursor->link;
-  cursor->size -= size;
-  cursor->link = at<MmList>(next, static_cast<std::ptrdiff_t>(size));
-  return next;
-}
-
 } // namespace
 
 CS_RETCODE com___alloconly_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {

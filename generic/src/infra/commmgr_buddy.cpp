@@ -16,10 +16,6 @@ namespace {
 
 constexpr CS_INT top_order = MM_BUDDY_ORDERS - 1;
 
-// A block of order 0 is four words: its header and two links, rounded up to a power of two.
-constexpr CS_INT order_shift = static_cast<CS_INT>(std::bit_width(4 * word)) - 1;
-constexpr CS_UINT smallest_request = 3 * word;
-
 // What one unit of the identity field stands for, and how it is aligned in the header.
 constexpr int identity_shift = 4;
 constexpr CS_UINT identity_mask = MM_BUDDY_CHUNK >> identity_shift;
@@ -30,12 +26,6 @@ constexpr CS_UINT block_bytes(CS_INT order) noexcept {
 constexpr CS_UINT block_words(CS_INT order) noexcept {
   return block_bytes(order) / word;
 }
-
-// The order of the smallest block whose payload holds a request.
-constexpr CS_INT order_for(CS_UINT size) noexcept {
-  return static_cast<CS_INT>(std::bit_width(size + word - 1)) - order_shift;
-}
-static_assert(order_for(smallest_request) == 0 && order_for(smallest_request + 1) == 1);
 
 constexpr CS_INT order_of(CS_UINT header) noexcept {
   return (header & MM_BUDDY_TOPORDER) != 0 ? top_order
@@ -148,10 +138,7 @@ CS_RETCODE com___buddy_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) no
     if (pool.bpmax > order)
       COMN_CHECK(com___buddy_split(mmh, order) == CS_SUCCEED, COMN_TRACE(CS_FAIL));
   }
-  MmDList *const block = pool.free[order];
-  unlink(pool, order, block);
-  block->size &= ~MM_BUDDY_FREE;
-  *buffer = payload_of(block);
+  *buffer = pop_block(pool, order);
   return COMN_TRACE(CS_SUCCEED);
 }
 

@@ -62,9 +62,7 @@ CS_RETCODE com___uniform_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) 
       return COMN_TRACE(result);
     thread_nodes(mmh, block);
   }
-  MmList *const node = pool.free;
-  pool.free = node->link;
-  *buffer = payload_of(node);
+  *buffer = take_node(pool, size);
   return COMN_TRACE(CS_SUCCEED);
 }
 
@@ -72,9 +70,6 @@ CS_RETCODE com___uniform_free(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(buf, COMN_TRACE(CS_FAIL));
   COMN_CHECK(is_ready(mmh) && mmh->mmh_type == MM_POOL_UNIFORM, COMN_TRACE(CS_FAIL));
-  MmUniformPool &pool = mmh->mmh_pool.u;
-  auto *const node = header_of<MmList>(buf);
-  node->link = pool.free;
-  pool.free = node;
+  put_node(mmh->mmh_pool.u, buf);
   return COMN_TRACE(CS_SUCCEED);
 }

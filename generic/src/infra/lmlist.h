@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "checks.h"
 #include "lmpriv.h"
 
 namespace comn::list {
@@ -46,6 +47,29 @@ void release(Record *record, LM_RELEASER free, void *user) noexcept {
 template <class Record>
 void release(LM_HANDLE *handle, Record *record) noexcept {
   release(record, handle->lmhfree, handle->lmhuser);
+}
+
+// A node from the pool, or a new one; and back. The common case is a pop or a push.
+inline CS_RETCODE get_node(LM_HANDLE *handle, DLinkNode *&node) noexcept {
+  DLinkNode *const popped = handle->free_DLN_list;
+  if (popped == nullptr || handle->free_nodes < 1 || popped->state == LM_RELEASED ||
+      comn::is_tracing()) [[unlikely]]
+    return lm__get_dlinknode(handle, &node);
+  handle->free_DLN_list = popped->next;
+  --handle->free_nodes;
+  node = popped;
+  return CS_SUCCEED;
+}
+
+inline void put_node(LM_HANDLE *handle, DLinkNode *node) noexcept {
+  if (handle->free_nodes >= handle->hdlprop->max_poolsize || comn::is_tracing()) [[unlikely]] {
+    lm__free_dlinknode(handle, node);
+    return;
+  }
+  node->state = LM_UNINITIALIZED;
+  node->next = handle->free_DLN_list;
+  handle->free_DLN_list = node;
+  ++handle->free_nodes;
 }
 
 // Whether the initialiser of a kind fills the node pool: not when a table is made anew.

@@ -42,7 +42,7 @@ CS_RETCODE insert(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor, CS_INT
   const bool was_empty = info->head == nullptr;
   COMN_CHECK(was_empty || is_position(position, cursor), CS_FAIL);
   DLinkNode *node = nullptr;
-  const CS_RETCODE result = lm__get_dlinknode(handle, &node);
+  const CS_RETCODE result = get_node(handle, node);
   if (result != CS_SUCCEED)
     return result;
   node->data = data;
@@ -68,7 +68,7 @@ CS_RETCODE remove(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor) noexce
   if (handle->cur_ptr == node)
     handle->cur_ptr = cursor;
   --handle->hdlprop->handle_load;
-  lm__free_dlinknode(handle, node);
+  put_node(handle, node);
   return CS_SUCCEED;
 }
 
@@ -170,8 +170,9 @@ CS_RETCODE ended_op(LM_HANDLE *handle, CS_INT operation, CS_INT insert_at, CS_IN
 
 } // namespace
 
-CS_RETCODE comn::list::dlink_op(LM_HANDLE *handle, CS_INT operation, DLinkNode **key,
-                                CS_INT position, CS_VOID *data_in, CS_VOID **data_out) noexcept {
+[[gnu::flatten]] CS_RETCODE comn::list::dlink_op(LM_HANDLE *handle, CS_INT operation,
+                                                 DLinkNode **key, CS_INT position, CS_VOID *data_in,
+                                                 CS_VOID **data_out) noexcept {
   DLinkNode *cursor =
       key != nullptr && *key != nullptr ? *key : static_cast<DLinkNode *>(handle->cur_ptr);
   COMN_CHECK(cursor == nullptr || cursor->state == LM_INSERTED, CS_FAIL);

@@ -1,0 +1,183 @@
+// Pools under any sequence of operations. The input is a program: a strategy and its sizes, then
+// operations of three bytes. Every allocation is filled with a pattern of its own, which must still
+// be there when it goes; every region must come back.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+#include <vector>
+
+#include "zrvcomn/mmpriv.h"
+
+namespace {
+
+void demand(bool condition) {
+  if (!condition)
+    std::abort();
+}
+
+class Program {
+public:
+  Program(const std::uint8_t *bytes, std::size_t count) : at(bytes), end(bytes + count) {}
+  bool has_more() const { return at != end; }
+  unsigned byte() { return at != end ? *at++ : 0; }
+  unsigned word() {
+    const unsigned high = byte();
+    return high << 8 | byte();
+  }
+
+private:
+  const std::uint8_t *at, *end;
+};
+
+struct Source {
+  std::set<void *> regions;
+  unsigned countdown = 0;
+
+  static CS_VOID *take(MM_HANDLE *, CS_VOID *param, CS_UINT size) {
+    auto *const self = static_cast<Source *>(param);
+    if (size > 1U << 24 || (self->countdown != 0 && --self->countdown == 0))
+      return nullptr;
+    return *self->regions.insert(std::malloc(size)).first;
+  }
+  static void give_back(MM_HANDLE *, CS_VOID *param, CS_VOID *region) {
+    demand(static_cast<Source *>(param)->regions.erase(region) == 1);
+    std::free(region);
+  }
+};
+
+struct Block {
+  MM_HANDLE *pool;
+  unsigned char *at;
+  CS_UINT size;
+  unsigned char pattern;
+
+  void fill() const {
+    for (CS_UINT i = 0; i < size; ++i)
+      at[i] = static_cast<unsigned char>(pattern + i);
+  }
+  bool is_filled(CS_UINT count) const {
+    for (CS_UINT i = 0; i < count; ++i)
+      if (at[i] != static_cast<unsigned char>(pattern + i))
+        return false;
+    return true;
+  }
+};
+
+void set(MM_HANDLE *pool, CS_INT property, CS_VOID *value) {
+  demand(comn_mmproperty(pool, MM_ACTION_SET, property, value, 0, nullptr) == CS_SUCCEED);
+}
+
+// Bytes of a buddy allocation that are the caller's: a reallocation in place may promise one word
+// more.
+CS_UINT payload_of(const void *block) {
+  CS_UINT header;
+  std::memcpy(&header, static_cast<const char *>(block) - sizeof(void *), sizeof header);
+  if ((header & MM_BUDDY_OVERSIZE) != 0)
+    return header & ~MM_BUDDY_OVERSIZE;
+  const CS_UINT order = (header & MM_BUDDY_TOPORDER) != 0 ? 16 : header & MM_BUDDY_ORDER;
+  return static_cast<CS_UINT>((4 * sizeof(void *)) << order) - static_cast<CS_UINT>(sizeof(void *));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+  Program program(data, size);
+  Source source;
+  alignas(void *) unsigned char storage[sizeof(MmPoolHead) + sizeof(MM_HANDLE)];
+  auto *pool = reinterpret_cast<MM_HANDLE *>(storage);
+  demand(comn_mmmanage(nullptr, 0, &pool) == CS_SUCCEED);
+  set(pool, MM_PROP_SBREAK, reinterpret_cast<CS_VOID *>(&Source::take));
+  set(pool, MM_PROP_UNSBREAK, reinterpret_cast<CS_VOID *>(&Source::give_back));
+  set(pool, MM_PROP_PARAM, &source);
+  const CS_INT types[] = {MM_POOL_BUDDY, MM_POOL_UNIFORM, MM_POOL_ALLOCONLY};
+  CS_INT type = types[program.byte() % 3];
+  CS_INT blocksize = static_cast<CS_INT>(1 + program.word() * (1 + program.byte()));
+  CS_INT chunksize = static_cast<CS_INT>(1 + program.word());
+  set(pool, MM_PROP_POOLTYPE, &type);
+  set(pool, MM_PROP_BLOCKSIZE, &blocksize);
+  set(pool, MM_PROP_CHUNKSIZE, &chunksize);
+
+  std::vector<MM_HANDLE *> pools{pool};
+  std::vector<Block> live;
+  while (program.has_more()) {
+    const unsigned operation = program.byte() % 8;
+    const unsigned argument = program.word();
+    MM_HANDLE *const handle = pools[argument % pools.size()];
+    switch (operation) {
+    case 0: // another sub-pool
+      if (pools.size() < 6) {
+        MM_HANDLE *made = handle;
+        if (com___subpool(handle, static_cast<CS_INT>(argument), &made) == CS_SUCCEED)
+          pools.push_back(made);
+      }
+      break;
+    case 1: { // a sub-pool goes, with what it holds
+      const CS_RETCODE expected = handle->mmh_child != nullptr ? CS_BUSY : CS_SUCCEED;
+      if (handle == pool)
+        break;
+      std::erase_if(live, [&](const Block &block) {
+        demand(block.is_filled(block.size));
+        return expected == CS_SUCCEED && block.pool == handle;
+      });
+      demand(comn_mmdrop(handle, MM_DROP_NORMAL) == expected);
+      if (expected == CS_SUCCEED)
+        std::erase(pools, handle);
+      break;
+    }
+    case 2: // the next breaks fail
+      source.countdown = argument % 4;
+      break;
+    case 3: // release
+    case 4: // resize
+      if (!live.empty()) {
+        Block &block = live[argument % live.size()];
+        demand(block.is_filled(block.size));
+        if (operation == 3) {
+          demand(comn_mmfree(block.pool, block.at) ==
+                 (type == MM_POOL_ALLOCONLY ? CS_FAIL : CS_SUCCEED));
+          if (type != MM_POOL_ALLOCONLY) {
+            block = live.back();
+            live.pop_back();
+          }
+          break;
+        }
+        const CS_UINT wanted = program.word();
+        CS_VOID *moved = block.at;
+        const CS_RETCODE result = comn_mmrealloc(block.pool, wanted, &moved);
+        if (result != CS_SUCCEED) {
+          demand(moved == block.at && block.is_filled(block.size));
+          break;
+        }
+        demand(type == MM_POOL_BUDDY);
+        block.at = static_cast<unsigned char *>(moved);
+        demand(block.is_filled(std::min(block.size, wanted)));
+        block.size = std::min(wanted, payload_of(moved));
+        block.fill();
+      }
+      break;
+    default: { // allocate
+      CS_VOID *block = nullptr;
+      // A uniform pool refuses any other size than the first.
+      const CS_UINT wanted = operation == 5 ? argument % 64 : argument;
+      const CS_RETCODE result = comn_mmalloc(handle, wanted, &block);
+      if (result != CS_SUCCEED) {
+        demand(block == nullptr);
+        break;
+      }
+      const auto *const bytes = static_cast<unsigned char *>(block);
+      demand(std::all_of(bytes, bytes + wanted, [](unsigned char byte) { return byte == 0; }));
+      live.push_back({handle, static_cast<unsigned char *>(block), wanted,
+                      static_cast<unsigned char>(program.byte())});
+      live.back().fill();
+      break;
+    }
+    }
+  }
+  for (const Block &block : live)
+    demand(block.is_filled(block.size));
+  demand(comn_mmdrop(pools.back(), MM_DROP_FORCE) == CS_SUCCEED);
+  demand(source.regions.empty());
+  return 0;
+}

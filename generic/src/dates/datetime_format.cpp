@@ -4,7 +4,8 @@
 
 #include "checks.h"
 #include "crack.h"
-#include "decimal_digits.h"
+#include "decimal_text.h"
+#include "digit_pairs.h"
 #include "layouts.h"
 
 using namespace comn::calendar;
@@ -199,15 +200,15 @@ CS_INT com__itochar(CS_INT val, CS_CHAR *buf, CS_INT len) noexcept {
   const bool negative = val < 0;
   const uint32_t magnitude =
       negative ? 0U - static_cast<uint32_t>(val) : static_cast<uint32_t>(val);
-  const int digits = comn::count_digits(magnitude);
-  const CS_INT length = digits + negative;
+  const comn::DecimalDigits digits(magnitude);
+  const CS_INT length = digits.count() + negative;
   if (len > 0 && length > len) {
     *buf = '*';
     return 1;
   }
   if (negative)
     *buf = '-';
-  comn::write_digits(buf + negative, magnitude, digits);
+  digits.write(buf + negative);
   return length;
 }
 

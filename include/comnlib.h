@@ -225,9 +225,9 @@ ZRV_API CS_RETCODE comn_debug_print(const char *fmtstr, ...) ZRV_NOEXCEPT
  * ap      in  the arguments, an array of intptr_t words; may be null for a format without any
  *
  * %d, %x and %X print the next word as an int, %ld and %lx (and a bare %l) as a long, %c as one
- * byte, %s as a string ("(null)" for null), with the flags, width and precision of printf; %% is a
- * percent sign. Anything else prints "illegal format specification" and a line feed, and consumes
- * no word.
+ * byte, %s as a string ("(null)" for null), with the flags, width and precision of printf, and the
+ * integers with its h and hh; %% is a percent sign. Anything else prints "illegal format
+ * specification" and a line feed, and consumes no word.
  */
 ZRV_API CS_RETCODE comn_debug_vprint(CS_CHAR *fmtstr, CS_VOID *ap) ZRV_NOEXCEPT;
 

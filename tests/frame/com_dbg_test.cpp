@@ -173,6 +173,12 @@ TEST(DebugVprint, Integers) {
   EXPECT_EQ(vprint("%#x %8.8x", {255, 255}), "0xff 000000ff");
 }
 
+// A word is an int, of which an h takes 16 bits and two take 8.
+TEST(DebugVprint, NarrowIntegers) {
+  EXPECT_EQ(vprint("%hd %hx %hX %hhx", {70000, 0x1beef, 0x1beef, 0x1ef}), "4464 beef BEEF ef");
+  EXPECT_EQ(vprint("%6hd|%d", {-1, 5}), "    -1|5");
+}
+
 TEST(DebugVprint, Longs) {
   EXPECT_EQ(vprint("%ld %lx", {-5, 255}), "-5 ff");
   EXPECT_EQ(vprint("%8ld|%-8lx|", {42, 255}), "      42|ff      |");
@@ -243,7 +249,10 @@ TEST(DebugVprint, UnterminatedSpecificationIsIllegal) {
 TEST(DebugVprint, ForeignSpecificationIsIllegal) {
   EXPECT_EQ(vprint("%*d%d", {5, 6}), std::string(illegal) + "5");
   EXPECT_EQ(vprint("%qd%d", {5}), std::string(illegal) + "5");
-  EXPECT_EQ(vprint("%hd%d", {5}), std::string(illegal) + "5");
+  EXPECT_EQ(vprint("%hs%d", {5}), std::string(illegal) + "5");
+  EXPECT_EQ(vprint("%hc%d", {5}), std::string(illegal) + "5");
+  EXPECT_EQ(vprint("%hld%d", {5}), std::string(illegal) + "5");
+  EXPECT_EQ(vprint("%h", {5}), illegal);
   EXPECT_EQ(vprint("%1$d%d", {5}), std::string(illegal) + "5");
   EXPECT_EQ(vprint("%n%d", {5}), illegal) << "one specification, up to the d";
   EXPECT_EQ(vprint("%5%d%d", {5}), std::string(illegal) + "5");

@@ -21,8 +21,9 @@ public:
       const CS_CHAR c = *format++;
       append(c);
       if (std::strchr("cdlsxX", c) == nullptr) {
-        // fprintf takes no more than these without reaching for further arguments.
-        well_formed = well_formed && std::strchr("-+ #.0123456789", c) != nullptr;
+        // With no more than these fprintf reaches for no argument but the word.
+        well_formed = well_formed && std::strchr("-+ #.0123456789h", c) != nullptr;
+        narrow = narrow || c == 'h';
         continue;
       }
       letter = c;
@@ -34,6 +35,9 @@ public:
       }
       break;
     }
+    // Only an integer has a narrow form.
+    if (narrow && std::strchr("dxX", letter) == nullptr)
+      well_formed = false;
     if (length == sizeof text)
       well_formed = false;
     else
@@ -78,6 +82,7 @@ private:
   CS_CHAR text[32];
   size_t length = 0;
   CS_CHAR letter = '\0';
+  bool narrow = false;
   bool well_formed = true;
 };
 

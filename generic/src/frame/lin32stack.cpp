@@ -43,7 +43,7 @@ bool comn::read_stack_memory(uintptr_t address, void *buffer, size_t size) noexc
 }
 
 CS_RETCODE comn__get_frame_info(CS_VOID *fp, COMN_FRAME_INFO *info, CS_VOID **next) noexcept {
-  COMN_CHECK_PTR(info, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(info, CS_FAIL);
   const auto frame = reinterpret_cast<uintptr_t>(fp);
   uintptr_t words[2];
   if (!is_plausible(frame) || !comn::read_stack_memory(frame, words, sizeof words))

@@ -7,7 +7,7 @@ size_t intl_strlcpy(char *dest, const char *source, size_t size) noexcept {
   const size_t wanted = std::strlen(source);
   if (size > 0) {
     const size_t copied = wanted < size ? wanted : size - 1;
-    std::memcpy(dest, source, copied);
+    std::memmove(dest, source, copied);
     dest[copied] = '\0';
   }
   return wanted;

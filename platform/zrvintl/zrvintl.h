@@ -68,7 +68,7 @@ ZRV_API int intlgetenv(char *buffer, int size, const char *name) ZRVINTL_NOEXCEP
 ZRV_API int intl_home(char *buffer, int size) ZRVINTL_NOEXCEPT;
 
 /* Copies `source` to, or appends it to, the string at `dest`, whose full size is `size` bytes. The
- * two must not be null and must not overlap. The result is cut to fit and always terminated, unless
+ * two must not be null; they may overlap. The result is cut to fit and always terminated, unless
  * `size` is 0 or, for the append, `dest` has no terminator within `size`: then nothing is written.
  * Returns the length of the text that was wanted; a result of `size` or more means that it was cut.
  */

@@ -120,6 +120,23 @@ TEST(FixedToVarbin, Lengths) {
     }
 }
 
+// A value may be copied to where it stands, or to a place that it overlaps.
+TEST(FixedCopies, InPlace) {
+  const std::string bytes = counting_bytes(9);
+  GuardedBuffer buffer(sizeof(CS_VARBINARY));
+  for (const size_t source : {0U, 1U, 2U, 5U}) {
+    SCOPED_TRACE(source);
+    std::memcpy(buffer.data(), bytes.data(), bytes.size());
+    Copy to_varbin{comn_fixedtovarbin, {}, make_format(CS_TYPE_VARBINARY, 258)};
+    EXPECT_EQ(to_varbin(buffer.data() + source, buffer.data(), 4), CS_SUCCEED);
+    EXPECT_EQ(buffer.contents(6), "\4\0"s + bytes.substr(source, 4));
+    std::memcpy(buffer.data(), bytes.data(), bytes.size());
+    Copy to_bin{comn_fixedtobin, {}, make_format(CS_TYPE_BINARY, 4)};
+    EXPECT_EQ(to_bin(buffer.data() + source, buffer.data(), 4), CS_SUCCEED);
+    EXPECT_EQ(buffer.contents(4), bytes.substr(source, 4));
+  }
+}
+
 TEST(FixedCopies, NullPointers) {
   for (const FixedCopy function : {comn_fixedtobin, comn_fixedtovarbin}) {
     CS_CONTEXT context{};

@@ -324,6 +324,27 @@ TEST(BoundedCopy, SmallestSizes) {
   EXPECT_TRUE(buffer.is_untouched(1));
 }
 
+// The source may be a part of the destination, or all of it.
+TEST(BoundedCopy, OfItself) {
+  GuardedBuffer buffer(8);
+  std::strcpy(buffer.text(), "abcdef");
+  EXPECT_EQ(intl_strlcpy(buffer.text(), buffer.text(), 8), 6U);
+  EXPECT_STREQ(buffer.text(), "abcdef");
+  EXPECT_EQ(intl_strlcpy(buffer.text(), buffer.text() + 2, 8), 4U);
+  EXPECT_STREQ(buffer.text(), "cdef");
+  EXPECT_EQ(intl_strlcpy(buffer.text() + 1, buffer.text(), 7), 4U);
+  EXPECT_STREQ(buffer.text(), "ccdef");
+}
+
+TEST(BoundedAppend, OfItself) {
+  GuardedBuffer buffer(8);
+  std::strcpy(buffer.text(), "abc");
+  EXPECT_EQ(intl_strlcat(buffer.text(), buffer.text(), 8), 6U);
+  EXPECT_STREQ(buffer.text(), "abcabc");
+  EXPECT_EQ(intl_strlcat(buffer.text(), buffer.text() + 3, 8), 9U);
+  EXPECT_STREQ(buffer.text(), "abcabca");
+}
+
 TEST(BoundedAppend, FitsOrIsCut) {
   GuardedBuffer buffer(8);
   buffer.text()[0] = '\0';

@@ -46,8 +46,8 @@ CS_RETCODE comn_fixedtovarbin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
   COMN_CHECK_CONV(COMN_HERE, true, true);
   const CS_INT length = tlen < 0 || tlen > varbinary_capacity - 1 ? varbinary_capacity : tlen;
   auto *record = static_cast<CS_BYTE *>(dest);
-  comn::store(record + offsetof(CS_VARBINARY, len), static_cast<CS_SMALLINT>(length));
   std::memmove(record + offsetof(CS_VARBINARY, array), src, static_cast<size_t>(length));
+  comn::store(record + offsetof(CS_VARBINARY, len), static_cast<CS_SMALLINT>(length));
   *destlen = sizeof(CS_VARBINARY);
   return length < tlen ? CS_CONV_OVERFLOW : CS_SUCCEED;
 }

@@ -419,7 +419,7 @@ class Command(unittest.TestCase):
         result = zrvcomn("--version")
         self.check(result, 0, f"zrvcomn {build.version} (library 16001)\n")
         for words in (["--help"], ["-h"], ["config", "--help"], ["convert", "--help"],
-                      ["types", "--help"], ["completion", "--help"]):
+                      ["types", "--help"], ["date", "--help"], ["completion", "--help"]):
             result = zrvcomn(*words)
             self.assertEqual((result.code, result.err), (0, ""))
             self.assertIn("Usage: zrvcomn", result.out)
@@ -430,7 +430,7 @@ class Command(unittest.TestCase):
         (self.scratch / "countries.csv").write_bytes(
             (project.source_dir / "samples" / "countries.csv").read_bytes())
         environment = os.environ | {"PATH": f"{command.parent}:{os.environ['PATH']}"}
-        for words in ([], ["config"], ["convert"], ["types"], ["completion"]):
+        for words in ([], ["config"], ["convert"], ["date"], ["types"], ["completion"]):
             text = zrvcomn(*words, "--help").out
             lines = re.findall(r"^  ((?:seq|zrvcomn|eval) .*(?:\S))$", text.split("Example")[1], re.M)
             self.assertTrue(lines)
@@ -542,6 +542,60 @@ class Command(unittest.TestCase):
         self.check_usage(zrvcomn("config", "nonsense"), "nonsense")
         self.check_usage(zrvcomn("config"), "topic")
 
+    # ---- date ----
+
+    def test_date_format(self):
+        moment = "2001-01-05T13:30:15.123456"
+        self.check(zrvcomn("date", "format", moment), 0, "2001-01-05 13:30:15.123456\n")
+        self.check(zrvcomn("date", "format", "--style", "9", moment, "2001-01-05 13:30"), 0,
+                   "Jan  5 2001  1:30:15:123PM\nJan  5 2001  1:30:00:000PM\n")
+        result = zrvcomn("date", "format", "--all-styles", moment)
+        self.assertEqual((result.code, result.err), (0, ""))
+        rows = dict(line.split("\t") for line in result.out.splitlines())
+        self.assertEqual(len(rows), 56)
+        self.assertEqual(rows["0"], "Jan  5 2001  1:30PM")
+        self.assertEqual(rows["112"], "20010105")
+        self.assertEqual(rows["141"], "Jan  5 2001  1:30:15.123456PM")
+
+    def test_date_sums_and_parts(self):
+        self.check(zrvcomn("date", "add", "--part", "month", "--count", "1", "--style", "23",
+                           "2001-01-31", "2000-01-31"), 0,
+                   "2001-02-28T00:00:00\n2000-02-29T00:00:00\n")
+        self.check(zrvcomn("date", "diff", "--part", "hour", "--from", "2000-01-01T23:30",
+                           "2000-01-02T00:29", "2000-01-02T01:30"), 0, "0\n2\n")
+        self.check(zrvcomn("date", "part", "--part", "weekday", "--names", "2001-01-05"), 0,
+                   "Friday\n")
+        self.check(zrvcomn("date", "part", "--part", "weekday", "--firstday", "1", "2001-01-05"), 0,
+                   "5\n")
+        result = zrvcomn("date", "part", "--part", "iso-year", "--json", "-",
+                         stdin=b"2005-01-01\n2008-12-29\n")
+        self.assertEqual([json.loads(line)["result"] for line in result.out.splitlines()],
+                         ["2004", "2009"])
+
+    def test_date_failures(self):
+        self.check(zrvcomn("date", "format", "2001-02-30", "2001-01-05", "x", "2001-1-05",
+                           "2001-01-05T24:00", "2001-01-05T1:00", "2001-01-05T01:00:00.1234567"), 1,
+                   "2001-01-05 00:00:00.000000\n",
+                   "zrvcomn date: value 1: '2001-02-30': CS_CONV_DOMAIN\n"
+                   "zrvcomn date: value 3: 'x': CS_CONV_SYNTAX\n"
+                   "zrvcomn date: value 4: '2001-1-05': CS_CONV_SYNTAX\n"
+                   "zrvcomn date: value 5: '2001-01-05T24:00': CS_CONV_DOMAIN\n"
+                   "zrvcomn date: value 6: '2001-01-05T1:00': CS_CONV_SYNTAX\n"
+                   "zrvcomn date: value 7: '2001-01-05T01:00:00.1234567': CS_CONV_SYNTAX\n")
+        self.check(zrvcomn("date", "add", "--part", "day", "--count", "1", "9999-12-31"), 1, "",
+                   "zrvcomn date: value 1: '9999-12-31': CS_CONV_OVERFLOW\n")
+
+    def test_date_usage(self):
+        self.check_usage(zrvcomn("date", "formt", "2001-01-05"), "formt", "format")
+        self.check_usage(zrvcomn("date", "format"), "values")
+        self.check_usage(zrvcomn("date", "format", "--style", "24", "2001-01-05"), "24")
+        self.check_usage(zrvcomn("date", "add", "2001-01-05"), "--part")
+        self.check_usage(zrvcomn("date", "part", "--part", "mnth", "2001-01-05"), "month")
+        self.check_usage(zrvcomn("date", "diff", "--part", "day", "--from", "x", "2001-01-05"),
+                         "--from")
+        self.check_usage(zrvcomn("date", "part", "--all-styles", "--part", "day", "2001-01-05"),
+                         "--all-styles")
+
     # ---- completion ----
 
     def complete(self, line):
@@ -565,7 +619,7 @@ class Command(unittest.TestCase):
         # Every option of every subcommand, as its help has them.
         commands = zrvcomn("--help").out.split("Subcommands:\n")[1].split("\n\n")[0]
         for name in re.findall(r"^  (\w+) ", commands, re.M):
-            options = re.findall(r"^  (?:-\w,)?(--\w+)", zrvcomn(name, "--help").out, re.M)
+            options = re.findall(r"^  (?:-\w,)?(--[\w-]+)", zrvcomn(name, "--help").out, re.M)
             self.assertTrue(options)
             self.assertLessEqual(set(options), set(self.complete(["zrvcomn", name, "--"])))
         self.check_usage(zrvcomn("completion", "nonsense"), "nonsense")
@@ -619,11 +673,15 @@ class Command(unittest.TestCase):
 
     # ---- what it is linked to ----
 
-    # The command is a client like any other: it binds exported names only.
+    # The command is a client like any other: it binds the names of the contract. Beside them it takes
+    # only what has no public form: sums, differences, parts and text of microsecond dates.
     def test_exported_names_only(self):
-        needs = run(build.readelf, "--version-info", "--wide", command)
-        self.assertIn("ZRVCOMN_16", needs)
-        self.assertNotIn("ZRVCOMN_PRIVATE", needs)
+        symbols = run(build.readelf, "--dyn-syms", "--wide", command)
+        self.assertIn("@ZRVCOMN_16", symbols)
+        self.assertEqual(set(re.findall(r"(\w+)@+ZRVCOMN_PRIVATE", symbols)),
+                         {"Com__WeekDay", "com__bigdate_add", "com__bigdatediff",
+                          "com__bigdatename", "com__bigdatepart", "com__bigdatetimetochar",
+                          "com__get_months", "com__get_shortmonths"})
 
 
 if __name__ == "__main__":

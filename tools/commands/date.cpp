@@ -1,0 +1,273 @@
+// zrvcomn date: text, sums, differences and parts of dates.
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "input.h"
+#include "output.h"
+#include "status_names.h"
+#include "subcommand.h"
+#include "visible.h"
+#include "zrvcomn/datetime.h"
+
+namespace {
+
+using namespace zrvtool;
+
+constexpr CS_INT iso_style = 140; // with microseconds
+constexpr CS_INT last_style = 200;
+constexpr CS_BYTE bigdatetime_number = 187; // the protocol's number of CS_BIGDATETIME
+
+struct Options {
+  std::string action, part, from;
+  CS_INT style = iso_style, count = 0, firstday = 7;
+  bool all_styles = false, names = false, json = false;
+  std::vector<std::string> values;
+};
+
+// The parts by their codes.
+const std::vector<std::string> part_names = {
+    "year",   "quarter",     "month", "weekday",  "day",      "dayofyear",   "hour",       "minute",
+    "second", "millisecond", "week",  "iso-year", "iso-week", "iso-weekday", "microsecond"};
+
+int parse_part(const std::string &name) {
+  const auto found = std::find(part_names.begin(), part_names.end(), name);
+  if (name.empty())
+    throw UsageError("--part is missing");
+  if (found == part_names.end())
+    throw UsageError("there is no part '" + name + "'" + suggest(name, part_names));
+  return static_cast<int>(found - part_names.begin());
+}
+
+struct Parsed {
+  CS_RETCODE status;
+  CS_BIGDATETIME value;
+};
+
+// So many digits from the front of a text; nothing if they are not there.
+std::optional<CS_INT> take_number(std::string_view &text, size_t digits) {
+  if (text.size() < digits)
+    return std::nullopt;
+  CS_INT number = 0;
+  for (const char digit : text.substr(0, digits)) {
+    if (digit < '0' || digit > '9')
+      return std::nullopt;
+    number = number * 10 + (digit - '0');
+  }
+  text.remove_prefix(digits);
+  return number;
+}
+
+bool take(std::string_view &text, std::string_view any_of) {
+  if (text.empty() || any_of.find(text.front()) == std::string_view::npos)
+    return false;
+  text.remove_prefix(1);
+  return true;
+}
+
+// YYYY-MM-DD, or that with a "T" or a blank, hh:mm, and :ss and .ffffff if they are there.
+bool read_iso(std::string_view text, CS_DATEREC &fields) {
+  const auto read = [&](CS_INT &field, size_t digits) {
+    const auto number = take_number(text, digits);
+    field = number.value_or(0);
+    return number.has_value();
+  };
+  fields = {};
+  fields.datesecprec = 1000000;
+  if (!read(fields.dateyear, 4) || !take(text, "-") || !read(fields.datemonth, 2) ||
+      !take(text, "-") || !read(fields.datedmonth, 2))
+    return false;
+  --fields.datemonth;
+  if (text.empty())
+    return true;
+  if (!take(text, "T ") || !read(fields.datehour, 2) || !take(text, ":") ||
+      !read(fields.dateminute, 2))
+    return false;
+  if (text.empty())
+    return true;
+  if (!take(text, ":") || !read(fields.datesecond, 2))
+    return false;
+  if (text.empty())
+    return true;
+  if (!take(text, ".") || text.empty() || text.size() > 6)
+    return false;
+  std::string fraction(text);
+  fraction.resize(6, '0');
+  text = fraction;
+  return read(fields.datesecfrac, 6);
+}
+
+Parsed parse_date(std::string_view text) {
+  CS_DATEREC fields;
+  Parsed parsed{CS_CONV_SYNTAX, 0};
+  if (read_iso(text, fields))
+    parsed.status = com_bigdatetimemake(&parsed.value, &fields) == 0 ? CS_SUCCEED : CS_CONV_DOMAIN;
+  return parsed;
+}
+
+std::optional<std::string> show(CS_BIGDATETIME value, CS_INT style) {
+  char text[256];
+  const CS_INT length =
+      com__bigdatetimetochar(&value, text, sizeof text, style, com__get_shortmonths());
+  if (length < 0)
+    return std::nullopt;
+  return std::string(text, static_cast<size_t>(length));
+}
+
+// What comes of one value: its status and, if that is success, its text.
+struct Result {
+  CS_RETCODE status;
+  std::string text;
+};
+
+Result part_of(CS_BIGDATETIME value, int part, const Options &options) {
+  if (!options.names)
+    return {CS_SUCCEED, std::to_string(com__bigdatepart(part, &value, options.firstday))};
+  char text[32];
+  const CS_INT length =
+      com__bigdatename(part, &value, text, com__get_months(), const_cast<CS_CHAR **>(Com__WeekDay));
+  return {CS_SUCCEED, std::string(text, static_cast<size_t>(length))};
+}
+
+using Work = std::function<Result(CS_BIGDATETIME)>;
+
+Work make_work(const Options &options) {
+  if (options.action == "format")
+    return [&options](CS_BIGDATETIME value) {
+      return Result{CS_SUCCEED, show(value, options.style).value_or("")};
+    };
+  const int part = parse_part(options.part);
+  if (options.action == "add")
+    return [&options, part](CS_BIGDATETIME value) {
+      if (com__bigdate_add(part, options.count, &value, bigdatetime_number) != 0)
+        return Result{CS_CONV_OVERFLOW, ""};
+      return Result{CS_SUCCEED, show(value, options.style).value_or("")};
+    };
+  if (options.action == "part")
+    return [&options, part](CS_BIGDATETIME value) { return part_of(value, part, options); };
+  const Parsed from = parse_date(options.from);
+  if (from.status != CS_SUCCEED)
+    throw UsageError("--from takes a date as 2001-01-05 or 2001-01-05T13:30:15");
+  return [from, part](CS_BIGDATETIME value) {
+    CS_BIGDATETIME start = from.value;
+    CS_BIGINT difference = 0;
+    com__bigdatediff(part, &start, &value, &difference);
+    return Result{CS_SUCCEED, std::to_string(difference)};
+  };
+}
+
+void print_json(std::string &out, const InputValue &value, const nlohmann::ordered_json &more) {
+  nlohmann::ordered_json object;
+  object["line"] = value.line;
+  object["value"] = value.text;
+  object.update(more);
+  out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+void print_all_styles(std::string &out, const InputValue &value, CS_BIGDATETIME date, bool json) {
+  for (CS_INT style = 0; style <= last_style; ++style)
+    if (const auto text = show(date, style)) {
+      if (json)
+        print_json(out, value, {{"style", style}, {"result", *text}});
+      else
+        out += std::to_string(style) + "\t" + *text + "\n";
+    }
+}
+
+int run(const Options &options) {
+  const Work work = make_work(options);
+  Writer out(STDOUT_FILENO);
+  const bool from_stdin = options.values == std::vector<std::string>{"-"};
+  const auto input =
+      from_stdin ? lines_input([&] { out.flush(); }) : arguments_input(options.values);
+  int code = exit_success;
+  for (InputValue value; input->next(value);) {
+    const Parsed date = parse_date(value.text);
+    Result result{date.status, ""};
+    if (date.status == CS_SUCCEED) {
+      if (options.all_styles) {
+        print_all_styles(out.text, value, date.value, options.json);
+        out.settle();
+        continue;
+      }
+      result = work(date.value);
+    }
+    if (result.status != CS_SUCCEED) {
+      out.flush();
+      std::string text;
+      append_visible(text, value.text);
+      std::fprintf(stderr, "zrvcomn date: %s: '%s': %s\n", input->place(value.line).c_str(),
+                   text.c_str(), status_name(result.status).c_str());
+      code = exit_failure;
+    }
+    if (options.json)
+      print_json(
+          out.text, value,
+          {{"result", result.status == CS_SUCCEED ? nlohmann::json(result.text) : nlohmann::json()},
+           {"status", status_name(result.status)}});
+    else if (result.status == CS_SUCCEED)
+      out.text += result.text + "\n";
+    out.settle();
+  }
+  out.flush();
+  return code;
+}
+
+Subcommand::Run add(CLI::App &app) {
+  const auto options = std::make_shared<Options>();
+  app.add_option("action", options->action, "format, add, diff or part")
+      ->required()
+      ->type_name("ACTION");
+  app.add_option("--style", options->style, "Style of the text of format and add (140)")
+      ->type_name("NUMBER");
+  app.add_flag("--all-styles", options->all_styles, "format: print every style with its text");
+  app.add_option("--part", options->part, "add, diff, part: the part of the date, as 'month'")
+      ->type_name("PART");
+  app.add_option("--count", options->count, "add: how many of the part, of any sign")
+      ->type_name("NUMBER");
+  app.add_option("--from", options->from, "diff: the date that each value is compared with")
+      ->type_name("DATE");
+  app.add_option("--firstday", options->firstday,
+                 "part: the day that counts as 1, from Monday 1 to Sunday 7")
+      ->check(CLI::Range(1, 7))
+      ->type_name("DAY");
+  app.add_flag("--names", options->names, "part: the name of the part");
+  app.add_flag("--json", options->json, "Print one JSON object for each result");
+  app.add_option("values", options->values,
+                 "Dates as 2001-01-05 or 2001-01-05T13:30:15.123456, or '-' for the lines of "
+                 "standard input");
+  app.footer("Parts: year, quarter, month, weekday, day, dayofyear, hour, minute, second,\n"
+             "millisecond, week, iso-year, iso-week, iso-weekday, microsecond.\n"
+             "\nExamples:\n"
+             "  zrvcomn date format --all-styles 2001-01-05T13:30:15.123456\n"
+             "  zrvcomn date add --part month --count 1 --style 23 2001-01-31\n"
+             "  zrvcomn date diff --part day --from 2000-01-01 2001-01-01\n"
+             "  zrvcomn date part --part weekday --names 2001-01-05\n"
+             "\nExit codes: 0 all values done, 1 some failed, 2 wrong usage.");
+  return [options](const std::vector<std::string> &more_values) {
+    auto &all = options->values;
+    all.insert(all.end(), more_values.begin(), more_values.end());
+    const std::vector<std::string> actions = {"format", "add", "diff", "part"};
+    if (std::find(actions.begin(), actions.end(), options->action) == actions.end())
+      throw UsageError("there is no action '" + options->action + "'" +
+                       suggest(options->action, actions));
+    if (all.empty())
+      throw UsageError("no values: give some, or '-' for standard input");
+    if (all.size() > 1 && std::find(all.begin(), all.end(), "-") != all.end())
+      throw UsageError("'-' for standard input excludes other values");
+    if (options->all_styles && options->action != "format")
+      throw UsageError("--all-styles belongs to format");
+    if (!show(parse_date("2000-01-01").value, options->style))
+      throw UsageError("there is no style " + std::to_string(options->style));
+    return run(*options);
+  };
+}
+
+const Subcommand date("date", "Format dates, add to them, compare them, take them apart", add);
+
+} // namespace

@@ -208,7 +208,8 @@ typedef struct _csnstable {
   CS_INT nsversion;
 } CS_NS_TABLE;
 
-/* A state beyond the table's number of states, and a state without a list, have no events. */
+/* A state beyond the table's number of states, and a state without a list, have no events. Where
+ * that number is 0, the caller answers for every state that it asks for. */
 
 /* 1 if the event is allowed in the state, else 0. */
 ZRV_API CS_BOOL com_st_ver(CS_ST_TABLE *table, CS_STATE state, CS_EVENT event) ZRV_NOEXCEPT;

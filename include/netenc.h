@@ -64,7 +64,8 @@ ZRV_API CS_RETCODE com_uninitialize_tds_text(CS_VOID *handle, CS_BYTE *challenge
 /*
  * Enciphers a text into the hexadecimal form of a string block: COM_ENC_HEXLEN characters in lower
  * case, without a terminator. CS_SUCCEED; CS_FAIL, outputs unchanged, unless the text has 1 to
- * COM_ENC_MAXTEXT bytes and the salt COM_ENC_SALTLEN. Null pointers are fatal, CS_FAIL.
+ * COM_ENC_MAXTEXT bytes and the salt COM_ENC_SALTLEN. Null pointers with such a text length are
+ * fatal, CS_FAIL.
  */
 ZRV_API CS_RETCODE com_initialize_hex_strings(char *salt, int saltlen, char *plaintext,
                                               int plaintextlen, char *hextext,
@@ -75,7 +76,7 @@ ZRV_API CS_RETCODE com_initialize_hex_strings(char *salt, int saltlen, char *pla
  * CS_SUCCEED; CS_FAIL, outputs unchanged, unless the text has COM_ENC_HEXLEN characters, begins
  * with "0x01" and goes on in hexadecimal digits of either case, the salt has COM_ENC_SALTLEN bytes,
  * and the block names a length of at most COM_ENC_MAXTEXT. A wrong salt gives a wrong text, not a
- * failure. Null pointers are fatal, CS_FAIL.
+ * failure. Null pointers with that many characters are fatal, CS_FAIL.
  */
 ZRV_API CS_RETCODE com_uninitialize_hex_strings(char *salt, int saltlen, char *hextext,
                                                 int hextextlen, char *plaintext,

@@ -4,10 +4,11 @@
 
 namespace {
 
-// The list of a state, or null where the table has none.
+// The list of a state, or null where the table has none. A table that does not count its states is
+// taken at its word.
 template <class Item>
 const Item *list_of(Item **lists, CS_INT states, CS_STATE state) noexcept {
-  return lists != nullptr && state < states ? lists[state] : nullptr;
+  return lists != nullptr && (states <= 0 || state < states) ? lists[state] : nullptr;
 }
 
 // The first row of an event, or null.

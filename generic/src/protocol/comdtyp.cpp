@@ -132,6 +132,13 @@ constexpr bool is_indexed_by_type(const TypeTable &table) {
       return false;
   return true;
 }
+// True when the last row ends the map, and only that one.
+template <size_t Rows>
+constexpr bool is_ended(const TDS_DATAMAP (&map)[Rows]) {
+  return find_library_type(map, no_type) == &map[Rows - 1];
+}
+static_assert(is_ended(Com__tds_uniq_datatype_map));
+static_assert(is_ended(Com__tds_dup_datatype_map));
 static_assert(is_indexed_by_type(build_fixed()));
 static_assert(is_indexed_by_type(build_nullable()));
 

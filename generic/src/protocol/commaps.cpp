@@ -211,18 +211,20 @@ CS_RETCODE map_value(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval,
   return CS_FAIL;
 }
 
-// From library to wire a bit map ends where the library field says so, the other way at either
-// field.
+// From library to wire only the library field ends a bit map, and a row whose wire field differs
+// ends it only for values that it does not claim; the other way either field does.
 template <Field From>
-bool ends_bits(const TDS_TOKENMAP &row) noexcept {
-  return row.cs_tokenval == COM_TDS_BIT_END ||
-         (From == &TDS_TOKENMAP::tds_tokenval && row.tds_tokenval == COM_TDS_BIT_END);
+bool ends_bits(const TDS_TOKENMAP &row, CS_INT srcval) noexcept {
+  const bool ends_wire = row.tds_tokenval == COM_TDS_BIT_END;
+  if (row.cs_tokenval != COM_TDS_BIT_END)
+    return From == &TDS_TOKENMAP::tds_tokenval && ends_wire;
+  return From == &TDS_TOKENMAP::tds_tokenval || ends_wire || (row.cs_tokenval & srcval) == 0;
 }
 
 template <Field From, Field To>
 void map_bits(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval, CS_INT *unmapval) noexcept {
   CS_INT claimed = 0;
-  for (const TDS_TOKENMAP *row = map; !ends_bits<From>(*row); ++row)
+  for (const TDS_TOKENMAP *row = map; !ends_bits<From>(*row, srcval); ++row)
     if ((row->*From & srcval) != 0) {
       *destval |= row->*To;
       claimed |= row->*From & srcval;

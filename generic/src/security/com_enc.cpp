@@ -110,12 +110,12 @@ CS_RETCODE com_uninitialize_tds_text(CS_VOID *, CS_BYTE *challenge, CS_INT, CS_B
 
 CS_RETCODE com_initialize_hex_strings(char *salt, int saltlen, char *plaintext, int plaintextlen,
                                       char *hextext, int *hextextlen) noexcept {
+  if (plaintextlen < 1 || plaintextlen > COM_ENC_MAXTEXT)
+    return COMN_TRACE(CS_FAIL);
   COMN_CHECK_PTR(salt, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(plaintext, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(hextext, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(hextextlen, COMN_TRACE(CS_FAIL));
-  if (plaintextlen < 1 || plaintextlen > COM_ENC_MAXTEXT)
-    return COMN_TRACE(CS_FAIL);
   OCTET block[COM_ENC_BLOCKLEN];
   CS_INT blocklen;
   if (com__string_initialize(octets(salt), saltlen, octets(plaintext), plaintextlen, block,
@@ -133,11 +133,13 @@ CS_RETCODE com_initialize_hex_strings(char *salt, int saltlen, char *plaintext, 
 
 CS_RETCODE com_uninitialize_hex_strings(char *salt, int saltlen, char *hextext, int hextextlen,
                                         char *plaintext, int *plaintextlen) noexcept {
+  if (hextextlen != COM_ENC_HEXLEN)
+    return COMN_TRACE(CS_FAIL);
   COMN_CHECK_PTR(salt, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(hextext, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(plaintext, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(plaintextlen, COMN_TRACE(CS_FAIL));
-  if (hextextlen != COM_ENC_HEXLEN || std::memcmp(hextext, hex_prefix, hex_prefix_length) != 0)
+  if (std::memcmp(hextext, hex_prefix, hex_prefix_length) != 0)
     return COMN_TRACE(CS_FAIL);
   OCTET block[COM_ENC_BLOCKLEN];
   const char *digits = hextext + hex_prefix_length;

@@ -4,6 +4,7 @@
 // The subkeys of every key are kept once the table is built, 32 KB that all contexts of the process
 // share: running the key schedule nine times for each block took most of the time.
 #include <algorithm>
+#include <cstdint>
 
 #include "checks.h"
 #include "feal.h"
@@ -74,8 +75,10 @@ void com_init_text_mem() noexcept {
   }
 }
 
+// The index is not checked, so the address is computed where nothing can overflow.
 OCTET *comb_get_Netkey(CS_INT index) noexcept {
-  return Com__Netkey[0] + static_cast<ptrdiff_t>(index) * ptrdiff_t{sizeof Com__Netkey[0]};
+  return reinterpret_cast<OCTET *>(reinterpret_cast<uintptr_t>(Com__Netkey) +
+                                   static_cast<uintptr_t>(index) * sizeof Com__Netkey[0]);
 }
 
 void com__localization_convert(OCTET *input, OCTET *output, OCTET salt) noexcept {

@@ -95,7 +95,7 @@ ZRV_API void com_decrypt_bytes(CS_CHAR *enctext, CS_INT textlen) ZRV_NOEXCEPT;
  * built yet. */
 ZRV_API OCTET *comb_get_Netkey(CS_INT index) ZRV_NOEXCEPT;
 
-/* The key table as it is stored, enciphered: see ennkeys_table.inc for what it is and how to
+/* The key table as it is stored, enciphered: see ennkeys_table.h for what it is and how to
  * replace it. */
 extern ZRV_PRIVATE const OCTET Com__Enkeys[256][32];
 

@@ -18,7 +18,7 @@ def octets(text):
 
 class Ennkeys(unittest.TestCase):
     def test_committed_table_is_generated(self):
-        self.assertEqual((folder / "ennkeys_table.inc").read_text(), run(sys.executable, generator))
+        self.assertEqual((folder / "ennkeys_table.h").read_text(), run(sys.executable, generator))
 
     def test_another_table(self):
         table = bytes((7 * i + i // 256) % 256 for i in range(8192))
@@ -27,7 +27,7 @@ class Ennkeys(unittest.TestCase):
             file.flush()
             text = run(sys.executable, generator, "--table", file.name)
         self.assertEqual(octets(text), table)
-        committed = (folder / "ennkeys_table.inc").read_text()
+        committed = (folder / "ennkeys_table.h").read_text()
         self.assertEqual(re.sub("0x..", "0x", text), re.sub("0x..", "0x", committed))
 
     def test_wrong_size_is_refused(self):

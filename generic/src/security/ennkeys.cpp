@@ -2,5 +2,5 @@
 #include "netenc.h"
 
 const OCTET Com__Enkeys[256][32] = {
-#include "ennkeys_table.inc"
+#include "ennkeys_table.h"
 };

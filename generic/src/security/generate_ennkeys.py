@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the stored key table of the password cipher, ennkeys_table.inc.
+"""Writes the stored key table of the password cipher, ennkeys_table.h.
 
 The table has 256 rows of 32 bytes. Nothing depends on any particular value: by default the rows are
 SHA-256 digests of a fixed label and the row number, so that every build of this library has the same
@@ -9,7 +9,7 @@ An installation that must interoperate with peers of another origin, or read hex
 that they stored, needs the table of those peers. Put its 8192 bytes, as stored (enciphered), into a
 file and run
 
-    generate_ennkeys.py --table FILE > ennkeys_table.inc
+    generate_ennkeys.py --table FILE > ennkeys_table.h
 
 then build the library again.
 """
@@ -47,7 +47,6 @@ def main():
         octets = [f"0x{octet:02x}" for octet in row]
         print("{" + ", ".join(octets[:16]) + ",")
         print(" " + ", ".join(octets[16:]) + "},")
-    print("// clang-format on")
 
 
 main()

@@ -195,20 +195,18 @@ static_assert(ends_with(Com__tds_rowfmt_map[10], COM_TDS_BIT_END));
 // One direction: which field of a row is looked at and which one answers.
 using Field = CS_INT TDS_TOKENMAP::*;
 
-bool is_end(const TDS_TOKENMAP &row) noexcept {
-  return ends_with(row, COM_TDS_UNIQ_END) || ends_with(row, COM_TDS_BIT_END);
-}
-
 template <Field From, Field To>
-CS_RETCODE map_value(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval,
+CS_RETCODE map_value(const TDS_TOKENMAP *row, CS_INT end, CS_INT srcval, CS_INT *destval,
                      CS_INT *unmapval) noexcept {
-  for (const TDS_TOKENMAP *row = map; !is_end(*row); ++row)
-    if (row->*From == srcval) {
-      *destval = row->*To;
-      return CS_SUCCEED;
-    }
-  *unmapval = srcval;
-  return CS_FAIL;
+  while (row->*From != srcval && (row->*From != end || row->*To != end))
+    ++row;
+  // A source that looks like the end row stops there as well.
+  if (ends_with(*row, end)) [[unlikely]] {
+    *unmapval = srcval;
+    return CS_FAIL;
+  }
+  *destval = row->*To;
+  return CS_SUCCEED;
 }
 
 // From library to wire only the library field ends a bit map, and a row whose wire field differs
@@ -239,9 +237,25 @@ CS_RETCODE map_token(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval, CS
   *destval = 0;
   *unmapval = 0;
   if (is_uniq || srcval == 0)
-    return map_value<From, To>(map, srcval, destval, unmapval);
+    return map_value<From, To>(map, is_uniq ? COM_TDS_UNIQ_END : COM_TDS_BIT_END, srcval, destval,
+                               unmapval);
   map_bits<From, To>(map, srcval, destval, unmapval);
   return CS_SUCCEED;
+}
+
+// The library's own values are all known; what comes from the wire need not be.
+CS_RETCODE map_to_wire(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval, CS_INT *unmapval,
+                       CS_BOOL is_uniq) noexcept {
+  const CS_RETCODE status = map_token<&TDS_TOKENMAP::cs_tokenval, &TDS_TOKENMAP::tds_tokenval>(
+      map, srcval, destval, unmapval, is_uniq);
+  COMN_CHECK(status == CS_SUCCEED, CS_FAIL);
+  return status;
+}
+
+CS_RETCODE map_to_library(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval, CS_INT *unmapval,
+                          CS_BOOL is_uniq) noexcept {
+  return map_token<&TDS_TOKENMAP::tds_tokenval, &TDS_TOKENMAP::cs_tokenval>(map, srcval, destval,
+                                                                            unmapval, is_uniq);
 }
 
 struct Version {
@@ -268,11 +282,7 @@ CS_RETCODE com__tds_cstotds_map(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *
   COMN_CHECK_PTR(map, CS_FAIL);
   COMN_CHECK_PTR(destval, CS_FAIL);
   COMN_CHECK_PTR(unmapval, CS_FAIL);
-  const CS_RETCODE status = map_token<&TDS_TOKENMAP::cs_tokenval, &TDS_TOKENMAP::tds_tokenval>(
-      map, srcval, destval, unmapval, is_uniq);
-  // The library's own values are all known; what comes from the wire need not be.
-  COMN_CHECK(status == CS_SUCCEED, CS_FAIL);
-  return status;
+  return map_to_wire(map, srcval, destval, unmapval, is_uniq);
 }
 
 CS_RETCODE com__tds_tdstocs_map(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval,
@@ -280,8 +290,7 @@ CS_RETCODE com__tds_tdstocs_map(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *
   COMN_CHECK_PTR(map, CS_FAIL);
   COMN_CHECK_PTR(destval, CS_FAIL);
   COMN_CHECK_PTR(unmapval, CS_FAIL);
-  return map_token<&TDS_TOKENMAP::tds_tokenval, &TDS_TOKENMAP::cs_tokenval>(map, srcval, destval,
-                                                                            unmapval, is_uniq);
+  return map_to_library(map, srcval, destval, unmapval, is_uniq);
 }
 
 CS_RETCODE com_tds_maptoken(CS_INT mapindex, CS_INT srcval, CS_INT *destval, CS_INT *unmapval,
@@ -293,10 +302,9 @@ CS_RETCODE com_tds_maptoken(CS_INT mapindex, CS_INT srcval, CS_INT *destval, CS_
     return COMN_TRACE(CS_CONV_DOMAIN);
   const TDS_MAPARRAY &entry = Com__tds_maparray[mapindex];
   COMN_CHECK(entry.index == mapindex, COMN_TRACE(CS_FAIL));
-  return COMN_TRACE(
-      direction == COM_TDS_CSTOTDS
-          ? com__tds_cstotds_map(entry.map, srcval, destval, unmapval, entry.is_uniqmap)
-          : com__tds_tdstocs_map(entry.map, srcval, destval, unmapval, entry.is_uniqmap));
+  return COMN_TRACE(direction == COM_TDS_CSTOTDS
+                        ? map_to_wire(entry.map, srcval, destval, unmapval, entry.is_uniqmap)
+                        : map_to_library(entry.map, srcval, destval, unmapval, entry.is_uniqmap));
 }
 
 CS_RETCODE com_tds_version_map(CS_BYTE *tdsarray, CS_INT arraylen, CS_INT *tdssymbol,

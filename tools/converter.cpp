@@ -12,6 +12,7 @@
 #include "errors.h"
 #include "status_names.h"
 #include "visible.h"
+#include "zrvcomn/numeric.h"
 
 namespace zrvtool {
 
@@ -93,6 +94,49 @@ CS_RETCODE read_integer(CS_INT code, std::string_view text, char *dest) {
   }
 }
 
+// Reads a decimal number without an exponent into a numeric of the shape of `type`; blanks may
+// stand around it. The matrix has no way from text to the numerics yet either. No digit is dropped.
+CS_RETCODE read_numeric(const Type &type, std::string_view text, char *dest) {
+  const auto is_blank = [](char c) { return com_isspace(static_cast<CS_BYTE>(c)) != 0; };
+  while (!text.empty() && is_blank(text.front()))
+    text.remove_prefix(1);
+  while (!text.empty() && is_blank(text.back()))
+    text.remove_suffix(1);
+  CS_NUMERIC value{};
+  value.precision = static_cast<CS_BYTE>(type.precision);
+  value.scale = static_cast<CS_BYTE>(type.scale);
+  const bool negative = !text.empty() && text.front() == '-';
+  if (!text.empty() && (text.front() == '-' || text.front() == '+'))
+    text.remove_prefix(1);
+
+  // The digits as they would stand at the scale of the type.
+  const size_t point = std::min(text.find('.'), text.size());
+  std::string digits(text.substr(0, point));
+  std::string_view fraction = text.substr(std::min(point + 1, text.size()));
+  digits += fraction;
+  if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos)
+    return CS_CONV_SYNTAX;
+  if (fraction.size() > static_cast<size_t>(type.scale))
+    return CS_CONV_TRUNCATED;
+  digits.append(static_cast<size_t>(type.scale) - fraction.size(), '0');
+  digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
+  if (digits.size() > static_cast<size_t>(type.precision))
+    return CS_CONV_OVERFLOW;
+
+  const CS_INT length = comn_num_getlen(type.precision);
+  for (const char digit : digits) {
+    int carry = digit - '0';
+    for (CS_INT i = length - 1; i > 0; --i) {
+      carry += value.array[i] * 10;
+      value.array[i] = static_cast<CS_BYTE>(carry);
+      carry >>= 8;
+    }
+  }
+  value.array[0] = negative && !digits.empty();
+  std::memcpy(dest, &value, sizeof value);
+  return CS_SUCCEED;
+}
+
 bool is_own_integer(const Type &type) {
   return type.layout() == Layout::integer && type.code() != CS_TYPE_BIT;
 }
@@ -128,7 +172,7 @@ Converter::Converter(const Type &from_type, const Type &to_type, CS_INT format,
                      " to " + to.info->name);
   if (from.layout() != Layout::text && from.code() != CS_TYPE_VOID) {
     reader = context.conversion(CS_TYPE_CHAR, from.code());
-    if (reader == nullptr && !is_own_integer(from))
+    if (reader == nullptr && !is_own_integer(from) && from.layout() != Layout::exact)
       throw UsageError(std::string("this release reads no text as ") + from.info->name);
   }
   if (!capacity && !has_open_length(to.layout()))
@@ -168,6 +212,8 @@ CS_RETCODE Converter::read(std::string_view value) {
     source_format.maxlength = length;
     return CS_SUCCEED;
   }
+  if (reader == nullptr && from.layout() == Layout::exact)
+    return read_numeric(from, value, source_bytes.data());
   if (reader == nullptr)
     return read_integer(from.code(), value, source_bytes.data());
 

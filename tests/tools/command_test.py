@@ -147,6 +147,30 @@ class Command(unittest.TestCase):
         result = convert("void", "numeric(10,2)", "--plain", "--hex", "x")
         self.assertEqual(fields(result)[0][3][:6], "0a0200")
 
+    def test_numerics(self):
+        self.check(convert("numeric(9,2)", "decimal(20,1)", "--plain", "--hex", "--", "0.10", "-1.30"), 0,
+                   "0.10\t0.1\t12\t140100000000000000000001\tCS_SUCCEED\n"
+                   "-1.30\t-1.3\t12\t14010100000000000000000d\tCS_SUCCEED\n")
+        self.check(convert("int", "numeric(10,2)", "--plain", "7"), 0, "7\t7.00\t35\tCS_SUCCEED\n")
+        self.check(convert("numeric(5)", "varchar", "--plain", " +7 "), 0,
+                   " +7 \t7\t258\tCS_SUCCEED\n")
+        result = convert("numeric(5,2)", "numeric(5,1)", "--plain", "1.25", "1.234", "1000", "1e1", "")
+        self.assertEqual(result.code, 1)
+        self.assertEqual([row[-1] for row in fields(result)],
+                         ["CS_CONV_TRUNCATED", "CS_CONV_TRUNCATED", "CS_CONV_OVERFLOW",
+                          "CS_CONV_SYNTAX", "CS_CONV_SYNTAX"])
+        self.assertEqual(fields(result)[0][1], "1.2")
+
+    def test_total(self):
+        self.check(convert("numeric(5,2)", "numeric(5,2)", "--total", "--", "0.10", "-0.25", "7"), 0,
+                   "6.85\n")
+        self.check(convert("int", "numeric(77)", "--total", "1"), 0, "1\n")
+        result = convert("numeric(77)", "numeric(77)", "--total", "9" * 77, "1", "x")
+        self.assertEqual((result.code, result.out), (1, "9" * 77 + "\n"))
+        self.assertIn("CS_CONV_OVERFLOW", result.err)
+        self.assertIn("CS_CONV_SYNTAX", result.err)
+        self.check_usage(convert("int", "bigint", "--total", "1"), "--total", "bigint")
+
     # Words behind '--' are values, in addition to those before it; a number needs none.
     def test_values_behind_dashes(self):
         for words in (["5", "--", "-7"], ["--", "5", "-7"], ["5", "-7"]):

@@ -1,6 +1,7 @@
 // zrvcomn convert: values from one datatype to another.
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <memory>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include "status_names.h"
 #include "subcommand.h"
 #include "visible.h"
+#include "zrvcomn/numeric.h"
 
 namespace {
 
@@ -21,6 +23,7 @@ struct Options {
   std::string from, to, format, csv, column;
   int maxlength = 0;
   bool has_maxlength = false, from_stdin = false, hex = false, json = false, plain = false;
+  bool total = false;
   std::vector<std::string> values;
 };
 
@@ -98,6 +101,45 @@ private:
   Writer err;
 };
 
+// The sum of the results, added as exact numerics.
+class Total {
+public:
+  // A result that was stored; returns the status of the addition.
+  CS_RETCODE add(std::string_view bytes) {
+    CS_NUMERIC value{};
+    std::memcpy(&value, bytes.data(), std::min(bytes.size(), sizeof value));
+    if (!has_value) {
+      has_value = true;
+      sum = value;
+      return CS_SUCCEED;
+    }
+    CS_NUMERIC next;
+    const CS_RETCODE status = comn_numadd(&sum, &value, &next);
+    if (is_success(status))
+      sum = next;
+    return status;
+  }
+
+  std::string text() {
+    if (!has_value)
+      return "0";
+    constexpr CS_INT longest = 80;
+    char digits[longest];
+    CS_CONTEXT context{};
+    CS_DATAFMT source{}, destination{};
+    source.datatype = CS_TYPE_NUMERIC;
+    destination.datatype = CS_TYPE_CHAR;
+    destination.maxlength = longest;
+    CS_INT length = 0;
+    comn_numtochar(&context, &source, &sum, &destination, digits, &length);
+    return std::string(digits, static_cast<size_t>(length));
+  }
+
+private:
+  CS_NUMERIC sum{};
+  bool has_value = false;
+};
+
 std::string quoted(std::string_view value) {
   constexpr size_t longest = 60;
   std::string text = "'";
@@ -109,6 +151,8 @@ int run(const Options &options) {
   const Type from = parse_type(options.from);
   const Type to = parse_type(options.to);
   const CS_INT format = parse_format(options.format);
+  if (options.total && to.layout() != Layout::exact)
+    throw UsageError("--total adds numerics, not " + std::string(to.info->name));
   Converter converter(from, to, format,
                       options.has_maxlength ? std::optional<CS_INT>(options.maxlength)
                                             : std::nullopt);
@@ -145,18 +189,23 @@ int run(const Options &options) {
     input = arguments_input(options.values);
 
   uint64_t count = 0;
+  Total total;
   InputValue value;
   try {
     while (input->next(value)) {
       const Outcome outcome = converter.convert(value.text);
-      rows.add({value.line, value.text, outcome.was_read, outcome.text, outcome.length,
-                outcome.bytes, outcome.status});
-      if (!is_success(outcome.status))
+      CS_RETCODE status = outcome.status;
+      if (!options.total)
+        rows.add({value.line, value.text, outcome.was_read, outcome.text, outcome.length,
+                  outcome.bytes, outcome.status});
+      else if (is_success(status))
+        status = total.add(outcome.bytes);
+      if (!is_success(status))
         failures.report(
             input->place(value.line),
             quoted(value.text) +
                 (outcome.was_read ? ": " : std::string(" is no ") + from.info->name + ": ") +
-                status_name(outcome.status));
+                status_name(status));
       progress.step(++count, input->progress());
     }
   } catch (const StreamError &) {
@@ -165,6 +214,10 @@ int run(const Options &options) {
     throw;
   }
   show_so_far();
+  if (options.total) {
+    out.text += total.text() + "\n";
+    out.flush();
+  }
   return failures.any ? exit_failure : exit_success;
 }
 
@@ -194,6 +247,9 @@ Subcommand::Run add(CLI::App &app) {
       app.add_flag("--json", options->json, "Print one JSON object for each value");
   app.add_flag("--plain", options->plain, "Print columns with tabs between, without a header")
       ->excludes(json);
+  app.add_flag("--total", options->total,
+               "Print the sum of the results, which must be numerics, in place of them")
+      ->excludes(json);
   app.add_option("values", options->values, "Values, or '-' for the lines of standard input");
   csv->needs(column);
   column->needs(csv);
@@ -205,6 +261,7 @@ Subcommand::Run add(CLI::App &app) {
       "  zrvcomn convert --from int --to 'char(8)' --format nullterm,padblank --hex 12345\n"
       "  seq 1000 | zrvcomn convert --from int --to 'binary(4)' --json -\n"
       "  zrvcomn convert --from bigint --to smallint --csv countries.csv --column population\n"
+      "  zrvcomn convert --from 'numeric(9,2)' --to 'numeric(20,2)' --total 0.10 0.20\n"
       "\nExit codes: 0 all values converted, 1 some failed, 2 wrong usage.");
   return [options, maxlength, csv](const std::vector<std::string> &more_values) {
     options->has_maxlength = maxlength->count() > 0;

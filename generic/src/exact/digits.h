@@ -36,11 +36,6 @@ inline char *write_number(char *end, Limb *limbs, int size) noexcept {
   return end;
 }
 
-// 10^exponent as a limb, exponent 0 to limb_digits.
-constexpr Limb limb_power(int exponent) noexcept {
-  return power_of_ten(exponent).limbs[0];
-}
-
 inline bool is_digit(char c) noexcept {
   return static_cast<unsigned char>(c - '0') < 10;
 }

@@ -351,6 +351,11 @@ constexpr const Power &power_of_ten(int exponent) noexcept {
   return powers.rows[exponent];
 }
 
+// 10^exponent as a limb, exponent 0 to limb_digits.
+constexpr Limb limb_power(int exponent) noexcept {
+  return power_of_ten(exponent).limbs[0];
+}
+
 // True when a trimmed number is at least 10 to the `digits`. Powers above the table are out of
 // reach for every value that the table's precisions describe.
 inline bool reaches_power(const Limb *limbs, int size, int digits) noexcept {

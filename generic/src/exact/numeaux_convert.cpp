@@ -109,8 +109,8 @@ CS_FLOAT closest_double(Number &number, int scale) noexcept {
 class DoubleText {
 public:
   explicit DoubleText(CS_FLOAT value) noexcept {
-    // One digit, the locale's point, sixteen digits, an exponent.
-    char printed[1024];
+    // A sign, one digit, the locale's point, sixteen digits, an exponent.
+    char printed[64];
     const int length = std::snprintf(printed, sizeof printed, "%.16e", value);
     const char *from = printed;
     if (*from == '-')

@@ -92,7 +92,12 @@ public:
 
   // False when the magnitude has run out of its room.
   bool flush() noexcept {
-    if (pending_digits > 0) {
+    if (number.size == 0) {
+      number.limbs[0] = pending;
+      number.size = pending != 0;
+      pending = 0;
+      pending_digits = 0;
+    } else if (pending_digits > 0) {
       const Limb carry = exact::multiply_add(number.limbs, number.size,
                                              exact::limb_power(pending_digits), pending);
       if (carry != 0)

@@ -158,26 +158,45 @@ int store_sum(int size, CS_NUMERIC &result, const Shape &shape, const Limb *a, c
   return store_sum<Size>(result, shape, a, b, a_negative, b_negative);
 }
 
-[[gnu::noinline]] int add_aligned(const CS_NUMERIC &left, const CS_NUMERIC &right,
-                                  CS_NUMERIC &result, bool subtracting) noexcept {
-  Operand a, b;
-  a.load(left);
-  b.load(right);
+// The same for an operand of one limb and a precision that one limb holds.
+bool align_limb(Limb &limb, const CS_NUMERIC &value, const Shape &common) noexcept {
+  if (value.precision >= common.precision && value.scale >= common.scale)
+    return true;
+  return !__builtin_mul_overflow(limb, exact::limb_power(common.scale - value.scale), &limb) &&
+         limb < exact::limb_power(common.precision);
+}
+
+int refuse_sum(CS_NUMERIC &result, const Shape &shape) noexcept {
+  result.precision = static_cast<CS_BYTE>(shape.precision);
+  result.scale = static_cast<CS_BYTE>(shape.scale);
+  return NUME_OVERFLOW;
+}
+
+int add_aligned(const CS_NUMERIC &left, const CS_NUMERIC &right, CS_NUMERIC &result,
+                bool subtracting) noexcept {
   const int integers = std::max(left.precision - left.scale, right.precision - right.scale);
   Shape shape;
   shape.scale = std::max(left.scale, right.scale);
   shape.precision = std::min(integers + shape.scale, max_power);
-  const bool aligned = align(a, left, shape) && align(b, right, shape);
-  const int size = exact::limbs_for(exact::magnitude_bytes(shape.precision));
-  shape.precision = std::min(shape.precision + 1, max_power);
-  if (!aligned) {
-    result.precision = static_cast<CS_BYTE>(shape.precision);
-    result.scale = static_cast<CS_BYTE>(shape.scale);
-    return NUME_OVERFLOW;
+  const Shape sum_shape{std::min(shape.precision + 1, max_power), shape.scale};
+  const bool a_negative = left.array[0] != 0, b_negative = (right.array[0] != 0) != subtracting;
+  if (shape.precision <= exact::limb_digits) {
+    Limb a, b;
+    exact::load_limbs(&a, 1, left, exact::magnitude_bytes(left.precision));
+    exact::load_limbs(&b, 1, right, exact::magnitude_bytes(right.precision));
+    if (!align_limb(a, left, shape) || !align_limb(b, right, shape))
+      return refuse_sum(result, sum_shape);
+    return store_sum<1>(result, sum_shape, &a, &b, a_negative, b_negative);
   }
+  Operand a, b;
+  a.load(left);
+  b.load(right);
+  if (!align(a, left, shape) || !align(b, right, shape))
+    return refuse_sum(result, sum_shape);
+  const int size = exact::limbs_for(exact::magnitude_bytes(shape.precision));
   a.extend(size);
   b.extend(size);
-  return store_sum(size, result, shape, a.limbs, b.limbs, a.negative, b.negative != subtracting);
+  return store_sum(size, result, sum_shape, a.limbs, b.limbs, a_negative, b_negative);
 }
 
 // Operands of one shape, whose magnitudes have `Size` limbs.

@@ -107,12 +107,15 @@ inline bool is_negative(const __CONSTANT &value) noexcept {
 
 // Loads a magnitude of any length; false when it has more than operand_bytes.
 inline bool load_number(Number &number, const __CONSTANT &from) noexcept {
+  number.size = 0;
+  if (from.len <= 1)
+    return true;
   int bytes = from.len - 1;
   const CS_BYTE *magnitude = from.value + 1;
   for (; bytes > operand_bytes; --bytes)
     if (*magnitude++ != 0)
       return false;
-  number.size = bytes > 0 ? trim(number.limbs, load_bytes(number.limbs, magnitude, bytes)) : 0;
+  number.size = trim(number.limbs, load_bytes(number.limbs, magnitude, bytes));
   return true;
 }
 

@@ -13,8 +13,11 @@ struct Significant {
   const CS_BYTE *bytes;
   CS_INT count;
 
-  explicit Significant(const __CONSTANT &from) noexcept
-      : bytes(from.value + 1), count(from.len - 1) {
+  explicit Significant(const __CONSTANT &from) noexcept {
+    // A value without magnitude may have no bytes at all.
+    static constexpr CS_BYTE nothing = 0;
+    bytes = from.len > 1 ? from.value + 1 : &nothing;
+    count = from.len - 1;
     while (count > 0 && *bytes == 0) {
       ++bytes;
       --count;

@@ -6,11 +6,17 @@
 
 namespace comn::calendar {
 
-inline void set_date_fields(CS_DATEREC &fields, CS_INT days) noexcept {
+// The fields that a text can show.
+inline Date set_shown_date_fields(CS_DATEREC &fields, CS_INT days) noexcept {
   const Date date = crack_day(days);
   fields.dateyear = date.year;
   fields.datemonth = date.month;
   fields.datedmonth = date.day;
+  return date;
+}
+
+inline void set_date_fields(CS_DATEREC &fields, CS_INT days) noexcept {
+  const Date date = set_shown_date_fields(fields, days);
   fields.datedyear = date.day_of_year;
   fields.datedweek = weekday(days);
 }

@@ -21,6 +21,8 @@ constexpr CS_INT no_name = -2;
 // A field holds the last digits of a number, whose sign does not show.
 constexpr uint32_t last_digits(CS_INT value, uint32_t modulus) noexcept {
   const auto magnitude = static_cast<uint32_t>(value);
+  if (magnitude < modulus) [[likely]]
+    return magnitude;
   return (value < 0 ? 0U - magnitude : magnitude) % modulus;
 }
 
@@ -231,7 +233,7 @@ CS_INT com__datetochar(CS_DATETIME *value, CS_CHAR *buf, CS_INT len, CS_INT styl
   COMN_CHECK_PTR(value, cut);
   COMN_CHECK_PTR(buf, cut);
   CS_DATEREC fields;
-  set_date_fields(fields, value->dtdays);
+  set_shown_date_fields(fields, value->dtdays);
   set_time_fields(fields, value->dttime);
   return format(find(date_layouts, style), fields, buf, len, shortmths, tick_precision);
 }
@@ -250,7 +252,7 @@ CS_INT com__bigdatetimetochar(CS_BIGDATETIME *value, CS_CHAR *buf, CS_INT len, C
   COMN_CHECK_PTR(buf, cut);
   CS_DATEREC fields;
   const BigParts parts = split_big(*value);
-  set_date_fields(fields, parts.days);
+  set_shown_date_fields(fields, parts.days);
   set_bigtime_fields(fields, parts.micros);
   return format(find(date_layouts, style), fields, buf, len, shortmths, micro_precision);
 }
@@ -271,7 +273,7 @@ CS_INT com__timeatochar(CS_TIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
   COMN_CHECK_PTR(value, cut);
   COMN_CHECK_PTR(buf, cut);
   CS_DATEREC fields;
-  set_date_fields(fields, 0);
+  set_shown_date_fields(fields, 0);
   set_time_fields(fields, *value);
   return format(find(time_layouts, style), fields, buf, len, shortmths, tick_precision);
 }
@@ -281,7 +283,7 @@ CS_INT com__dateatochar(CS_DATE *value, CS_CHAR *buf, CS_INT len, CS_INT style,
   COMN_CHECK_PTR(value, cut);
   COMN_CHECK_PTR(buf, cut);
   CS_DATEREC fields;
-  set_date_fields(fields, *value);
+  set_shown_date_fields(fields, *value);
   set_time_fields(fields, 0);
   const bool is_date_only = style == 0 || style == 9;
   const Layout *layout = is_date_only ? &date_only_layout : find(date_layouts, style);

@@ -308,8 +308,8 @@ CS_VOID *bytes_of(std::string_view key) {
 }
 
 void compare_chained() {
-  // The tables are sized to their load: the next prime, because the hash of texts is a sum whose low
-  // bits vary little.
+  // The tables are sized to their load: the next prime, because the hash of texts is a sum whose
+  // low bits vary little.
   for (const auto &[count, buckets] : {std::pair{512U, 521}, {65536U, 65537}}) {
     const auto present = make_keys(count, 'k'), absent = make_keys(count, 'm');
     const auto size = static_cast<CS_INT>(count);

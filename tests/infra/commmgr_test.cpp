@@ -608,7 +608,7 @@ TEST_F(Locking, SettingTheUnlockLastUnlocks) {
 
 TEST_F(Locking, EveryPathOfAPropertyReleases) {
   install();
-  CS_INT value = -1;
+  CS_VOID *value = nullptr;
   int calls = 0;
   const auto balanced = [&] {
     ++calls;

@@ -824,8 +824,9 @@ TEST_F(ChainedTest, DeletionWithoutAKeyLeavesAHead) {
     defaults(10, poolsize);
     list = make(LM_CHASH);
     const auto first = keys_in_bucket(0, 2), other = keys_in_bucket(4, 3);
-    for (const auto &keys : {first, other})
-      for (const auto &key : keys)
+    // The list keeps the addresses of the keys.
+    for (const auto *const keys : {&first, &other})
+      for (const auto &key : *keys)
         ASSERT_EQ(op(list, LM_OP_INSERT, key.c_str(), key.c_str()), CS_SUCCEED);
     // Current is the head of bucket 4.
     DLinkNode *const stale = info()->table[4];
@@ -1105,7 +1106,8 @@ TEST_F(ChainedTest, ResizeLosesAllButTheHeads) {
   const auto keys = keys_in_bucket(2, 3);
   for (const auto &key : keys)
     ASSERT_EQ(op(list, LM_OP_INSERT, key.c_str(), key.c_str()), CS_SUCCEED);
-  ASSERT_EQ(op(list, LM_OP_INSERT, keys_in_bucket(5, 1)[0].c_str(), "alone"), CS_SUCCEED);
+  const auto alone = keys_in_bucket(5, 1);
+  ASSERT_EQ(op(list, LM_OP_INSERT, alone[0].c_str(), "alone"), CS_SUCCEED);
   CS_INT size = 100;
   ASSERT_EQ(lm_list_prop(list, LM_ACTION_SET, LM_HDL_MAX_TABLESIZE, &size, 0, nullptr), CS_SUCCEED);
   EXPECT_EQ(info()->table_size, 100);

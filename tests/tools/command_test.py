@@ -6,8 +6,11 @@ import pty
 import re
 import select
 import shutil
+import signal
 import subprocess
 import tempfile
+import termios
+import time
 import unittest
 from pathlib import Path
 
@@ -706,6 +709,165 @@ class Command(unittest.TestCase):
                          {"Com__WeekDay", "com__bigdate_add", "com__bigdatediff",
                           "com__bigdatename", "com__bigdatepart", "com__bigdatetimetochar",
                           "com__get_months", "com__get_shortmonths"})
+
+
+    # ---- crypt ----
+
+    salt, other_salt = b"\x01\x02\x03\x04\x05\x06\x07\x08", b"12345678"
+    secret_hex = "0x0102793154c7ec100920f480a2ab11f64fb8dbf833bab79bb0da2799db2df63ec506"
+
+    def crypt(self, action, *lines, end=b"\n"):
+        return zrvcomn("crypt", "hex", action, stdin=b"\n".join(lines) + end)
+
+    def test_crypt_hex(self):
+        for salt in (self.salt, b"0x0102030405060708"):
+            with self.subTest(salt):
+                self.check(self.crypt("encode", salt, b"secret"), 0, self.secret_hex + "\n")
+                self.check(self.crypt("decode", salt, self.secret_hex.encode()), 0, "secret\n")
+        # Lines may end in CR LF, the last one in nothing; digits may be of either case.
+        self.check(self.crypt("encode", self.salt + b"\r", b"secret\r"), 0, self.secret_hex + "\n")
+        self.check(self.crypt("encode", self.salt, b"secret", end=b""), 0, self.secret_hex + "\n")
+        upper = b"0x01" + self.secret_hex[4:].upper().encode()
+        self.check(self.crypt("decode", self.salt, upper), 0, "secret\n")
+
+    # Sixteen digits behind 0x are bytes in either case of the digits.
+    def test_crypt_salt_in_hexadecimal(self):
+        salt = bytes.fromhex("abcdef99fefcaa09")
+        plain = self.crypt("encode", salt, b"x")
+        self.assertEqual(plain.code, 0)
+        for spelled in (b"0xabcdef99fefcaa09", b"0xABCDEF99FEFCAA09"):
+            self.check(self.crypt("encode", spelled, b"x"), 0, plain.out)
+
+    # What comes out is what went in, byte for byte.
+    def test_crypt_any_bytes(self):
+        for size in (1, 29, 30):
+            text = bytes(b for b in range(200, 200 + size + 1) if b != 10)[:size]
+            text = b"\\" + text[1:]
+            form = self.crypt("encode", self.other_salt, text)
+            self.assertEqual((form.code, len(form.out)), (0, 71))
+            self.assertEqual(self.crypt("decode", self.other_salt, form.out.strip().encode()).raw,
+                             text + b"\n")
+
+    def test_crypt_refuses(self):
+        for action, lines, message in (
+                ("encode", [self.salt, b""], "a text has 1 to 30 bytes, not 0: CS_FAIL"),
+                ("encode", [self.salt, b"x" * 31], "a text has 1 to 30 bytes, not 31: CS_FAIL"),
+                ("encode", [self.salt, b"x" * 1025], "the text is too long"),
+                ("encode", [b"1234567", b"x"], "a salt has 8 bytes"),
+                ("encode", [b"123456789", b"x"], "a salt has 8 bytes"),
+                ("encode", [b"0x010203040506070g", b"x"], "a salt has 8 bytes"),
+                ("decode", [self.salt, self.secret_hex[:-2].encode()], "CS_FAIL"),
+                ("decode", [self.salt, self.secret_hex[:-1].encode() + b"g"], "CS_FAIL"),
+                ("decode", [self.salt, b"0x02" + self.secret_hex[4:].encode()], "CS_FAIL"),
+                ("decode", [self.salt, self.secret_hex[:-2].encode() + b"1f"], "CS_FAIL")):
+            with self.subTest(message):
+                result = self.crypt(action, *lines)
+                self.assertEqual((result.code, result.out), (1, ""))
+                self.assertRegex(result.err, r"\Azrvcomn crypt: [^\n]+\n\Z")
+                self.assertIn(message, result.err)
+                self.assertNotIn("1234567", result.err)
+
+    def test_crypt_input_that_ends_early(self):
+        self.check(zrvcomn("crypt", "hex", "encode"), 1, "",
+                   "zrvcomn crypt: standard input ended before the salt\n")
+        self.check(zrvcomn("crypt", "hex", "encode", stdin=b"12345678\n"), 1, "",
+                   "zrvcomn crypt: standard input ended before the text\n")
+
+    # Nothing secret comes from the arguments, and what is there is not repeated.
+    def test_crypt_takes_no_secret_argument(self):
+        for words in (("encode", "hunter2"), ("encode", "--", "hunter2"), ("decode", "a", "hunter2")):
+            result = zrvcomn("crypt", "hex", *words)
+            self.check_usage(result, "standard input")
+            self.assertNotIn("hunter2", result.err)
+
+    def test_crypt_usage(self):
+        self.check_usage(zrvcomn("crypt"))
+        self.check_usage(zrvcomn("crypt", "hex"))
+        self.check_usage(zrvcomn("crypt", "base64", "encode"), "hex")
+        self.check_usage(zrvcomn("crypt", "hex", "encipher"), "encode and decode")
+
+    def crypt_on_terminal(self, converse):
+        """What the command prints where, and its exit status, with its input at a terminal."""
+        master, slave = pty.openpty()
+        try:
+            before = termios.tcgetattr(slave)
+            process = subprocess.Popen([command, "crypt", "hex", "encode"], stdin=slave,
+                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            converse(master, process)
+            out, err = process.communicate(timeout=60)
+            echoed = b""
+            while select.select([master], [], [], 0.2)[0]:
+                echoed += os.read(master, 4096)
+            self.assertEqual(termios.tcgetattr(slave), before)
+            return out, err, echoed, process.returncode
+        finally:
+            os.close(master)
+            os.close(slave)
+
+    def test_crypt_asks_without_echo(self):
+        def answer(master, process):
+            prompts = b""
+            for prompt, line in ((b"salt: ", b"12345678\n"), (b"text: ", b"secret\n")):
+                while not prompts.endswith(prompt):
+                    prompts += os.read(process.stderr.fileno(), 1)
+                self.await_quiet(master)
+                os.write(master, line)
+
+        out, err, echoed, code = self.crypt_on_terminal(answer)
+        self.assertEqual((code, len(out), err), (0, 71, b"\n"))
+        self.assertEqual(out, self.crypt("encode", b"12345678", b"secret").raw)
+        self.assertEqual(echoed, b"")
+
+    def await_quiet(self, terminal):
+        for _ in range(6000):
+            if not termios.tcgetattr(terminal)[3] & termios.ECHO:
+                return
+            time.sleep(0.01)
+        self.fail("the echo stays on")
+
+    # The terminal is as before when a signal ends the question.
+    def test_crypt_interrupted(self):
+        def interrupt(master, process):
+            self.await_quiet(master)
+            process.send_signal(signal.SIGINT)
+
+        out, err, echoed, code = self.crypt_on_terminal(interrupt)
+        self.assertEqual((code, out), (1, b""))
+        self.assertIn(b"interrupted", err)
+        self.assertEqual(echoed, b"")
+
+    # ---- types --wire ----
+
+    def test_types_wire(self):
+        lines = zrvcomn("types", "--wire").out.split("\n")
+        blank = lines.index("")
+        forms = {row[1]: row[2:] for row in (line.split() for line in lines[1:blank])}
+        self.assertEqual(len(forms), 40)
+        self.assertEqual(forms["char"], ["47", "255", "1", "39", "255", "1"])
+        self.assertEqual(forms["int"], ["56", "4", "0", "38", "4", "1"])
+        self.assertEqual(forms["varchar"], ["-"] * 6)
+        self.assertEqual(forms["blob"], ["36", "-", "0", "36", "-", "0"])
+        wire = [line.split() for line in lines[blank + 2:-1]]
+        self.assertEqual(len(wire), 49)
+        self.assertEqual([row for row in wire if row[0] == "38"],
+                         [["38", "tinyint", "1", "1", "yes"], ["38", "smallint", "2", "1", "yes"],
+                          ["38", "int", "4", "1", "yes"], ["38", "bigint", "8", "1", "yes"]])
+        self.assertIn(["45", "binary", "255", "1", "no"], wire)
+        self.assertIn(["36", "blob", "-", "0", "no"], wire)
+
+    def test_types_wire_json(self):
+        objects = [json.loads(line)
+                   for line in zrvcomn("types", "--wire", "--json").out.splitlines()]
+        self.assertEqual([object["code"] for object in objects], list(range(40)))
+        self.assertEqual(objects[27], {"code": 27, "name": "date",
+                                       "fixed": {"wire": 49, "maxlength": 4, "prefix": 0},
+                                       "nullable": {"wire": 123, "maxlength": 4, "prefix": 1}})
+        self.assertEqual(objects[18]["fixed"], None)
+        self.assertEqual(objects[26]["nullable"], {"wire": 36, "maxlength": None, "prefix": 0})
+
+    def test_types_wire_takes_no_filter(self):
+        self.check_usage(zrvcomn("types", "--wire", "--from", "int"), "--wire")
+        self.check_usage(zrvcomn("types", "--wire", "--to", "int"), "--wire")
 
 
 if __name__ == "__main__":

@@ -10,6 +10,7 @@
 #include "output.h"
 #include "subcommand.h"
 #include "type_names.h"
+#include "zrvcomn/commaps.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ using namespace zrvtool;
 struct Options {
   std::vector<std::string> from, to;
   bool json = false;
+  bool wire = false;
 };
 
 using TypeList = std::vector<const TypeInfo *>;
@@ -113,6 +115,96 @@ void print_json(std::string &out, Context &context, const TypeList &sources,
   }
 }
 
+// One form of a library type on the wire.
+struct WireForm {
+  CS_INT type, prefix, maxlength;
+};
+
+using FormLookup = CS_RETCODE (*)(CS_INT, CS_INT *, CS_INT *, CS_INT *) noexcept;
+
+// False for a type that has none.
+bool find_form(FormLookup lookup, CS_INT type, WireForm &form) {
+  return lookup(type, &form.type, &form.prefix, &form.maxlength) == CS_SUCCEED && form.type >= 0;
+}
+
+std::string form_text(FormLookup lookup, CS_INT type) {
+  WireForm form;
+  if (!find_form(lookup, type, form))
+    return right("-", 10) + right("-", 12) + right("-", 8);
+  return right(std::to_string(form.type), 10) +
+         right(form.maxlength == CS_UNUSED ? "-" : std::to_string(form.maxlength), 12) +
+         right(std::to_string(form.prefix), 8);
+}
+
+nlohmann::ordered_json form_json(FormLookup lookup, CS_INT type) {
+  WireForm form;
+  if (!find_form(lookup, type, form))
+    return nullptr;
+  nlohmann::ordered_json object;
+  object["wire"] = form.type;
+  object["maxlength"] = nullptr;
+  if (form.maxlength != CS_UNUSED)
+    object["maxlength"] = form.maxlength;
+  object["prefix"] = form.prefix;
+  return object;
+}
+
+// The library types of a wire type: one for all lengths, or one for each of some lengths.
+std::vector<std::pair<CS_INT, const TypeInfo *>> types_of(CS_INT wire_type) {
+  std::vector<std::pair<CS_INT, const TypeInfo *>> found;
+  CS_INT maxlength = 0, type = 0;
+  if (com_tds_get_tdsfixedlen(wire_type, &maxlength) == CS_SUCCEED) {
+    if (com_tds_get_cstype(wire_type, maxlength, &type) == CS_SUCCEED)
+      found.emplace_back(maxlength, &builtin_types()[static_cast<size_t>(type)]);
+    return found;
+  }
+  for (CS_INT length = 0; length < 256; ++length)
+    if (com_tds_get_cstype(wire_type, length, &type) == CS_SUCCEED)
+      found.emplace_back(length, &builtin_types()[static_cast<size_t>(type)]);
+  return found;
+}
+
+// What each library type is on the wire, without and with NULLs; then the way back.
+void print_wire(std::string &out) {
+  out += "code  " + padded("name", name_width - 2);
+  for (const char *form : {"fixed", "nullable"})
+    out += right(form, 10) + right("maxlength", 12) + right("prefix", 8);
+  out += '\n';
+  for (const TypeInfo &info : builtin_types())
+    out += right(std::to_string(info.code), 4) + "  " + padded(info.name, name_width - 2) +
+           form_text(com_tds_get_fixed_tdstype, info.code) +
+           form_text(com_tds_get_nullable_tdstype, info.code) + "\n";
+  out += "\nwire  " + padded("name", name_width) + "maxlength  prefix  null\n";
+  for (CS_INT wire_type = 0; wire_type < 256; ++wire_type) {
+    CS_INT prefix = 0;
+    CS_BOOL nullable = 0;
+    if (com_tds_get_tdsdatainfo(wire_type, &prefix, &nullable) != CS_SUCCEED)
+      continue;
+    for (const auto &[length, info] : types_of(wire_type))
+      out += right(std::to_string(wire_type), 4) + "  " + padded(info->name, name_width - 2) +
+             right(length == CS_UNUSED ? "-" : std::to_string(length), 11) +
+             right(std::to_string(prefix), 8) + (nullable != 0 ? "   yes" : "    no") + "\n";
+  }
+}
+
+void print_wire_json(std::string &out) {
+  for (const TypeInfo &info : builtin_types()) {
+    nlohmann::ordered_json object;
+    object["code"] = info.code;
+    object["name"] = info.name;
+    object["fixed"] = form_json(com_tds_get_fixed_tdstype, info.code);
+    object["nullable"] = form_json(com_tds_get_nullable_tdstype, info.code);
+    out += object.dump() + "\n";
+  }
+}
+
+int run_wire(bool json) {
+  Writer out(STDOUT_FILENO);
+  json ? print_wire_json(out.text) : print_wire(out.text);
+  out.flush();
+  return exit_success;
+}
+
 int run(const Options &options) {
   const TypeList sources = select(options.from);
   const TypeList targets = select(options.to);
@@ -145,15 +237,19 @@ Subcommand::Run add(CLI::App &app) {
       ->delimiter(',')
       ->type_name("TYPE");
   app.add_flag("--json", options->json, "Print one JSON object for each source type");
+  app.add_flag("--wire", options->wire, "Print the types of the wire protocol instead");
   app.footer("Examples:\n"
              "  zrvcomn types\n"
+             "  zrvcomn types --wire\n"
              "  zrvcomn types --from int,bigint\n"
              "  zrvcomn types --to char --json");
   return [options](const std::vector<std::string> &) {
     for (const auto *names : {&options->from, &options->to})
       for (const std::string &name : *names)
         parse_type(name);
-    return run(*options);
+    if (options->wire && (!options->from.empty() || !options->to.empty()))
+      throw UsageError("--wire excludes --from and --to");
+    return options->wire ? run_wire(options->json) : run(*options);
   };
 }
 

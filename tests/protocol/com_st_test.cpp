@@ -15,18 +15,19 @@ using namespace zrvtest;
 
 constexpr const char *unit = "com_st.cpp";
 
-// Three states; the last one has empty lists. Event 7 stands twice: its first row counts.
+// Three states; the last one has empty lists. Event 7 stands twice: its first row counts. Behind
+// the three stand lists that belong to no state and must not be asked.
 CS_EVENT allowed_idle[] = {1, 7, 0, 254, 255};
 CS_EVENT allowed_busy[] = {7, 255};
 CS_EVENT allowed_never[] = {255};
-CS_EVENT *allowed[] = {allowed_idle, allowed_busy, allowed_never};
+CS_EVENT *allowed[] = {allowed_idle, allowed_busy, allowed_never, allowed_busy};
 
 CS_DEPEND depends[] = {{7, 1}, {0, 255}, {7, 2}, {255, 9}};
 
 CS_EVENT_NS from_idle[] = {{1, 1}, {7, 149}, {7, 2}, {0, 254}, {254, 0}, {255, 3}};
 CS_EVENT_NS from_busy[] = {{7, 0}, {149, 149}, {255, 255}};
 CS_EVENT_NS from_dead[] = {{255, 0}};
-CS_EVENT_NS *transitions[] = {from_idle, from_busy, from_dead};
+CS_EVENT_NS *transitions[] = {from_idle, from_busy, from_dead, from_busy};
 
 CS_ST_TABLE state_table() {
   CS_ST_TABLE table{};

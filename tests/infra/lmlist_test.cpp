@@ -850,6 +850,49 @@ TEST_F(ChainedTest, DeletionWithoutAKeyLeavesAHead) {
   }
 }
 
+// The current entry moves on to the successor, so the next deletion without a key takes that one
+// and leaves two such heads in a row.
+TEST_F(ChainedTest, DeletionsWithoutAKeyInARow) {
+  const auto other = keys_in_bucket(4, 3);
+  const auto start = [&](size_t deleted) {
+    list = make(LM_CHASH);
+    for (const auto &key : other)
+      ASSERT_EQ(op(list, LM_OP_INSERT, key.c_str(), key.c_str()), CS_SUCCEED);
+    for (size_t i = 0; i < deleted; ++i)
+      ASSERT_EQ(op(list, LM_OP_DELETE), CS_SUCCEED);
+    ASSERT_EQ(load(list), static_cast<CS_INT>(3 - deleted));
+  };
+  for (const CS_INT poolsize : {0, 5}) {
+    defaults(10, poolsize);
+    for (const size_t deleted : {size_t{2}, size_t{3}}) {
+      // None of them is found, walked over or in the way.
+      start(deleted);
+      EXPECT_EQ(find(other[2]), "(miss)");
+      EXPECT_EQ(find(other[1]), "(miss)");
+      EXPECT_EQ(find(other[0]), deleted == 2 ? other[0] : "(miss)");
+      EXPECT_EQ(info()->table[4] == nullptr, deleted == 3);
+      CS_PRINT_FUNC no_null = [](CS_VOID *data) { return data != nullptr ? CS_SUCCEED : CS_FAIL; };
+      start(deleted);
+      EXPECT_EQ(lm_list_op(list, LM_OP_APPLY, nullptr, 0, &no_null, nullptr), CS_SUCCEED);
+      start(deleted);
+      ASSERT_EQ(op(list, LM_OP_INSERT, other[1].c_str(), "again"), CS_SUCCEED);
+      EXPECT_EQ(find(other[1]), "again");
+      EXPECT_EQ(static_cast<DLinkNode *>(list->cur_ptr)->next == nullptr, deleted == 3);
+      EXPECT_EQ(op(list, LM_OP_DELETE, other[1].c_str()), CS_SUCCEED);
+      // Nor do they come back with another table.
+      start(deleted);
+      CS_INT size = 100;
+      ASSERT_EQ(lm_list_prop(list, LM_ACTION_SET, LM_HDL_MAX_TABLESIZE, &size, 0, nullptr),
+                CS_SUCCEED);
+      EXPECT_EQ(load(list), static_cast<CS_INT>(3 - deleted));
+      EXPECT_EQ(find(other[0]), deleted == 2 ? other[0] : "(miss)");
+      // At the drop.
+      start(deleted);
+      EXPECT_EQ(lm_list_drop(list, LM_DROP_FORCE), CS_SUCCEED);
+    }
+  }
+}
+
 TEST_F(ChainedTest, DeletionOfNothing) {
   EXPECT_ASSERTION("lmlistop_hash.cpp", CS_FAIL, op(list, LM_OP_DELETE));
   ASSERT_EQ(op(list, LM_OP_INSERT, "a", "a"), CS_SUCCEED);

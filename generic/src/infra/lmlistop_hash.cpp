@@ -73,15 +73,16 @@ CS_RETCODE home_of(const CHashInfo *info, CS_VOID *key, CS_INT key_size, CS_UINT
   return info->home_addr_hfunc(static_cast<CS_CHAR *>(key), key_size, info->table_size, &home);
 }
 
-// The chain of a bucket. A head that was deleted without its key still stands there, unset; it goes
-// now that the bucket is used again.
+// The chain of a bucket. Heads that were deleted without their keys still stand there, unset, one
+// behind the other; they go now that the bucket is used again.
 DLinkNode *chain(LM_HANDLE *handle, CHashInfo *info, CS_UINT home) noexcept {
-  DLinkNode *const head = info->table[home];
-  if (head == nullptr || head->state == LM_SET) [[likely]]
-    return head;
-  info->table[home] = head->next;
-  put_node(handle, head);
-  return info->table[home];
+  DLinkNode *head = info->table[home];
+  while (head != nullptr && head->state != LM_SET) {
+    info->table[home] = head->next;
+    put_node(handle, head);
+    head = info->table[home];
+  }
+  return head;
 }
 
 CS_RETCODE chash_search(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT key_size,

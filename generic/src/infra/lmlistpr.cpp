@@ -24,7 +24,8 @@ CS_RETCODE reinsert(LM_HANDLE *handle, const DHashInfo *old) noexcept {
 CS_RETCODE reinsert(LM_HANDLE *handle, const CHashInfo *old) noexcept {
   for (CS_INT i = 0; i < old->table_size; ++i) {
     const DLinkNode *head = old->table[i];
-    if (head != nullptr && head->state != LM_SET)
+    // Heads that were deleted without their keys may still stand there.
+    while (head != nullptr && head->state != LM_SET)
       head = head->next;
     // Deliberate: a chain comes out as copies of its head, and its other entries are lost.
     for (const DLinkNode *node = head; node != nullptr; node = node->next) {

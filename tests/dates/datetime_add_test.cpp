@@ -454,6 +454,29 @@ TEST(BothChecks, NullPointers) {
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__valid_datetime(&both.src, both.source.data()));
 }
 
+// A sum that is not delivered needs no place.
+TEST(BothChecks, RefusedResultsNeedNoPlace) {
+  const auto refuse = [](auto function, CS_BYTE type, CS_INT maxlen, auto value) {
+    Both both(8, type, maxlen);
+    both.source.set(value);
+    both.result.value = nullptr;
+    both.expect_failure(function(4, 1, &both.src, &both.result));
+  };
+  refuse(com__dateadd_both, 99, 8, CS_DATETIME{1, 1});
+  refuse(com__dateadd_both, 61, 4, CS_DATETIME{1, 1});
+  refuse(com__dateadd_both, 61, 8, CS_DATETIME{-60000, 1});
+  refuse(com__dateadd_both, 49, 8, CS_DATETIME{1, 1});
+  refuse(com__dateadd_both, 58, 4, CS_DATETIME{-60000, 1});
+  refuse(com__bigdateadd_both, 99, 8, CS_BIGDATETIME{year_one});
+  refuse(com__bigdateadd_both, 187, 4, CS_BIGDATETIME{year_one});
+
+  Both both(8, 187, 8);
+  both.source.set(CS_BIGDATETIME{year_one});
+  both.result.value = nullptr;
+  EXPECT_NULL_POINTER_CHECK("datetime_add.cpp", 1,
+                            com__bigdateadd_both(4, 1, &both.src, &both.result));
+}
+
 TEST(ValidDateTime, FromEitherPlace) {
   GuardedBuffer cast(8, 1);
   const auto valid = [&](CS_DATETIME value) {

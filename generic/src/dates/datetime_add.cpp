@@ -155,6 +155,7 @@ namespace {
 
 // Delivers a result of one type in the capacity that it must have.
 int deliver(const void *value, CS_INT size, __CONSTANT *result) noexcept {
+  COMN_CHECK_PTR(result->value, overflow);
   std::memcpy(result->value, value, static_cast<size_t>(size));
   result->len = result->maxlen;
   return 0;
@@ -180,7 +181,6 @@ int com__dateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *resul
   if (com__date_add(part, value, &sum) != 0)
     return overflow;
 
-  COMN_CHECK_PTR(result->value, overflow);
   const bool is_four_bytes = result->maxlen == 4;
   switch (result->type) {
   case protocol_datetime:
@@ -213,7 +213,6 @@ int com__bigdateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *re
   if (com__bigdate_add(part, value, &sum, result->type) != 0)
     return overflow;
 
-  COMN_CHECK_PTR(result->value, overflow);
   if (result->maxlen != sizeof sum)
     return overflow;
   switch (result->type) {

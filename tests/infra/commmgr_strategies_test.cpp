@@ -246,10 +246,11 @@ TEST_F(PoolTest, Ceiling) {
   ASSERT_EQ(comn_mmfree(pool, large), CS_SUCCEED);
   EXPECT_EQ(pool.head()->mph_totalsize, total);
   pool.allocate(5000, CS_MEM_ERROR);
-  ASSERT_EQ(
-      set_integer(pool, MM_PROP_MAXSIZE,
-                  total + 5000 + static_cast<CS_INT>(2 * W) + static_cast<CS_INT>(region_record)),
-      CS_SUCCEED);
+  const CS_INT needed =
+      total + 5000 + static_cast<CS_INT>(2 * W) + static_cast<CS_INT>(region_record);
+  ASSERT_EQ(set_integer(pool, MM_PROP_MAXSIZE, needed - 1), CS_SUCCEED);
+  pool.allocate(5000, CS_MEM_ERROR);
+  ASSERT_EQ(set_integer(pool, MM_PROP_MAXSIZE, needed), CS_SUCCEED);
   void *const oversize = pool.allocate(5000); // exactly the ceiling
   ASSERT_EQ(comn_mmfree(pool, oversize), CS_SUCCEED);
   EXPECT_EQ(source.live(), 1U);

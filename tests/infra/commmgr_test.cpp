@@ -596,6 +596,30 @@ TEST_F(Locking, SettingTheLockLastTakesNothing) {
   EXPECT_EQ(lock_argument, &outlen);
 }
 
+// The memory is the caller's by then: it is cleared after the unlock.
+TEST_F(Locking, ClearingComesAfterTheUnlock) {
+  struct Watch {
+    const char *last;
+    char seen;
+  };
+  constexpr CS_UINT size = 100;
+  auto *const block = static_cast<char *>(pool.allocate(size));
+  std::memset(block, 'x', size);
+  ASSERT_EQ(comn_mmfree(pool, block), CS_SUCCEED);
+  Watch watch = {block + size - 1, '?'};
+  const MM_UNLOCK_FUNC look = [](MM_HANDLE *, CS_VOID *argument) -> CS_RETCODE {
+    auto *const at = static_cast<Watch *>(argument);
+    at->seen = *at->last;
+    return CS_SUCCEED;
+  };
+  ASSERT_EQ(set_pointer(pool, MM_PROP_LOCKARG, &watch), CS_SUCCEED);
+  ASSERT_EQ(set_pointer(pool, MM_PROP_UNLOCK, look), CS_SUCCEED);
+  ASSERT_EQ(set_pointer(pool, MM_PROP_LOCK, &count_lock), CS_SUCCEED);
+  ASSERT_EQ(pool.allocate(size), block);
+  EXPECT_EQ(watch.seen, 'x');
+  EXPECT_EQ(block[size - 1], 0);
+}
+
 // The other order: the call that makes the pair complete ends with an unlock.
 TEST_F(Locking, SettingTheUnlockLastUnlocks) {
   ASSERT_EQ(set_pointer(pool, MM_PROP_LOCK, &count_lock), CS_SUCCEED);

@@ -459,6 +459,23 @@ TEST_F(LinkedTest, FirstInsertionWritesTheOwnCursor) {
   EXPECT_EQ(current(list), "a");
 }
 
+// Entries have no keys: what a node holds in their place is left alone.
+TEST_F(LinkedTest, InsertionLeavesTheKeyAsItIs) {
+  defaults(10, 1);
+  list = make(LM_DLINK);
+  ASSERT_EQ(insert("a", LM_OP_LAST), CS_SUCCEED);
+  auto *const node = static_cast<DLinkNode *>(list->cur_ptr);
+  EXPECT_EQ(node->key, nullptr);
+  EXPECT_EQ(node->key_size, 0);
+  node->key = text("key");
+  node->key_size = 3;
+  ASSERT_EQ(step(LM_OP_DELETE), CS_SUCCEED);
+  ASSERT_EQ(insert("b", LM_OP_LAST), CS_SUCCEED);
+  ASSERT_EQ(list->cur_ptr, node) << "the one node of the pool";
+  EXPECT_STREQ(static_cast<char *>(node->key), "key");
+  EXPECT_EQ(node->key_size, 3);
+}
+
 TEST_F(LinkedTest, Deletion) {
   for (const char *const data : {"a", "b", "c", "d"})
     ASSERT_EQ(insert(data, LM_OP_LAST), CS_SUCCEED);

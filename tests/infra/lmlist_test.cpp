@@ -210,7 +210,9 @@ TEST_F(ListTest, Exit) {
   for (const CS_INT option : {0, 35, 37}) {
     EXPECT_ASSERTION("lmexit.cpp", CS_FAIL, lm_exit(context, option));
   }
-  make(LM_DLINK);
+  LM_HANDLE *const only = make(LM_DLINK);
+  EXPECT_EQ(lm_exit(context, LM_EXIT_NORMAL), CS_FAIL);
+  EXPECT_EQ(context->first_handle, only);
   LM_HANDLE *const other = make(LM_CHASH);
   EXPECT_EQ(lm_exit(context, LM_EXIT_NORMAL), CS_FAIL);
   EXPECT_EQ(context->first_handle, other);
@@ -1460,8 +1462,10 @@ TEST_F(ListTest, TheCurrentList) {
             CS_SUCCEED);
   EXPECT_EQ(address(), alps);
   // Dropping another list changes nothing, dropping the current one takes the newest.
+  EXPECT_EQ(choose("alpha", 5), CS_SUCCEED);
   EXPECT_EQ(lm_list_drop(beta, LM_DROP_NORMAL), CS_SUCCEED);
-  EXPECT_EQ(address(), alps);
+  EXPECT_EQ(address(), alpha);
+  EXPECT_EQ(choose("alps", 4), CS_SUCCEED);
   EXPECT_EQ(lm_list_drop(alps, LM_DROP_NORMAL), CS_SUCCEED);
   EXPECT_EQ(address(), alpha);
   EXPECT_STREQ(context->cxtprop->cur_handlename, "alpha");

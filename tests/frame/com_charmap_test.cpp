@@ -63,3 +63,36 @@ TEST(Charmap, WhiteSpace) {
   for (int c = 0; c < 256; ++c)
     EXPECT_EQ(com_isspace(static_cast<CS_BYTE>(c)) != 0, is_between(c, 9, 15) || c == 32) << c;
 }
+
+TEST(Charmap, ClassesOfOneByte) {
+  for (int c = 0; c < 256; ++c) {
+    const auto byte = static_cast<CS_BYTE>(c);
+    // The codes 142, 143 and the marks 160 to 191, 215 and 247 count as upper case: deliberate.
+    const bool upper =
+        is_between(c, 65, 90) || is_between(c, 142, 143) || is_between(c, 160, 223) || c == 247;
+    const bool lower = is_between(c, 97, 122) || (is_between(c, 224, 255) && c != 247);
+    const bool digit = is_between(c, 48, 57);
+    EXPECT_EQ(com_isupper(byte) != 0, upper) << c;
+    EXPECT_EQ(com_islower(byte) != 0, lower) << c;
+    EXPECT_EQ(com_isalpha(byte) != 0, upper || lower) << c;
+    EXPECT_EQ(com_isdigit(byte) != 0, digit) << c;
+    EXPECT_EQ(com_isxdigit(byte) != 0, digit || is_between(c, 65, 70) || is_between(c, 97, 102))
+        << c;
+    EXPECT_EQ(com_isgraph(byte) != 0, is_between(c, 32, 126) || is_between(c, 160, 255)) << c;
+  }
+}
+
+TEST(Charmap, CaseOfOneByte) {
+  EXPECT_EQ(com_toupper('a'), 'A');
+  EXPECT_EQ(com_toupper('z'), 'Z');
+  EXPECT_EQ(com_toupper('{'), '{');
+  EXPECT_EQ(com_toupper(224), 192);
+  EXPECT_EQ(com_toupper(247), 247);
+  EXPECT_EQ(com_toupper(255), 255);
+  EXPECT_EQ(com_tolower('A'), 'a');
+  EXPECT_EQ(com_tolower('Z'), 'z');
+  EXPECT_EQ(com_tolower('@'), '@');
+  EXPECT_EQ(com_tolower(222), 254);
+  EXPECT_EQ(com_tolower(215), 215);
+  EXPECT_EQ(com_tolower(223), 223);
+}

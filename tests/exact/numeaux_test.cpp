@@ -222,6 +222,28 @@ TEST(TextToNumeric, LengthsThatNoValueHas) {
   EXPECT_EQ(parse(std::string(85, '9') + "x", 77, 0, 1, 36).status, NUME_OVERFLOW);
 }
 
+// A failure leaves the destination cleared: also the one of the shift, which comes after the scan.
+TEST(TextToNumeric, FailuresLeaveTheDestinationCleared) {
+  struct {
+    const char *text;
+    CS_INT len;
+    CS_BYTE scale;
+    CS_INT flag;
+  } const cases[] = {{"12345", 5, 4, 0}, {"12345", 5, 4, 1}, {"1x", 2, 0, 1},  {"1.25", 4, 1, 0},
+                     {"7", -1, 0, 1},    {"7e78", 4, 0, 1},  {"7e-9", 4, 0, 0}};
+  for (const auto &c : cases) {
+    std::string text = c.text;
+    GuardedBuffer buffer(4);
+    CS_BYTE *dest = buffer.data();
+    CS_INT length = 4;
+    CS_BYTE precision = 5, scale = c.scale;
+    EXPECT_NE(
+        com__subchartoexctnume(text.data(), c.len, &dest, &length, &precision, &scale, c.flag),
+        NUME_OK);
+    EXPECT_EQ(buffer.contents(), std::string(4, '\0')) << text;
+  }
+}
+
 TEST(TextToNumeric, NullPointers) {
   CS_BYTE room[33], *dest = room, precision = 5, scale = 0;
   CS_INT length = 4;
@@ -404,6 +426,12 @@ TEST(NumericToDouble, NothingStored) {
   EXPECT_EQ(result, 5.5);
 }
 
+// A zero is zero whatever its scale, also one that no valid value has.
+TEST(NumericToDouble, ZeroOfAnyScale) {
+  EXPECT_EQ(to_double("0", 78), 0.0);
+  EXPECT_EQ(to_double("0", 255, true), 0.0);
+}
+
 // The closest double is what reading the text gives.
 TEST(NumericToDouble, RandomValuesAgainstTheirText) {
   zrvtest::RandomDecimals random(23);
@@ -554,6 +582,8 @@ TEST(NumericToInteger, SignedLimits) {
   __CONSTANT empty{};
   EXPECT_EQ(com__subexctnumetolonglong(&empty, &result), NUME_OK);
   EXPECT_EQ(result, 77);
+  EXPECT_EQ(convert("0", 200, true, result), NUME_OK);
+  EXPECT_EQ(result, 0);
 }
 
 TEST(NumericToInteger, UnsignedLimits) {
@@ -572,6 +602,8 @@ TEST(NumericToInteger, UnsignedLimits) {
   // The sign alone decides, also where only a fraction is left.
   EXPECT_EQ(convert("1", 5, true, result), NUME_UNDERFLOW);
   EXPECT_EQ(convert("0", 5, true, result), NUME_OK);
+  EXPECT_EQ(result, 0U);
+  EXPECT_EQ(convert("0", 200, true, result), NUME_OK);
   EXPECT_EQ(result, 0U);
 }
 

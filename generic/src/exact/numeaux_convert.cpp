@@ -29,9 +29,10 @@ constexpr bool is_length(CS_INT length) noexcept {
   return length >= 2 && length - 2 < static_cast<CS_INT>(sizeof Com__Nume_Len_To_Prec);
 }
 
-// What no valid value exceeds, and what has room in the text of one.
+// What no valid value exceeds, and what has room in the text of one. A zero is one at any scale.
 bool is_printable(const Number &number, const __CONSTANT &value) noexcept {
-  return value.scale <= CS_MAX_SCALE && exact::fits(number, exact::value_bytes);
+  return number.size == 0 ||
+         (value.scale <= CS_MAX_SCALE && exact::fits(number, exact::value_bytes));
 }
 
 int bit_count(const Limb *limbs, int size) noexcept {
@@ -211,7 +212,8 @@ int signed_to_numeric(Integer value, CS_BYTE *dest, CS_INT destlen, CS_BYTE *pre
 
 // The integer part of a printable value; false when it exceeds 64 bits.
 bool integer_part(Number &number, int scale, uint64_t &part) noexcept {
-  exact::divide_by_power(number, scale);
+  if (number.size != 0)
+    exact::divide_by_power(number, scale);
   part = bits_at(number, 0);
   return exact::fits(number, sizeof part);
 }

@@ -273,14 +273,16 @@ int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *de
   Scan scan;
   Accumulator magnitude(request.bytes);
   int64_t exponent = 0;
-  const char *const end = text + len;
-  int status = len < 0 ? not_plain : scan_mantissa<true>(text, end, request, scan, magnitude);
-  if (status != NUME_OK || !given_precision) {
-    // Written in full below, or left cleared.
-    std::memset(field, 0, static_cast<size_t>(length));
-    if (len < 0)
-      return NUME_SYNTAX;
+  // The field is written in full at the end, or left cleared.
+  const auto clear = [&] { std::memset(field, 0, static_cast<size_t>(length)); };
+  if (len < 0) {
+    clear();
+    return NUME_SYNTAX;
   }
+  const char *const end = text + len;
+  int status = scan_mantissa<true>(text, end, request, scan, magnitude);
+  if (status != NUME_OK || !given_precision)
+    clear();
   if (status == not_plain) {
     const char *const letter = find_exponent(text, static_cast<size_t>(len));
     if (letter != nullptr && !read_exponent(letter + 1, exponent))
@@ -301,7 +303,7 @@ int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *de
   if (given_scale) {
     places = *scale + shift;
     if (-places > scan.stored) {
-      // Too far down to leave any digit.
+      // Too far down to leave any digit: only an exponent goes there, and the field is cleared.
       if (!request.may_drop)
         return NUME_TRUNCATED;
       number.size = 0;
@@ -318,8 +320,10 @@ int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *de
     const int by = static_cast<int>(std::clamp<int64_t>(places, -1000, 1000));
     status =
         exact::shift_number(number, by, request.bytes, given_precision ? *precision : UINT8_MAX);
-    if (status != NUME_OK && !(given_scale && request.may_drop && status == NUME_TRUNCATED))
+    if (status != NUME_OK && !(given_scale && request.may_drop && status == NUME_TRUNCATED)) {
+      clear();
       return status;
+    }
     grown = true;
   }
 

@@ -65,9 +65,10 @@ ZRV_API CS_RETCODE comn_nummul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *resul
 ZRV_API CS_RETCODE comn_numdivide(CS_NUMERIC *dividend, CS_NUMERIC *divisor,
                                   CS_NUMERIC *quot) ZRV_NOEXCEPT;
 
-/* Compares two values: -1, 0 or 1. When the precision of the operand with the smaller scale plus
- * the greater scale exceeds 77, digits beyond the smaller scale are not looked at, so values that
- * differ only there compare equal. A null pointer, or a precision outside 1 to 77, is fatal, 0. */
+/* Compares two values: -1, 0 or 1. Zeroes are equal whatever their signs. When both have one sign,
+ * and the precision of the operand with the smaller scale plus the greater scale exceeds 77, digits
+ * beyond the smaller scale are not looked at, so values that differ only there compare equal. A
+ * null pointer, or a precision outside 1 to 77, is fatal, 0. */
 ZRV_API int comn_numcmp(CS_NUMERIC *n1, CS_NUMERIC *n2) ZRV_NOEXCEPT;
 
 /* The length in bytes, sign byte included, of a precision from 1 to 77. Any other is fatal, 0. */

@@ -84,11 +84,56 @@ TEST(ExctnumeCmp, FlagsAndLengths) {
   EXPECT_EQ(com__exctnume_cmp(minus_zero.get(), minus_five.get(), 1), 1);
 }
 
+// Where the scales can be brought together only by dropping digits, different signs still decide.
+TEST(ExctnumeCmp, DifferentSignsDecideBeforeDigitsAreDropped) {
+  Descriptor tiny(33, 77, 77, "1"), minus_tiny(33, 77, 77, "1", true);
+  Descriptor zero(2, 1, 0, "0"), minus_zero(2, 1, 0, "0", true);
+  EXPECT_EQ(com__exctnume_cmp(tiny.get(), zero.get(), 3), 0);
+  EXPECT_EQ(com__exctnume_cmp(minus_tiny.get(), minus_zero.get(), 3), 0);
+  EXPECT_EQ(com__exctnume_cmp(minus_zero.get(), minus_tiny.get(), 3), 0);
+  EXPECT_EQ(com__exctnume_cmp(tiny.get(), minus_zero.get(), 3), 1);
+  EXPECT_EQ(com__exctnume_cmp(minus_zero.get(), tiny.get(), 3), -1);
+  EXPECT_EQ(com__exctnume_cmp(minus_tiny.get(), zero.get(), 3), -1);
+  EXPECT_EQ(com__exctnume_cmp(zero.get(), minus_tiny.get(), 3), 1);
+  // Any sign byte but 0 is the same sign.
+  minus_zero->value[0] = 0x80;
+  EXPECT_EQ(com__exctnume_cmp(minus_tiny.get(), minus_zero.get(), 3), 0);
+}
+
 TEST(ExctnumeCmp, EmptyValuesAreZero) {
   Descriptor one(3, 3, 0, "1");
   __CONSTANT empty{};
   EXPECT_EQ(com__exctnume_cmp(&empty, one.get(), 3), -1);
   EXPECT_EQ(com__exctnume_cmp(&empty, &empty, 3), 0);
+}
+
+// A length below 2 has no magnitude, however far below it is: nothing is read or written.
+TEST(ExctnumeDescriptors, NegativeLengthsAreEmpty) {
+  for (CS_INT length : {1, 0, -1, INT32_MIN}) {
+    Descriptor one(3, 3, 0, "1");
+    unsigned char sign = 0;
+    __CONSTANT empty{};
+    empty.len = length;
+    empty.prec = 3;
+    empty.value = &sign;
+    EXPECT_EQ(com__exctnume_cmp(&empty, one.get(), 3), -1);
+    EXPECT_EQ(com__exctnume_intcmp(&empty, 0), 1);
+    EXPECT_EQ(com__exctnume_checkprecision(&empty), 0);
+    EXPECT_EQ(com__exctnume_mulby10_add(&empty, 0), 0);
+    EXPECT_EQ(com__exctnume_mulby10_add(&empty, 1), 1);
+    EXPECT_EQ(com__exctnume_inc(&empty), 2);
+    EXPECT_EQ(com__exctnume_copy(one.get(), &empty), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_scale(one.get(), &empty, 1, 0), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_intadd(one.get(), one.get(), &empty), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_intsub(one.get(), &empty, &empty), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_intmul(one.get(), one.get(), &empty), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_addorsub(one.get(), one.get(), &empty, 0), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_mul(one.get(), one.get(), &empty), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_div(one.get(), one.get(), &empty, nullptr), NUME_OVERFLOW);
+    EXPECT_EQ(com__exctnume_div(one.get(), &empty, &empty, nullptr), NUME_DIVZERO);
+    EXPECT_EQ(com__exctnume_div(&empty, one.get(), &empty, nullptr), NUME_OK);
+    EXPECT_EQ(sign, 0);
+  }
 }
 
 TEST(ExctnumeIntcmp, LooksAtTheMagnitudeOnly) {

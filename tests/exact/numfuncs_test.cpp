@@ -248,6 +248,18 @@ TEST(NumCmp, DigitsBeyondTheLimitDoNotCount) {
   EXPECT_EQ(comn_numcmp(&narrow, &deep), -1);
 }
 
+// Different signs decide before digits are dropped, a zero's sign too.
+TEST(NumCmp, DroppedDigitsCountBesideAnotherSign) {
+  CS_NUMERIC tiny = number(77, 77, "1"), minus_tiny = number(77, 77, "1", true);
+  CS_NUMERIC zero = number(1, 0, "0"), minus_zero = number(1, 0, "0", true);
+  EXPECT_EQ(comn_numcmp(&tiny, &zero), 0);
+  EXPECT_EQ(comn_numcmp(&minus_zero, &minus_tiny), 0);
+  EXPECT_EQ(comn_numcmp(&tiny, &minus_zero), 1);
+  EXPECT_EQ(comn_numcmp(&minus_zero, &tiny), -1);
+  EXPECT_EQ(comn_numcmp(&minus_tiny, &zero), -1);
+  EXPECT_EQ(comn_numcmp(&zero, &minus_tiny), 1);
+}
+
 TEST(NumCmp, BadPrecisionRunsTheCheckOfGetlen) {
   CS_NUMERIC good = number(3, 0, "1"), bad = good;
   for (int precision : {0, 78, 255}) {

@@ -242,10 +242,8 @@ Outcome reference_divide(const Decimal &a, const Decimal &b) {
 }
 
 int reference_compare(const Decimal &a, const Decimal &b) {
-  const bool a_negative = a.negative && !a.magnitude.is_zero();
-  const bool b_negative = b.negative && !b.magnitude.is_zero();
-  if (a_negative != b_negative)
-    return a_negative ? -1 : 1;
+  if (a.negative != b.negative)
+    return a.magnitude.is_zero() && b.magnitude.is_zero() ? 0 : a.negative ? -1 : 1;
   Natural left = a.magnitude, right = b.magnitude;
   if (a.scale != b.scale) {
     Natural &deep = a.scale > b.scale ? left : right;
@@ -258,7 +256,7 @@ int reference_compare(const Decimal &a, const Decimal &b) {
         deep.divide_small(10);
   }
   const int order = compare(left, right);
-  return a_negative ? -order : order;
+  return a.negative ? -order : order;
 }
 
 namespace {

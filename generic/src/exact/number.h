@@ -105,6 +105,11 @@ inline bool is_negative(const __CONSTANT &value) noexcept {
   return value.len > 0 && value.value[0] != 0;
 }
 
+// The magnitude bytes of a value: none for any length below 2, however far below.
+inline CS_INT magnitude_length(const __CONSTANT &value) noexcept {
+  return value.len > 1 ? value.len - 1 : 0;
+}
+
 // Loads a magnitude of any length; false when it has more than operand_bytes.
 inline bool load_number(Number &number, const __CONSTANT &from) noexcept {
   number.size = 0;
@@ -130,7 +135,7 @@ inline int store_number(__CONSTANT &to, const Number &number, bool negative) noe
     to.value[0] = negative && number.size != 0;
     store_bytes(to.value + 1, to.len - 1, number.limbs, number.size);
   }
-  return fits(number, to.len - 1) ? NUME_OK : NUME_OVERFLOW;
+  return fits(number, magnitude_length(to)) ? NUME_OK : NUME_OVERFLOW;
 }
 
 // ---- decimal shifts ----

@@ -17,13 +17,11 @@ struct Significant {
     // A value without magnitude may have no bytes at all.
     static constexpr CS_BYTE nothing = 0;
     bytes = from.len > 1 ? from.value + 1 : &nothing;
-    count = from.len - 1;
+    count = exact::magnitude_length(from);
     while (count > 0 && *bytes == 0) {
       ++bytes;
       --count;
     }
-    if (count < 0)
-      count = 0;
   }
 };
 
@@ -69,6 +67,11 @@ void decrement_positive(__CONSTANT &value) noexcept {
 int com__exctnume_cmp(__CONSTANT *op1, __CONSTANT *op2, int flag) noexcept {
   COMN_CHECK_PTR(op1, 0);
   COMN_CHECK_PTR(op2, 0);
+  const bool with_signs = (flag & NUME_CMP_SIGNS) != 0;
+  const bool negative1 = exact::is_negative(*op1), negative2 = exact::is_negative(*op2);
+  // Different signs decide before the scales are brought together, which may drop digits.
+  if (with_signs && negative1 != negative2)
+    return is_zero(*op1) && is_zero(*op2) ? 0 : negative1 ? -1 : 1;
   const bool align = (flag & NUME_CMP_SCALES) != 0 && op1->scale != op2->scale;
   Number a, b;
   int order;
@@ -76,13 +79,7 @@ int com__exctnume_cmp(__CONSTANT *op1, __CONSTANT *op2, int flag) noexcept {
     order = exact::compare_scaled(view_of(a, *op1), view_of(b, *op2));
   else
     order = compare_bytes(*op1, *op2);
-  if ((flag & NUME_CMP_SIGNS) == 0)
-    return order;
-  const bool negative1 = exact::is_negative(*op1) && !is_zero(*op1);
-  const bool negative2 = exact::is_negative(*op2) && !is_zero(*op2);
-  if (negative1 != negative2)
-    return negative1 ? -1 : 1;
-  return negative1 ? -order : order;
+  return with_signs && negative1 ? -order : order;
 }
 
 int com__exctnume_intcmp(__CONSTANT *val, int i) noexcept {
@@ -123,7 +120,7 @@ int com__exctnume_scale(__CONSTANT *inval, __CONSTANT *outval, int scale, int) n
   Number number;
   if (!exact::load_number(number, *inval))
     return NUME_OVERFLOW;
-  const int status = exact::shift_number(number, scale, to.len - 1, to.prec);
+  const int status = exact::shift_number(number, scale, exact::magnitude_length(to), to.prec);
   if (status == NUME_OK || status == NUME_TRUNCATED)
     exact::store_number(to, number, exact::is_negative(*inval));
   return status;
@@ -163,7 +160,7 @@ int com__exctnume_divby10(CS_BYTE **bufpp, CS_INT *lenptr) noexcept {
 int com__exctnume_mulby10_add(__CONSTANT *numeval, short digit) noexcept {
   COMN_CHECK_PTR(numeval, NUME_OVERFLOW);
   int carry = digit;
-  for (CS_INT i = numeval->len - 1; i >= 1; --i) {
+  for (CS_INT i = exact::magnitude_length(*numeval); i >= 1; --i) {
     carry += numeval->value[i] * 10;
     numeval->value[i] = static_cast<CS_BYTE>(carry);
     carry >>= 8;

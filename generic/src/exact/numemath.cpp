@@ -120,7 +120,7 @@ int com__exctnume_intadd(__CONSTANT *a, __CONSTANT *b, __CONSTANT *r) noexcept {
   COMN_CHECK_PTR(r, NUME_OVERFLOW);
   ByteReader left(*a), right(*b);
   unsigned carry = 0;
-  for (CS_INT i = r->len - 1; i >= 1; --i) {
+  for (CS_INT i = exact::magnitude_length(*r); i >= 1; --i) {
     carry += left.next() + right.next();
     r->value[i] = static_cast<CS_BYTE>(carry);
     carry >>= 8;
@@ -135,14 +135,15 @@ int com__exctnume_intsub(__CONSTANT *a, __CONSTANT *b, __CONSTANT *r) noexcept {
   ByteReader left(*a), right(*b);
   // The inverted borrow: 1 while nothing was borrowed.
   unsigned carry = 1;
-  for (CS_INT i = r->len - 1; i >= 1; --i) {
+  for (CS_INT i = exact::magnitude_length(*r); i >= 1; --i) {
     carry += left.next() - right.next() + 255;
     r->value[i] = static_cast<CS_BYTE>(carry);
     carry >>= 8;
   }
   // What the difference still holds above the result.
   unsigned above = 0;
-  for (CS_INT i = std::max(a->len, b->len) - std::max(r->len, 1); i > 0; --i) {
+  const CS_INT longest = std::max(exact::magnitude_length(*a), exact::magnitude_length(*b));
+  for (CS_INT i = longest - exact::magnitude_length(*r); i > 0; --i) {
     carry += left.next() - right.next() + 255;
     above |= carry & 255;
     carry >>= 8;
@@ -176,7 +177,7 @@ int com__exctnume_intdiv(__CONSTANT *a, __CONSTANT *b, __CONSTANT *q, __CONSTANT
     const int bytes = exact::byte_count(dividend.limbs, dividend.size);
     q->len = 0;
     r->len = bytes == 0 ? 0 : bytes + 1;
-    r->value = a->value + a->len - r->len;
+    r->value = bytes == 0 ? a->value : a->value + a->len - r->len;
     return NUME_OK;
   }
   // Quotient and remainder share the space: as many bytes as the dividend has, and one more, with
@@ -239,14 +240,14 @@ int com__exctnume_addorsub(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *result,
     sum.size = exact::trim(sum.limbs, size);
   }
   const int shift = result->scale - scale;
-  if (!exact::fits(sum, result->len - 1)) {
+  if (!exact::fits(sum, exact::magnitude_length(*result))) {
     clear(*result);
     return NUME_OVERFLOW;
   }
   int status = NUME_OK;
   if (shift != 0) {
     Number shifted = sum;
-    status = exact::shift_number(shifted, shift, result->len - 1, result->prec);
+    status = exact::shift_number(shifted, shift, exact::magnitude_length(*result), result->prec);
     if (status == NUME_OK || status == NUME_TRUNCATED)
       sum = shifted;
   }
@@ -263,13 +264,14 @@ int com__exctnume_mul(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *res) noexcep
     return NUME_OVERFLOW;
   const bool negative = exact::is_negative(*op1) != exact::is_negative(*op2);
   // Full width, or as wide as the longest value.
-  const int room = res->prec >= op1->prec + op2->prec ? res->len - 1 : exact::value_bytes;
+  const int room =
+      res->prec >= op1->prec + op2->prec ? exact::magnitude_length(*res) : exact::value_bytes;
   const int shift = res->scale - op1->scale - op2->scale;
   product.size = exact::multiply(product.limbs, left.limbs, left.size, right.limbs, right.size);
   int status = exact::fits(product, room) ? NUME_OK : NUME_OVERFLOW;
   if (status == NUME_OK && shift != 0) {
     Number shifted = product;
-    status = exact::shift_number(shifted, shift, res->len - 1, res->prec);
+    status = exact::shift_number(shifted, shift, exact::magnitude_length(*res), res->prec);
     if (status == NUME_OK || status == NUME_TRUNCATED)
       product = shifted;
   }
@@ -287,8 +289,9 @@ int com__exctnume_div(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *quot,
   if (!exact::load_number(left, *op1) || !exact::load_number(right, *op2))
     return NUME_OVERFLOW;
   const bool negative = exact::is_negative(*op1) != exact::is_negative(*op2);
-  const int status = exact::divide_scaled(quotient, remainder, view_of(left, *op1), op1->len,
-                                          view_of(right, *op2), op2->len, quot->scale);
+  const int status =
+      exact::divide_scaled(quotient, remainder, view_of(left, *op1), std::max(op1->len, 0),
+                           view_of(right, *op2), std::max(op2->len, 0), quot->scale);
   if (status != NUME_OK)
     return status;
   if (remdr != nullptr) {

@@ -24,13 +24,14 @@ inline int compare_magnitudes(const View &a, const View &b) noexcept {
   return (order > 0) - (order < 0);
 }
 
-// The answer from the order of two magnitudes and the signs, where zeroes have none.
+// The answer from the order of two magnitudes and the signs. Different signs decide before the
+// scales are brought together, so digits that this would drop count there, also next to a zero with
+// a sign.
 inline int compare_signed(const View &a, const View &b, bool align) noexcept {
-  const bool a_negative = a.negative && a.size != 0, b_negative = b.negative && b.size != 0;
-  if (a_negative != b_negative)
-    return a_negative ? -1 : 1;
+  if (a.negative != b.negative)
+    return a.size == 0 && b.size == 0 ? 0 : a.negative ? -1 : 1;
   const int order = align && a.scale != b.scale ? compare_scaled(a, b) : compare_magnitudes(a, b);
-  return a_negative ? -order : order;
+  return a.negative ? -order : order;
 }
 
 // The quotient of a and b in units of its own scale, truncated. NUME_OVERFLOW for scales more than

@@ -644,11 +644,15 @@ ZRV_CONV(comn_bigtimetovarbin);
 /*
  * The current local time, as text and as fields.
  *
- * format    in   the order of the date: 2 day month year, 3 year month day, 4 year day month, 5
- * month year day, 6 day year month, anything else month day year is12hour  in   1 for hours up to
- * 12 with "AM" or "PM"; midnight is hour 0 buffer    out  the text with its NUL, "mm/dd/yy
- * hh:mm:ss" or "mm/dd/yy hh:mm:ss PM"; may be null buflen    in   its capacity in bytes outlen out
- * the bytes that the text needs, its NUL included; may be null, and is left alone without a buffer
+ * format    in   the order of the date: 2 day month year, 3 year month day,
+ *                4 year day month, 5 month year day, 6 day year month,
+ *                anything else month day year
+ * is12hour  in   1 for hours up to 12 with "AM" or "PM"; midnight is hour 0
+ * buffer    out  the text with its NUL, "mm/dd/yy hh:mm:ss" or
+ *                "mm/dd/yy hh:mm:ss PM"; may be null
+ * buflen    in   its capacity in bytes
+ * outlen    out  the bytes that the text needs, its NUL included; may be null,
+ *                and is left alone without a buffer
  * drec      out  the fields from the year to the second; may be null
  *
  * Returns CS_SUCCEED; CS_FAIL when the buffer is too small or the system has no time, the buffer
@@ -657,7 +661,10 @@ ZRV_CONV(comn_bigtimetovarbin);
 ZRV_API CS_RETCODE comn_time(CS_INT format, CS_BOOL is12hour, CS_CHAR *buffer, CS_INT buflen,
                              CS_INT *outlen, CS_DATEREC *drec) ZRV_NOEXCEPT;
 
-/* The time at which a file was modified, in seconds since 1970, or 0 if it cannot be had. */
+/*
+ * The time at which a file was modified, in seconds since 1970, or 0 if it cannot be had. A null
+ * path is fatal.
+ */
 ZRV_API time_t comn_file_modtime(CS_CHAR *path) ZRV_NOEXCEPT;
 
 ZRV_END_DECLS

@@ -413,8 +413,10 @@ ZRV_PRIVATE CS_INT com__daterecpart(int part, CS_DATEREC *fields, CS_INT firstda
  * The name of a part: of parts 3 and 13 the day's, of part 2 the month's, of others the number.
  *
  * part    in   0 to 14; anything else gives 0, and is fatal first except in com__datenameval
- * cp      out  the text, at most 30 bytes, without a NUL; a number above 4 digits, or 6 for part
- * 14, is a "*" months  in   12 names; may be null days    in   7 names, Sunday first; may be null
+ * cp      out  the text, at most 30 bytes, without a NUL; a number above
+ *              4 digits, or 6 for part 14, is a "*"
+ * months  in   12 names; may be null
+ * days    in   7 names, Sunday first; may be null
  *
  * Return the bytes written, 0 where a name is needed and there is none.
  */

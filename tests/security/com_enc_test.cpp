@@ -384,7 +384,15 @@ TEST(ComEncTest, SearchFindsACopyThatIsLeft) {
   EXPECT_TRUE(stack.holds(secret_text));
 }
 
-// The working copy of 32 bytes is there, wiped with 42, and no word of the text beside it.
+// No word of the text is left beside the working copy. The sanitizers' code keeps half a block that
+// the release keeps in a register in memory, which says nothing about the library.
+void expect_no_part_of_the_secret([[maybe_unused]] const SearchableStack &stack) {
+#ifndef __SANITIZE_ADDRESS__
+  EXPECT_FALSE(stack.holds_part_of(secret_text, 4));
+#endif
+}
+
+// The working copy of 32 bytes is there, wiped with 42.
 TEST(ComEncTest, WorkingCopyIsWiped) {
   static Salt salt;
   static std::string text, hex(70, ' '), back(30, ' ');
@@ -402,7 +410,7 @@ TEST(ComEncTest, WorkingCopyIsWiped) {
     });
     ASSERT_EQ(status, CS_SUCCEED);
     EXPECT_TRUE(enciphering.holds(std::string(32, '*')));
-    EXPECT_FALSE(enciphering.holds_part_of(secret_text, 4));
+    expect_no_part_of_the_secret(enciphering);
 
     SearchableStack deciphering;
     deciphering.run([] {
@@ -411,7 +419,7 @@ TEST(ComEncTest, WorkingCopyIsWiped) {
     ASSERT_EQ(status, CS_SUCCEED);
     ASSERT_EQ(back, secret_text);
     EXPECT_TRUE(deciphering.holds(std::string(32, '*')));
-    EXPECT_FALSE(deciphering.holds_part_of(secret_text, 4));
+    expect_no_part_of_the_secret(deciphering);
   }
 }
 
@@ -425,7 +433,7 @@ TEST(ComEncTest, WorkingCopyOfAStringBlockIsWiped) {
   });
   ASSERT_EQ(length, 33);
   EXPECT_TRUE(stack.holds(std::string(32, '*')));
-  EXPECT_FALSE(stack.holds_part_of(secret_text, 4));
+  expect_no_part_of_the_secret(stack);
 }
 
 } // namespace

@@ -20,17 +20,25 @@ struct NarrowText {
 
 struct WideText {
   using Unit = CS_UNICHAR;
-  // Whole blocks, the last of which may overlap the one before.
   static void fill(CS_BYTE *first, CS_INT units, Unit unit) noexcept {
     using Block __attribute__((vector_size(16))) = Unit;
-    const auto block = Block{} + unit;
     const CS_INT bytes = units * CS_INT{sizeof unit};
+    const uint64_t four = unit * uint64_t{0x0001000100010001};
+    if (bytes >= CS_INT{sizeof(Block)})
+      fill_blocks(first, bytes, Block{} + unit);
+    else if (bytes >= CS_INT{sizeof four})
+      fill_blocks(first, bytes, four);
+    else if (bytes >= CS_INT{sizeof(uint32_t)})
+      fill_blocks(first, bytes, static_cast<uint32_t>(four));
+    else if (bytes > 0)
+      comn::store(first, unit);
+  }
+
+private:
+  // Whole blocks, the last of which may overlap the one before.
+  template <class Block>
+  static void fill_blocks(CS_BYTE *first, CS_INT bytes, Block block) noexcept {
     const CS_INT last = bytes - CS_INT{sizeof block};
-    if (last < 0) {
-      for (CS_INT i = 0; i < bytes; i += CS_INT{sizeof unit})
-        comn::store(first + i, unit);
-      return;
-    }
     for (CS_INT i = 0; i < last; i += CS_INT{sizeof block})
       comn::store(first + i, block);
     comn::store(first + last, block);

@@ -618,6 +618,8 @@ TEST_F(Locking, ClearingComesAfterTheUnlock) {
   ASSERT_EQ(pool.allocate(size), block);
   EXPECT_EQ(watch.seen, 'x');
   EXPECT_EQ(block[size - 1], 0);
+  // The drop unlocks as well, when neither the block nor the watch is there any more.
+  ASSERT_EQ(set_pointer(pool, MM_PROP_UNLOCK, &count_unlock), CS_SUCCEED);
 }
 
 // The other order: the call that makes the pair complete ends with an unlock.

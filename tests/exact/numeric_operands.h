@@ -7,15 +7,12 @@
 #include <vector>
 
 #include "numeric_reference.h"
+#include "test_scale.h"
 
 namespace zrvtest {
 
-// Sanitized builds check the same properties on fewer random cases.
-#if defined(__SANITIZE_ADDRESS__) || defined(__OPTIMIZE__) == 0
-constexpr int random_cases = 20000;
-#else
-constexpr int random_cases = 1000000;
-#endif
+// Slow builds check the same properties on fewer random cases.
+constexpr int random_cases = sanitized || !optimized ? 20'000 : 1'000'000;
 
 inline Decimal make_decimal(int precision, int scale, const std::string &digits,
                             bool negative = false) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "pool_source.h"
+#include "test_scale.h"
 
 using namespace zrvtest;
 
@@ -31,6 +32,7 @@ protected:
     return upto(limit);
   }
 
+  const size_t steps = random_steps();
   unsigned long long seed;
   std::mt19937_64 random;
 };
@@ -66,7 +68,7 @@ TEST_F(RandomPools, Buddy) {
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   Source source;
   size_t step = 0;
-  while (step < random_steps) {
+  while (step < steps) {
     Pool pool(source);
     const CS_INT blocksizes[] = {4096, 1, 100, 5000, 65536, 1 << 21};
     ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, blocksizes[upto(5)]), CS_SUCCEED);
@@ -76,7 +78,7 @@ TEST_F(RandomPools, Buddy) {
     }
     const size_t most = 1 + upto(300);
     std::vector<Live> live;
-    for (const size_t end = step + random_steps / 20; step < end && step < random_steps; ++step) {
+    for (const size_t end = step + 1 + steps / 20; step < end && step < steps; ++step) {
       const CS_UINT what = upto(9);
       if (live.empty() || (what < 5 && live.size() < most)) {
         const CS_UINT wanted = size();
@@ -140,14 +142,14 @@ TEST_F(RandomPools, Uniform) {
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   Source source;
   size_t step = 0;
-  while (step < random_steps) {
+  while (step < steps) {
     Pool pool(source, MM_POOL_UNIFORM);
     const CS_UINT node = upto(300);
     ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, static_cast<CS_INT>(1 + upto(8192))),
               CS_SUCCEED);
     std::vector<Live> live;
     const size_t most = 1 + upto(400);
-    for (const size_t end = step + random_steps / 20; step < end && step < random_steps; ++step) {
+    for (const size_t end = step + 1 + steps / 20; step < end && step < steps; ++step) {
       if (live.empty() || (chance(2) && live.size() < most)) {
         if (chance(50))
           source.fail(1);
@@ -184,13 +186,13 @@ TEST_F(RandomPools, AllocOnly) {
   // The rule that the bound on older chunks must not change: the newest chunk with room serves.
   Source source;
   size_t step = 0;
-  while (step < random_steps) {
+  while (step < steps) {
     Pool pool(source, MM_POOL_ALLOCONLY);
     ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, static_cast<CS_INT>(1 + upto(8192))),
               CS_SUCCEED);
     std::vector<Live> live;
     const CS_UINT largest = 1 + upto(500);
-    for (const size_t end = step + 3000; step < end && step < random_steps; ++step) {
+    for (const size_t end = step + 3000; step < end && step < steps; ++step) {
       const CS_UINT wanted = upto(largest);
       const CS_UINT rounded = (wanted + W - 1) / W * W;
       const unsigned char *expected = nullptr;
@@ -288,7 +290,7 @@ TEST_F(RandomPools, HeapAddresses) {
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   Source source;
   size_t step = 0;
-  while (step < random_steps) {
+  while (step < steps) {
     Pool pool(source);
     HeapModel model;
     ASSERT_EQ(set_integer(pool, MM_PROP_CHUNKSIZE, static_cast<CS_INT>(1 + upto(3000))),
@@ -296,7 +298,7 @@ TEST_F(RandomPools, HeapAddresses) {
     const CS_UINT largest = 1 + upto(400);
     const size_t most = 1 + upto(60);
     std::vector<char *> live;
-    for (const size_t end = step + 4000; step < end && step < random_steps; ++step) {
+    for (const size_t end = step + 4000; step < end && step < steps; ++step) {
       if (live.empty() || (chance(2) && live.size() < most)) {
         const CS_UINT wanted = upto(largest);
         char *expected = model.get(wanted);

@@ -11,12 +11,10 @@
 
 #include <gtest/gtest.h>
 
-#include "pool_source.h"
+#include "test_scale.h"
 #include "zrvcomn/lmpriv.h"
 
 namespace {
-
-constexpr size_t steps = zrvtest::random_steps;
 
 // Fails at random; every block must come back.
 struct Heap {
@@ -82,6 +80,7 @@ protected:
   }
   static CS_VOID *value(size_t n) { return reinterpret_cast<CS_VOID *>(n + 1); }
 
+  const size_t steps = zrvtest::random_steps();
   unsigned long long seed;
   std::mt19937_64 random;
   Heap heap;

@@ -18,14 +18,6 @@ inline constexpr CS_UINT W = sizeof(void *);
 inline constexpr bool ilp32 = W == 4;
 inline constexpr CS_UINT region_record = sizeof(MmHeap);
 
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool sanitized = true;
-#else
-inline constexpr bool sanitized = false;
-#endif
-// Long random runs are cut under the sanitizers.
-inline constexpr size_t random_steps = sanitized ? 60'000 : 1'000'000;
-
 // Break functions that hand out guarded regions, count them and fail on demand.
 class Source {
 public:

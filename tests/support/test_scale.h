@@ -1,6 +1,10 @@
-// How far exhaustive loops go: sanitizers make each step about ten times as dear.
+// How far exhaustive and random loops go: sanitizers make each step about ten times as dear, and so
+// does a build without optimisation.
 #ifndef ZRVTEST_TEST_SCALE_H
 #define ZRVTEST_TEST_SCALE_H
+
+#include <cstddef>
+#include <cstdlib>
 
 namespace zrvtest {
 
@@ -9,6 +13,19 @@ constexpr bool sanitized = true;
 #else
 constexpr bool sanitized = false;
 #endif
+
+#ifdef __OPTIMIZE__
+constexpr bool optimized = true;
+#else
+constexpr bool optimized = false;
+#endif
+
+// Steps of a long random run. ZRVTEST_STEPS overrides them, which is how a run under valgrind stays
+// short.
+inline std::size_t random_steps() {
+  const char *const given = std::getenv("ZRVTEST_STEPS");
+  return given != nullptr ? std::strtoul(given, nullptr, 0) : sanitized ? 60'000 : 1'000'000;
+}
 
 } // namespace zrvtest
 

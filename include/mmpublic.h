@@ -171,7 +171,9 @@ ZRV_API CS_RETCODE comn_mmrealloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer
 /*
  * Releases an allocation. Returns CS_SUCCEED; CS_FAIL in an alloc-only pool, which does nothing.
  * Fatal: a pool that never allocated, a lock that fails, a pointer outside the pool's regions, in a
- * buddy pool also a block that is free already. A uniform pool does not inspect the pointer.
+ * buddy pool also a block that is free already. A uniform pool does not inspect the pointer. An
+ * allocation of 0 bytes in an alloc-only pool may lie at the very end of a region, which is
+ * outside.
  *
  * The cost of finding the region grows with the number of regions, newest first.
  */

@@ -708,6 +708,19 @@ TEST_F(AllocOnlyTest, OlderChunksServe) {
   EXPECT_EQ(source.asked.size(), 1U + (4 * 1024 > 4000 ? 1U : 0U));
 }
 
+// Deliberate: nothing is reserved for an empty allocation, so that one in a full chunk lies at the
+// end of the region, and a release of it is one of a pointer outside the pool.
+TEST_F(AllocOnlyTest, EmptyAllocationInAFullChunk) {
+  Pool pool(source, MM_POOL_ALLOCONLY);
+  ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, 1), CS_SUCCEED);
+  ASSERT_EQ(set_integer(pool, MM_PROP_CHUNKSIZE, 1), CS_SUCCEED);
+  void *const empty = pool.allocate(0);
+  const MmHeap *const region = pool.head()->mph_heap;
+  EXPECT_EQ(empty, reinterpret_cast<const char *>(region) + region->size);
+  EXPECT_ASSERTION("commmgr.cpp", CS_FAIL, comn_mmfree(pool, empty));
+  EXPECT_EQ(pool.allocate(0), empty);
+}
+
 TEST_F(AllocOnlyTest, FailedChunk) {
   Pool pool(source, MM_POOL_ALLOCONLY);
   for (int i = 0; i < 3; ++i) {

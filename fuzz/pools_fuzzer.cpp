@@ -47,21 +47,27 @@ struct Source {
   }
 };
 
+// The bytes 0 to 255 over and over, and as many zeroes; no allocation is larger.
+struct Patterns {
+  static constexpr std::size_t largest = 1 << 16;
+  unsigned char ramp[largest + 256];
+  unsigned char zeroes[largest] = {};
+  constexpr Patterns() : ramp() {
+    for (std::size_t i = 0; i < sizeof ramp; ++i)
+      ramp[i] = static_cast<unsigned char>(i);
+  }
+};
+const Patterns patterns;
+
 struct Block {
   MM_HANDLE *pool;
   unsigned char *at;
   CS_UINT size;
   unsigned char pattern;
 
-  void fill() const {
-    for (CS_UINT i = 0; i < size; ++i)
-      at[i] = static_cast<unsigned char>(pattern + i);
-  }
+  void fill() const { std::memcpy(at, patterns.ramp + pattern, size); }
   bool is_filled(CS_UINT count) const {
-    for (CS_UINT i = 0; i < count; ++i)
-      if (at[i] != static_cast<unsigned char>(pattern + i))
-        return false;
-    return true;
+    return std::memcmp(at, patterns.ramp + pattern, count) == 0;
   }
 };
 
@@ -169,8 +175,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         demand(block == nullptr);
         break;
       }
-      const auto *const bytes = static_cast<unsigned char *>(block);
-      demand(std::all_of(bytes, bytes + wanted, [](unsigned char byte) { return byte == 0; }));
+      demand(std::memcmp(block, patterns.zeroes, wanted) == 0);
       live.push_back({handle, static_cast<unsigned char *>(block), wanted,
                       static_cast<unsigned char>(program.byte())});
       live.back().fill();

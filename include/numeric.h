@@ -221,12 +221,14 @@ ZRV_PRIVATE int com__exctnume_intdiv(__CONSTANT *a, __CONSTANT *b, __CONSTANT *q
  * after an exponent is allowed only behind two characters of it ("1e55 " and "1e+5" parse, "1e5 "
  * does not).
  *
- * Automatic scale: the fraction digits written. With an exponent as well the fraction digits win
- * and the exponent is lost ("1.5e1" is the digits 15 at scale 1); without fraction digits a
- * positive exponent multiplies, and a negative one is stored as a byte ("5e-2" gives scale 254).
- * Automatic precision: the digits written, leading zeroes aside, but never below what the value
- * has; `*dest` moves forward and `*destlen` becomes the length of that precision, so that the value
- * ends where the buffer does. NUME_OVERFLOW above 77 digits, or when that length does not fit.
+ * Automatic scale: the fraction digits written, the one that ends the scan because the destination
+ * has no room for it among them, so that such a value is a tenth of what the text says. With an
+ * exponent as well the fraction digits win and the exponent is lost ("1.5e1" is the digits 15 at
+ * scale 1); without fraction digits a positive exponent multiplies, and a negative one is stored as
+ * a byte ("5e-2" gives scale 254). Automatic precision: the digits written, leading zeroes aside,
+ * but never below what the value has; `*dest` moves forward and `*destlen` becomes the length of
+ * that precision, so that the value ends where the buffer does. NUME_OVERFLOW above 77 digits, or
+ * when that length does not fit.
  */
 ZRV_PRIVATE int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *destlen,
                                        CS_BYTE *precision, CS_BYTE *scale,

@@ -98,6 +98,23 @@ TEST(TextToNumeric, AutomaticScaleWithAnExponent) {
   EXPECT_EQ(parse_automatic("5e-1000"), "status 6"); // beyond 255 places nothing is stored
 }
 
+// Deliberate: the fraction digit that has no more room, at which the scan stops, counts in the
+// automatic scale like those that are stored, so that the value comes out a tenth of what the text
+// says; nor does it round.
+TEST(TextToNumeric, AutomaticScaleCountsTheDroppedDigit) {
+  const std::string stored = "1" + std::string(76, '2');
+  const std::string text = "1." + std::string(76, '2');
+  EXPECT_EQ(parse_automatic(text, 1), stored + " (77,76)");
+  EXPECT_EQ(parse_automatic(text + "9", 1), stored + " (77,77)");
+  EXPECT_EQ(parse_automatic(text + "987x", 1), stored + " (77,77)");
+  EXPECT_EQ(parse_automatic(text + "9", 0), "status 6");
+  EXPECT_EQ(parse_automatic("-" + stored + ".9", 1), "-" + stored + " (77,1)");
+  // A shorter destination has room for fewer: 4 bytes hold 7 digits.
+  const Parsed result = parse("12.345678", 7, automatic, 1, 4);
+  EXPECT_EQ(result.value, "1234567");
+  EXPECT_EQ(result.scale, 6);
+}
+
 TEST(TextToNumeric, AutomaticPrecisionKeepsTheValueAtTheEndOfTheBuffer) {
   const Parsed result = parse("12345", 0, automatic);
   EXPECT_EQ(result.precision, 5);

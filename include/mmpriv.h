@@ -73,9 +73,18 @@ typedef struct _mm_uniform_pool {
 /* The chunks of an alloc-only pool are blocks that begin with a region record, whose `free` points
  * to a cursor in its fifth word: bytes left, and the next free byte. */
 typedef struct _mm_alloconly_pool {
-  MmHeap *free;       /* the chunks, newest first */
-  CS_UINT older_left; /* no chunk but the newest has more bytes left */
+  MmHeap *free; /* the chunks, newest first */
 } MmAllocOnlyPool;
+
+/* The records above are fixed. What the smaller strategies note beside them, for speed alone,
+ * stands behind them, in room that a handle has for the buddy strategy anyway. */
+typedef struct _mm_pool_notes {
+  union {
+    MmUniformPool u;
+    MmAllocOnlyPool a;
+  } pool;
+  CS_UINT older_left; /* alloc-only: no chunk but the newest has more bytes left */
+} MmPoolNotes;
 
 /* Bits of mmh_status and mph_status. READY: an allocation has succeeded, so type and block size are
  * fixed. DROPPING: on its way out, the lock is no longer taken. */
@@ -100,6 +109,7 @@ struct _mmhandle {
     MmBuddyPool af;
     MmUniformPool u;
     MmAllocOnlyPool a;
+    MmPoolNotes notes;
   } mmh_pool;
 };
 

@@ -9,6 +9,8 @@
 #define ZRVTEST_LAYOUT_FACTS_H
 
 #include "zrvcomn/comnlib.h"
+#include "zrvcomn/lmpriv.h"
+#include "zrvcomn/mmpriv.h"
 
 /* clang-format off */
 
@@ -122,7 +124,24 @@
   ROW(CS_THREAD, 40) \
   ROW(CS_LOCATOR, 32) \
   ROW(CsBlobChunk, 12) \
-  ROW(ComErrString, 8)
+  ROW(ComErrString, 8) \
+  ROW(MmPoolHead, 48) \
+  ROW(MM_HANDLE, 108) \
+  ROW(MmHeap, 20) \
+  ROW(MmList, 8) \
+  ROW(MmBlock, 8) \
+  ROW(MmDList, 12) \
+  ROW(MmBuddyPool, 72) \
+  ROW(MmUniformPool, 12) \
+  ROW(MmAllocOnlyPool, 4) \
+  ROW(LM_CONTEXT, 36) \
+  ROW(LM_CXTPROP, 32) \
+  ROW(LM_HANDLE, 40) \
+  ROW(LM_HDLPROP, 40) \
+  ROW(DLinkNode, 24) \
+  ROW(DLinkInfo, 12) \
+  ROW(CHashInfo, 16) \
+  ROW(DHashInfo, 20)
 
 /* record, field, offset under ILP32; a record's fields in their order */
 #define LAYOUT_POINTER_FIELDS(ROW) \
@@ -227,7 +246,102 @@
   ROW(CsBlobChunk, len, 4) \
   ROW(CsBlobChunk, data, 8) \
   ROW(ComErrString, errcode, 0) \
-  ROW(ComErrString, errstr, 4)
+  ROW(ComErrString, errstr, 4) \
+  ROW(MmPoolHead, mph_sbreak, 0) \
+  ROW(MmPoolHead, mph_unsbreak, 4) \
+  ROW(MmPoolHead, mph_param, 8) \
+  ROW(MmPoolHead, mph_lock, 12) \
+  ROW(MmPoolHead, mph_unlock, 16) \
+  ROW(MmPoolHead, mph_lockarg, 20) \
+  ROW(MmPoolHead, mph_chunksize, 24) \
+  ROW(MmPoolHead, mph_totalsize, 28) \
+  ROW(MmPoolHead, mph_maxsize, 32) \
+  ROW(MmPoolHead, mph_heap, 36) \
+  ROW(MmPoolHead, mph_ctx, 40) \
+  ROW(MmPoolHead, mph_status, 44) \
+  ROW(MM_HANDLE, mmh_head, 0) \
+  ROW(MM_HANDLE, mmh_type, 4) \
+  ROW(MM_HANDLE, mmh_blocksize, 8) \
+  ROW(MM_HANDLE, mmh_status, 12) \
+  ROW(MM_HANDLE, mmh_tagid, 16) \
+  ROW(MM_HANDLE, mmh_blocks, 20) \
+  ROW(MM_HANDLE, mmh_parent, 24) \
+  ROW(MM_HANDLE, mmh_child, 28) \
+  ROW(MM_HANDLE, mmh_sibling, 32) \
+  ROW(MM_HANDLE, mmh_pool, 36) \
+  ROW(MmHeap, size, 0) \
+  ROW(MmHeap, status, 4) \
+  ROW(MmHeap, next, 8) \
+  ROW(MmHeap, free, 12) \
+  ROW(MmHeap, buffer, 16) \
+  ROW(MmList, size, 0) \
+  ROW(MmList, link, 4) \
+  ROW(MmBlock, next, 0) \
+  ROW(MmBlock, block, 4) \
+  ROW(MmDList, size, 0) \
+  ROW(MmDList, next, 4) \
+  ROW(MmDList, prev, 8) \
+  ROW(MmBuddyPool, bpmax, 0) \
+  ROW(MmBuddyPool, free, 4) \
+  ROW(MmUniformPool, uniform_size, 0) \
+  ROW(MmUniformPool, node_size, 4) \
+  ROW(MmUniformPool, free, 8) \
+  ROW(MmAllocOnlyPool, free, 0) \
+  ROW(LM_CONTEXT, state, 0) \
+  ROW(LM_CONTEXT, context_name, 4) \
+  ROW(LM_CONTEXT, length, 8) \
+  ROW(LM_CONTEXT, lmchkparam, 12) \
+  ROW(LM_CONTEXT, cxtprop, 16) \
+  ROW(LM_CONTEXT, first_handle, 20) \
+  ROW(LM_CONTEXT, lmmalloc, 24) \
+  ROW(LM_CONTEXT, lmfree, 28) \
+  ROW(LM_CONTEXT, lmuser, 32) \
+  ROW(LM_CXTPROP, state, 0) \
+  ROW(LM_CXTPROP, list_type, 4) \
+  ROW(LM_CXTPROP, max_tablesize, 8) \
+  ROW(LM_CXTPROP, max_poolsize, 12) \
+  ROW(LM_CXTPROP, version, 16) \
+  ROW(LM_CXTPROP, context_load, 20) \
+  ROW(LM_CXTPROP, cur_handlename, 24) \
+  ROW(LM_CXTPROP, cur_handleaddr, 28) \
+  ROW(LM_HANDLE, state, 0) \
+  ROW(LM_HANDLE, hdlprop, 4) \
+  ROW(LM_HANDLE, list_state, 8) \
+  ROW(LM_HANDLE, free_DLN_list, 12) \
+  ROW(LM_HANDLE, free_nodes, 16) \
+  ROW(LM_HANDLE, cur_ptr, 20) \
+  ROW(LM_HANDLE, next, 24) \
+  ROW(LM_HANDLE, lmhmalloc, 28) \
+  ROW(LM_HANDLE, lmhfree, 32) \
+  ROW(LM_HANDLE, lmhuser, 36) \
+  ROW(LM_HDLPROP, state, 0) \
+  ROW(LM_HDLPROP, list_type, 4) \
+  ROW(LM_HDLPROP, max_tablesize, 8) \
+  ROW(LM_HDLPROP, max_poolsize, 12) \
+  ROW(LM_HDLPROP, handle_load, 16) \
+  ROW(LM_HDLPROP, context, 20) \
+  ROW(LM_HDLPROP, handle_name, 24) \
+  ROW(LM_HDLPROP, length, 28) \
+  ROW(LM_HDLPROP, print_func, 32) \
+  ROW(LM_HDLPROP, comp_func, 36) \
+  ROW(DLinkNode, state, 0) \
+  ROW(DLinkNode, key, 4) \
+  ROW(DLinkNode, key_size, 8) \
+  ROW(DLinkNode, data, 12) \
+  ROW(DLinkNode, previous, 16) \
+  ROW(DLinkNode, next, 20) \
+  ROW(DLinkInfo, state, 0) \
+  ROW(DLinkInfo, head, 4) \
+  ROW(DLinkInfo, tail, 8) \
+  ROW(CHashInfo, state, 0) \
+  ROW(CHashInfo, table, 4) \
+  ROW(CHashInfo, table_size, 8) \
+  ROW(CHashInfo, home_addr_hfunc, 12) \
+  ROW(DHashInfo, state, 0) \
+  ROW(DHashInfo, table, 4) \
+  ROW(DHashInfo, table_size, 8) \
+  ROW(DHashInfo, home_addr_hfunc, 12) \
+  ROW(DHashInfo, incr_hfunc, 16)
 
 /* The process-wide record: the widths of the slots of the layers above are not published, so only
  * the start of the record and the order of its fields are. */
@@ -361,7 +475,85 @@
   ROW(CS_CTYPE_SPACE, 8) \
   ROW(CS_CTYPE_XDIGIT, 16) \
   ROW(CS_CTYPE_PUNCT, 32) \
-  ROW(CS_CTYPE_GRAPH, 64)
+  ROW(CS_CTYPE_GRAPH, 64) \
+  ROW(MM_POOL_NONE, 2235) \
+  ROW(MM_POOL_BUDDY, 2236) \
+  ROW(MM_POOL_ALLOCONLY, 2237) \
+  ROW(MM_POOL_UNIFORM, 2238) \
+  ROW(MM_ACTION_GET, 33) \
+  ROW(MM_ACTION_SET, 34) \
+  ROW(MM_ACTION_CLEAR, 35) \
+  ROW(MM_PROP_POOLTYPE, 1235) \
+  ROW(MM_PROP_SBREAK, 1236) \
+  ROW(MM_PROP_PARAM, 1237) \
+  ROW(MM_PROP_UNSBREAK, 1238) \
+  ROW(MM_PROP_LOCK, 1239) \
+  ROW(MM_PROP_LOCKARG, 1240) \
+  ROW(MM_PROP_UNLOCK, 1241) \
+  ROW(MM_PROP_CHUNKSIZE, 1242) \
+  ROW(MM_PROP_MAXSIZE, 1243) \
+  ROW(MM_PROP_ADDHEAP, 1244) \
+  ROW(MM_PROP_OVERHEAD, 1245) \
+  ROW(MM_PROP_SUBPOOL, 1246) \
+  ROW(MM_PROP_BLOCKSIZE, 1247) \
+  ROW(MM_DROP_NORMAL, -99999) \
+  ROW(MM_DROP_FORCE, 300) \
+  ROW(MM_BAD_PROPERTY, -214) \
+  ROW(MM_NO_MAXSIZE, -9999) \
+  ROW(MM_ST_OWNED, 1) \
+  ROW(MM_ST_CALLER, 2) \
+  ROW(MM_ST_READY, 8) \
+  ROW(MM_ST_OWNMUTEX, 16) \
+  ROW(MM_ST_DROPPING, 32) \
+  ROW(LM_ALLOCATED, 11) \
+  ROW(LM_RELEASED, 12) \
+  ROW(LM_INITIALIZED, 13) \
+  ROW(LM_UNINITIALIZED, 14) \
+  ROW(LM_INSERTED, 15) \
+  ROW(LM_SET, 16) \
+  ROW(LM_UNSET, 17) \
+  ROW(LM_DLINK, 13) \
+  ROW(LM_CHASH, 14) \
+  ROW(LM_DHASH, 16) \
+  ROW(LM_QUEUE, 18) \
+  ROW(LM_STACK, 19) \
+  ROW(LM_OP_INSERT, 20) \
+  ROW(LM_OP_DELETE, 21) \
+  ROW(LM_OP_SEARCH, 22) \
+  ROW(LM_OP_REPLACE, 23) \
+  ROW(LM_OP_NEXT, 24) \
+  ROW(LM_OP_PREV, 25) \
+  ROW(LM_OP_CURRENT, 26) \
+  ROW(LM_OP_FIRST, 27) \
+  ROW(LM_OP_LAST, 28) \
+  ROW(LM_OP_PRINT, 29) \
+  ROW(LM_OP_PRINTALL, 30) \
+  ROW(LM_OP_APPLY, 31) \
+  ROW(LM_POS_BEFORE, 32) \
+  ROW(LM_POS_AFTER, 33) \
+  ROW(LM_NOT_FOUND, 34) \
+  ROW(LM_ACTION_GET, 33) \
+  ROW(LM_ACTION_SET, 34) \
+  ROW(LM_ACTION_CLEAR, 35) \
+  ROW(LM_EXIT_NORMAL, -99999) \
+  ROW(LM_EXIT_FORCE, 36) \
+  ROW(LM_DROP_NORMAL, -99999) \
+  ROW(LM_DROP_FORCE, 35) \
+  ROW(LM_HDL_LIST_TYPE, 1) \
+  ROW(LM_HDL_MAX_TABLESIZE, 2) \
+  ROW(LM_HDL_MAX_POOLSIZE, 3) \
+  ROW(LM_HDL_HANDLE_LOAD, 8) \
+  ROW(LM_HDL_CONTEXT_ADDR, 9) \
+  ROW(LM_HDL_HANDLE_NAME, 10) \
+  ROW(LM_HDL_PRINT_FUNC, 11) \
+  ROW(LM_HDL_COMP_FUNC, 12) \
+  ROW(LM_CXT_LIST_TYPE, 1) \
+  ROW(LM_CXT_MAX_TABLESIZE, 2) \
+  ROW(LM_CXT_MAX_POOLSIZE, 3) \
+  ROW(LM_CXT_VERSION, 4) \
+  ROW(LM_CXT_CONTEXT_LOAD, 5) \
+  ROW(LM_CXT_CURRENT_HANDLENAME, 6) \
+  ROW(LM_CXT_CURRENT_HANDLEADDR, 7)
 
 /* clang-format on */
 

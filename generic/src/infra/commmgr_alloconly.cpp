@@ -17,9 +17,10 @@ CS_RETCODE com___alloconly_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer
   COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
   COMN_CHECK(mmh->mmh_type == MM_POOL_ALLOCONLY, COMN_TRACE(CS_FAIL));
   MmAllocOnlyPool &pool = mmh->mmh_pool.a;
+  CS_UINT &older_left = mmh->mmh_pool.notes.older_left;
   if (!is_ready(mmh)) {
     pool.free = nullptr;
-    pool.older_left = 0;
+    older_left = 0;
   }
   if (size > largest_request)
     return COMN_TRACE(CS_MEM_ERROR);
@@ -32,7 +33,7 @@ CS_RETCODE com___alloconly_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer
       *buffer = advance(pool.free->free, rounded);
       return CS_SUCCEED;
     }
-    if (pool.older_left >= rounded) {
+    if (older_left >= rounded) {
       CS_UINT most = 0;
       for (MmHeap *chunk = pool.free->next; chunk != nullptr; chunk = chunk->next) {
         if (chunk->free->size >= rounded) {
@@ -41,7 +42,7 @@ CS_RETCODE com___alloconly_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer
         }
         most = chunk->free->size > most ? chunk->free->size : most;
       }
-      pool.older_left = most;
+      older_left = most;
     }
   }
 
@@ -52,8 +53,8 @@ CS_RETCODE com___alloconly_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer
   const CS_RETCODE result = com___getblock(mmh, chunk_size, &block);
   if (result != CS_SUCCEED)
     return COMN_TRACE(result);
-  if (pool.free != nullptr && pool.free->free->size > pool.older_left)
-    pool.older_left = pool.free->free->size;
+  if (pool.free != nullptr && pool.free->free->size > older_left)
+    older_left = pool.free->free->size;
   auto *const chunk = static_cast<MmHeap *>(block);
   chunk->size = static_cast<CS_INT>(chunk_size);
   chunk->status = 0;

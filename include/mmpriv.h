@@ -71,10 +71,18 @@ typedef struct _mm_uniform_pool {
 } MmUniformPool;
 
 /* The chunks of an alloc-only pool are blocks that begin with a region record, whose `free` points
- * to a cursor in its fifth word: bytes left, and the next free byte. */
+ * to a cursor in its fifth word: bytes left, and the next free byte. Its `status` tells how many
+ * bytes of the chunk are in use or cleared ahead. */
 typedef struct _mm_alloconly_pool {
   MmHeap *free; /* the chunks, newest first */
 } MmAllocOnlyPool;
+
+/* What the last search of the general heap that failed has shown: no region from `first` on has
+ * `size` bytes in one piece. For handles that give nothing back to the heap. */
+typedef struct _mm_search {
+  MmHeap *first;
+  CS_UINT size;
+} MmSearch;
 
 /* The records above are fixed. What the smaller strategies note beside them, for speed alone,
  * stands behind them, in room that a handle has for the buddy strategy anyway. */
@@ -84,6 +92,7 @@ typedef struct _mm_pool_notes {
     MmAllocOnlyPool a;
   } pool;
   CS_UINT older_left; /* alloc-only: no chunk but the newest has more bytes left */
+  MmSearch search;
 } MmPoolNotes;
 
 /* Bits of mmh_status and mph_status. READY: an allocation has succeeded, so type and block size are

@@ -291,15 +291,18 @@ TEST_F(RandomPools, HeapAddresses) {
   Source source;
   size_t step = 0;
   while (step < steps) {
-    Pool pool(source);
+    // Every other handle is one that remembers its searches.
+    Pool pool(source, chance(2) ? MM_POOL_UNIFORM : MM_POOL_BUDDY);
+    pool->mmh_status |= MM_ST_READY;
     HeapModel model;
     ASSERT_EQ(set_integer(pool, MM_PROP_CHUNKSIZE, static_cast<CS_INT>(1 + upto(3000))),
               CS_SUCCEED);
     const CS_UINT largest = 1 + upto(400);
     const size_t most = 1 + upto(60);
+    const CS_UINT get_odds = 1 + upto(3);
     std::vector<char *> live;
     for (const size_t end = step + 4000; step < end && step < steps; ++step) {
-      if (live.empty() || (chance(2) && live.size() < most)) {
+      if (live.empty() || (!chance(1 + get_odds) && live.size() < most)) {
         const CS_UINT wanted = upto(largest);
         char *expected = model.get(wanted);
         void *payload = nullptr;

@@ -643,6 +643,37 @@ TEST_F(UniformTest, FailedRefill) {
   pool.allocate(4000);
 }
 
+// A pool remembers that its regions were full. That must not hide a region that is added, room for
+// less, or what is given back.
+TEST_F(UniformTest, RegionsThatFilledUpAndHaveRoomAgain) {
+  Pool pool(source, MM_POOL_UNIFORM);
+  ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, 1), CS_SUCCEED);
+  ASSERT_EQ(set_integer(pool, MM_PROP_CHUNKSIZE, 1), CS_SUCCEED);
+  for (int i = 0; i < 3; ++i)
+    pool.allocate(50 * W);
+  EXPECT_EQ(source.asked.size(), 3U);
+
+  alignas(void *) unsigned char bytes[region_record + 60 * W];
+  ASSERT_EQ(comn_mmproperty(pool, MM_ACTION_SET, MM_PROP_ADDHEAP, bytes, sizeof bytes, nullptr),
+            CS_SUCCEED);
+  EXPECT_EQ(pool.allocate(50 * W), bytes + region_record + 2 * W);
+  EXPECT_EQ(source.asked.size(), 3U);
+
+  // What is left of that region, too little for a node.
+  void *payload = nullptr;
+  ASSERT_EQ(com___getheap(pool, 2 * W, &payload), CS_SUCCEED);
+  EXPECT_EQ(source.asked.size(), 3U);
+
+  // A block that was given back in the oldest region.
+  pool.allocate(50 * W);
+  EXPECT_EQ(source.asked.size(), 4U);
+  ASSERT_EQ(com___putheap(pool, payload), CS_SUCCEED);
+  void *again = nullptr;
+  ASSERT_EQ(com___getheap(pool, 2 * W, &again), CS_SUCCEED);
+  EXPECT_EQ(again, payload);
+  EXPECT_EQ(source.asked.size(), 4U);
+}
+
 TEST_F(UniformTest, Misuse) {
   Pool pool(source, MM_POOL_UNIFORM);
   EXPECT_ASSERTION(uniform_unit, CS_FAIL, com___uniform_free(pool, &source));
@@ -719,6 +750,36 @@ TEST_F(AllocOnlyTest, EmptyAllocationInAFullChunk) {
   EXPECT_EQ(empty, reinterpret_cast<const char *>(region) + region->size);
   EXPECT_ASSERTION("commmgr.cpp", CS_FAIL, comn_mmfree(pool, empty));
   EXPECT_EQ(pool.allocate(0), empty);
+}
+
+// Bytes come cleared whether or not a lock is set, which decides when they are cleared.
+TEST_F(AllocOnlyTest, ClearedWithAndWithoutALock) {
+  const MM_LOCK_FUNC locked = +[](MM_HANDLE *, CS_VOID *) -> CS_RETCODE { return CS_SUCCEED; };
+  const MM_UNLOCK_FUNC unlocked = locked;
+  for (const CS_UINT size : {0U, 1U, 7U, 100U, 700U, 2047U, 2048U, 2049U, 5000U}) {
+    SCOPED_TRACE(size);
+    Source own;
+    Pool pool(own, MM_POOL_ALLOCONLY);
+    ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, 20'000), CS_SUCCEED);
+    std::vector<std::pair<unsigned char *, CS_UINT>> live;
+    for (CS_UINT i = 0; i < 40; ++i) {
+      if (i % 5 == 2) {
+        ASSERT_EQ(set_pointer(pool, MM_PROP_UNLOCK, unlocked), CS_SUCCEED);
+        ASSERT_EQ(set_pointer(pool, MM_PROP_LOCK, locked), CS_SUCCEED);
+      } else if (i % 5 == 4) {
+        ASSERT_EQ(comn_mmproperty(pool, MM_ACTION_CLEAR, MM_PROP_LOCK, nullptr, 0, nullptr),
+                  CS_SUCCEED);
+      }
+      const CS_UINT length = size + i % 3;
+      auto *const block = static_cast<unsigned char *>(pool.allocate(length));
+      std::memset(block, static_cast<int>(i + 1), length);
+      live.emplace_back(block, length);
+    }
+    for (CS_UINT i = 0; i < live.size(); ++i)
+      for (CS_UINT at = 0; at < live[i].second; ++at)
+        ASSERT_EQ(live[i].first[at], i + 1) << "cleared while in use";
+    own.check_guards();
+  }
 }
 
 TEST_F(AllocOnlyTest, FailedChunk) {

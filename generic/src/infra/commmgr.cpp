@@ -117,20 +117,25 @@ CS_RETCODE drop_pool(MM_HANDLE *root) noexcept {
 
 // ---- the entry points below the lock ----
 
-// True when a call has nothing to do around its work: no lock, no trace.
+// True when a call has nothing to do around its work: no lock, no trace, a strategy that is set up.
 bool is_unguarded(const MM_HANDLE *mmh) noexcept {
-  return mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing();
+  return is_ready(mmh) && mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing();
 }
 
+// A block of the strategies that take blocks back.
 void *take(MM_HANDLE *mmh, CS_UINT size) noexcept {
-  if (mmh->mmh_type == MM_POOL_BUDDY)
-    return take_block(mmh->mmh_pool.af, size);
   if (mmh->mmh_type == MM_POOL_UNIFORM)
     return take_node(mmh->mmh_pool.u, size);
-  return mmh->mmh_type == MM_POOL_ALLOCONLY ? take_bytes(mmh->mmh_pool.a, size) : nullptr;
+  return mmh->mmh_type == MM_POOL_BUDDY ? take_block(mmh->mmh_pool.af, size) : nullptr;
 }
 
-[[gnu::noinline]] CS_RETCODE allocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
+bool put(MM_HANDLE *mmh, void *buf) noexcept {
+  if (mmh->mmh_type == MM_POOL_UNIFORM)
+    return put_node(mmh->mmh_pool.u, buf);
+  return mmh->mmh_type == MM_POOL_BUDDY && put_block(mmh->mmh_pool.af, buf);
+}
+
+CS_RETCODE allocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   switch (mmh->mmh_type) {
   case MM_POOL_BUDDY:
     return com___buddy_malloc(mmh, size, buffer);
@@ -146,9 +151,12 @@ void *take(MM_HANDLE *mmh, CS_UINT size) noexcept {
 
 // True when the pointer lies in a region, newest first, behind its record.
 bool is_inside(const MM_HANDLE *mmh, void *buf) noexcept {
-  for (MmHeap *heap = mmh->mmh_head->mph_heap; heap != nullptr; heap = heap->next)
-    if (bytes(heap) <= bytes(buf) && bytes(buf) < bytes(heap) + heap->size)
-      return bytes(buf) >= bytes(heap) + region_overhead + word;
+  const auto address = reinterpret_cast<std::uintptr_t>(buf);
+  for (const MmHeap *heap = mmh->mmh_head->mph_heap; heap != nullptr; heap = heap->next) {
+    const std::uintptr_t offset = address - reinterpret_cast<std::uintptr_t>(heap);
+    if (offset < static_cast<CS_UINT>(heap->size))
+      return offset >= region_overhead + word;
+  }
   return false;
 }
 
@@ -179,6 +187,79 @@ CS_RETCODE reallocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
     comn::raise_bomb(COMN_HERE);
     return CS_FAIL;
   }
+}
+
+// ---- clearing what is handed out ----
+
+// Up to here a few stores are faster than a call.
+constexpr CS_UINT inline_clear = 128;
+
+template <size_t Size>
+void clear_ends(char *begin, CS_UINT size) noexcept {
+  std::memset(begin, 0, Size);
+  std::memset(begin + size - Size, 0, Size);
+}
+
+void clear_short(void *block, CS_UINT size) noexcept {
+  char *const begin = bytes(block);
+  if (size > 64)
+    clear_ends<64>(begin, size);
+  else if (size > 32)
+    clear_ends<32>(begin, size);
+  else if (size > 16)
+    clear_ends<16>(begin, size);
+  else if (size >= 8)
+    clear_ends<8>(begin, size);
+  else
+    for (CS_UINT i = 0; i < size; ++i)
+      begin[i] = 0;
+}
+
+[[gnu::noinline]] CS_RETCODE clear_long(void *block, CS_UINT size) noexcept {
+  std::memset(block, 0, size);
+  return CS_SUCCEED;
+}
+
+// Clears the newest block of an alloc-only chunk and some of what is behind it, so that the next
+// blocks come cleared.
+[[gnu::noinline]] CS_RETCODE clear_ahead(MmHeap *chunk, void *block) noexcept {
+  constexpr CS_UINT most = 2048;
+  const CS_UINT left = chunk->free->size;
+  const CS_UINT end = used(chunk) + (left < most ? left : most);
+  chunk->status = static_cast<CS_INT>(end);
+  std::memset(block, 0, static_cast<size_t>(at<char>(chunk, end) - bytes(block)));
+  return CS_SUCCEED;
+}
+
+// ---- the entry points with all that there is around them ----
+
+[[gnu::noinline]] CS_RETCODE allocate_guarded(MM_HANDLE *mmh, CS_UINT size,
+                                              CS_VOID **buffer) noexcept {
+  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
+  const CS_RETCODE locked = lock(mmh);
+  if (locked != CS_SUCCEED)
+    return COMN_TRACE(locked);
+  void *block = nullptr;
+  const CS_RETCODE result = allocate(mmh, size, &block);
+  if (result == CS_SUCCEED)
+    mmh->mmh_status |= MM_ST_READY;
+  unlock(mmh);
+  if (result != CS_SUCCEED)
+    return COMN_TRACE(result);
+  // The memory is the caller's by now: no need to hold the lock.
+  *buffer = block;
+  return COMN_TRACE(clear_long(block, size));
+}
+
+[[gnu::noinline]] CS_RETCODE release_guarded(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
+  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(buf, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(is_ready(mmh), COMN_TRACE(CS_FAIL));
+  COMN_CHECK(lock(mmh) == CS_SUCCEED, COMN_TRACE(CS_FAIL));
+  const CS_RETCODE result = release(mmh, buf);
+  unlock(mmh);
+  return COMN_TRACE(result);
 }
 
 } // namespace
@@ -256,28 +337,25 @@ CS_RETCODE comn_mmmanage(CS_VOID *buffer, CS_UINT buflen, MM_HANDLE **mmh) noexc
   return COMN_TRACE(CS_SUCCEED);
 }
 
+// The two hot entry points call nothing but these, last, so that they need no frame of their own.
+
 CS_RETCODE comn_mmalloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
-  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
-  if (is_unguarded(mmh) && is_ready(mmh)) [[likely]] {
-    if (void *const block = take(mmh, size)) [[likely]] {
-      *buffer = std::memset(block, 0, size);
-      return CS_SUCCEED;
+  if (mmh == nullptr || buffer == nullptr || !is_unguarded(mmh)) [[unlikely]]
+    return allocate_guarded(mmh, size, buffer);
+  if (mmh->mmh_type == MM_POOL_ALLOCONLY) {
+    MmAllocOnlyPool &pool = mmh->mmh_pool.a;
+    if (void *const block = take_bytes(pool, size)) [[likely]] {
+      *buffer = block;
+      return is_cleared(pool.free) ? CS_SUCCEED : clear_ahead(pool.free, block);
     }
+  } else if (void *const block = take(mmh, size)) [[likely]] {
+    *buffer = block;
+    if (size > inline_clear)
+      return clear_long(block, size);
+    clear_short(block, size);
+    return CS_SUCCEED;
   }
-  const CS_RETCODE locked = lock(mmh);
-  if (locked != CS_SUCCEED)
-    return COMN_TRACE(locked);
-  void *block = nullptr;
-  const CS_RETCODE result = allocate(mmh, size, &block);
-  if (result == CS_SUCCEED)
-    mmh->mmh_status |= MM_ST_READY;
-  unlock(mmh);
-  if (result != CS_SUCCEED)
-    return COMN_TRACE(result);
-  // The memory is the caller's by now: no need to hold the lock.
-  *buffer = std::memset(block, 0, size);
-  return COMN_TRACE(CS_SUCCEED);
+  return allocate_guarded(mmh, size, buffer);
 }
 
 CS_RETCODE comn_mmrealloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
@@ -293,18 +371,10 @@ CS_RETCODE comn_mmrealloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexce
 }
 
 CS_RETCODE comn_mmfree(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
-  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(buf, COMN_TRACE(CS_FAIL));
-  COMN_CHECK(is_ready(mmh), COMN_TRACE(CS_FAIL));
-  if (is_unguarded(mmh) && mmh->mmh_type == MM_POOL_UNIFORM) [[likely]] {
-    COMN_CHECK(is_inside(mmh, buf), COMN_TRACE(CS_FAIL));
-    put_node(mmh->mmh_pool.u, buf);
+  if (mmh != nullptr && buf != nullptr && is_unguarded(mmh) && is_inside(mmh, buf) && put(mmh, buf))
+      [[likely]]
     return CS_SUCCEED;
-  }
-  COMN_CHECK(lock(mmh) == CS_SUCCEED, COMN_TRACE(CS_FAIL));
-  const CS_RETCODE result = release(mmh, buf);
-  unlock(mmh);
-  return COMN_TRACE(result);
+  return release_guarded(mmh, buf);
 }
 
 CS_RETCODE comn_mmdiag(MM_HANDLE *) noexcept {

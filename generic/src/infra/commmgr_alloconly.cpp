@@ -21,6 +21,7 @@ CS_RETCODE com___alloconly_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer
   if (!is_ready(mmh)) {
     pool.free = nullptr;
     older_left = 0;
+    mmh->mmh_pool.notes.search = {};
   }
   if (size > largest_request)
     return COMN_TRACE(CS_MEM_ERROR);

@@ -14,31 +14,9 @@ using namespace comn::pool;
 
 namespace {
 
-constexpr CS_INT top_order = MM_BUDDY_ORDERS - 1;
-
-// What one unit of the identity field stands for, and how it is aligned in the header.
-constexpr int identity_shift = 4;
-constexpr CS_UINT identity_mask = MM_BUDDY_CHUNK >> identity_shift;
-
-constexpr CS_UINT block_bytes(CS_INT order) noexcept {
-  return 1U << (order + order_shift);
-}
-constexpr CS_UINT block_words(CS_INT order) noexcept {
-  return block_bytes(order) / word;
-}
-
-constexpr CS_INT order_of(CS_UINT header) noexcept {
-  return (header & MM_BUDDY_TOPORDER) != 0 ? top_order
-                                           : static_cast<CS_INT>(header & MM_BUDDY_ORDER);
-}
-
 constexpr CS_UINT with_order(CS_UINT header, CS_INT order) noexcept {
   const CS_UINT cleared = header & ~(MM_BUDDY_ORDER | MM_BUDDY_TOPORDER);
   return cleared | (order == top_order ? MM_BUDDY_TOPORDER : static_cast<CS_UINT>(order));
-}
-
-CS_UINT address_in_words(const void *address) noexcept {
-  return static_cast<CS_UINT>(reinterpret_cast<std::uintptr_t>(address) / word);
 }
 
 // Both halves of a top-order chunk share everything but the bit that tells them apart.
@@ -50,25 +28,7 @@ constexpr CS_UINT half_mask(CS_INT order) noexcept {
 bool is_upper(const MmDList *block, CS_INT order) noexcept {
   if (order == top_order - 1 && (block->size & MM_BUDDY_UPPERHALF) != 0)
     return true;
-  const CS_UINT offset =
-      (address_in_words(block) - (block->size >> identity_shift)) & identity_mask;
-  return (offset & block_words(order)) != 0;
-}
-
-// True when a block of this header can begin where this one does.
-bool is_plausible(const MmDList *block, CS_INT order) noexcept {
-  const CS_UINT offset =
-      (address_in_words(block) - (block->size >> identity_shift)) & identity_mask;
-  return (offset & (block_words(order) - 1) & identity_mask) == 0;
-}
-
-void push(MmBuddyPool &pool, CS_INT order, MmDList *block) noexcept {
-  MmDList *&head = pool.free[order];
-  block->next = head;
-  block->prev = nullptr;
-  if (head != nullptr)
-    head->prev = block;
-  head = block;
+  return (words_into_chunk(block) & block_words(order)) != 0;
 }
 
 void unlink(MmBuddyPool &pool, CS_INT order, MmDList *block) noexcept {
@@ -138,7 +98,7 @@ CS_RETCODE com___buddy_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) no
     if (pool.bpmax > order)
       COMN_CHECK(com___buddy_split(mmh, order) == CS_SUCCEED, COMN_TRACE(CS_FAIL));
   }
-  *buffer = pop_block(pool, order);
+  *buffer = pop(pool, order);
   return COMN_TRACE(CS_SUCCEED);
 }
 
@@ -204,13 +164,8 @@ CS_RETCODE com___buddy_free(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   if ((block->size & MM_BUDDY_OVERSIZE) != 0)
     return COMN_TRACE(com___putblock(mmh, block));
 
-  MmBuddyPool &pool = mmh->mmh_pool.af;
-  const CS_INT order = order_of(block->size);
-  COMN_CHECK((block->size & MM_BUDDY_FREE) == 0, COMN_TRACE(CS_FAIL));
-  COMN_CHECK(order <= pool.bpmax && is_plausible(block, order), COMN_TRACE(CS_FAIL));
-  // No merging here: it waits until a request cannot be met.
-  block->size |= MM_BUDDY_FREE;
-  push(pool, order, block);
+  // A double free, or no block of this pool.
+  COMN_CHECK(put_block(mmh->mmh_pool.af, buf), COMN_TRACE(CS_FAIL));
   return COMN_TRACE(CS_SUCCEED);
 }
 

@@ -54,6 +54,15 @@ void *take(MmHeap *heap, CS_UINT size) noexcept {
   return nullptr;
 }
 
+// What a handle keeps of its searches; null if somebody else could give something back to the
+// regions meanwhile, or it does so all the time itself.
+MmSearch *search_of(MM_HANDLE *mmh) noexcept {
+  if (!is_ready(mmh) || mmh->mmh_parent != nullptr || mmh->mmh_child != nullptr)
+    return nullptr;
+  const bool gives_back = mmh->mmh_type != MM_POOL_UNIFORM && mmh->mmh_type != MM_POOL_ALLOCONLY;
+  return gives_back ? nullptr : &mmh->mmh_pool.notes.search;
+}
+
 } // namespace
 
 CS_RETCODE com___addheap(MM_HANDLE *mmh, CS_VOID *region, CS_INT length, CS_INT status) noexcept {
@@ -112,8 +121,10 @@ CS_RETCODE com___getheap(MM_HANDLE *mmh, CS_UINT size, CS_VOID **payload) noexce
   // No block is without payload: that is the mark of a remainder.
   const CS_UINT rounded = size == 0 ? word : round_up(size);
   MmPoolHead *const head = mmh->mmh_head;
+  MmSearch *const last = search_of(mmh);
   for (;;) {
-    for (MmHeap *heap = head->mph_heap; heap != nullptr; heap = heap->next) {
+    const MmHeap *const end = last != nullptr && rounded >= last->size ? last->first : nullptr;
+    for (MmHeap *heap = head->mph_heap; heap != end; heap = heap->next) {
       if (static_cast<CS_UINT>(heap->size) < rounded)
         continue;
       if (void *const found = take(heap, rounded)) {
@@ -121,6 +132,8 @@ CS_RETCODE com___getheap(MM_HANDLE *mmh, CS_UINT size, CS_VOID **payload) noexce
         return COMN_TRACE(CS_SUCCEED);
       }
     }
+    if (last != nullptr)
+      *last = {head->mph_heap, rounded};
     const CS_UINT needed = rounded + region_overhead;
     const auto chunk = static_cast<CS_UINT>(head->mph_chunksize);
     if (com___sbreak(mmh, needed > chunk ? needed : chunk) != CS_SUCCEED)
@@ -133,6 +146,8 @@ CS_RETCODE com___putheap(MM_HANDLE *mmh, CS_VOID *payload) noexcept {
   COMN_CHECK_PTR(payload, COMN_TRACE(CS_FAIL));
   auto *const block = header_of<MmList>(payload);
   MmPoolHead *const head = mmh->mmh_head;
+  if (MmSearch *const last = search_of(mmh))
+    *last = {};
   for (MmHeap **slot = &head->mph_heap; *slot != nullptr; slot = &(*slot)->next) {
     MmHeap *const heap = *slot;
     if (bytes(block) <= bytes(heap) || bytes(block) >= bytes(heap) + heap->size)

@@ -19,6 +19,7 @@ void set_up(MM_HANDLE *mmh, CS_UINT size) noexcept {
   pool.uniform_size = static_cast<CS_INT>(size);
   pool.node_size = static_cast<CS_INT>(node_size);
   pool.free = nullptr;
+  mmh->mmh_pool.notes.search = {};
   mmh->mmh_blocksize = static_cast<CS_INT>((nodes == 0 ? 1 : nodes) * node_size);
 }
 

@@ -33,7 +33,7 @@ void keep(T value) {
 } // namespace
 
 #ifdef ZRVBENCH_WITH_APR
-void apr_allocate_and_drop(const std::vector<uint32_t> &sizes) {
+void apr_allocate_and_drop(std::span<const uint32_t> sizes) {
   static const apr_status_t started = apr_initialize();
   keep(started);
   apr_pool_t *pool = nullptr;
@@ -44,7 +44,7 @@ void apr_allocate_and_drop(const std::vector<uint32_t> &sizes) {
 }
 #endif
 
-void pmr_allocate_and_drop(const std::vector<uint32_t> &sizes) {
+void pmr_allocate_and_drop(std::span<const uint32_t> sizes) {
   std::pmr::monotonic_buffer_resource pool;
   for (const uint32_t size : sizes) {
     void *const block = pool.allocate(size, alignof(void *));

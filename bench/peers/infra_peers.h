@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -12,9 +13,9 @@ namespace zrvbench {
 
 // Allocates cleared memory of all sizes, then drops it at once.
 #ifdef ZRVBENCH_WITH_APR
-void apr_allocate_and_drop(const std::vector<uint32_t> &sizes);
+void apr_allocate_and_drop(std::span<const uint32_t> sizes);
 #endif
-void pmr_allocate_and_drop(const std::vector<uint32_t> &sizes);
+void pmr_allocate_and_drop(std::span<const uint32_t> sizes);
 
 // A churn of cleared memory: step i releases slot slots[i] and fills it with sizes[i] bytes.
 #ifdef ZRVBENCH_WITH_MIMALLOC

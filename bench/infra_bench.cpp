@@ -263,10 +263,7 @@ public:
   List(const List &) = delete;
   List &operator=(const List &) = delete;
 
-  CS_RETCODE operator()(CS_INT operation, CS_VOID *key, CS_INT key_size, CS_VOID *data = nullptr,
-                        CS_VOID **out = nullptr) {
-    return lm_list_op(handle, operation, key, key_size, data, out);
-  }
+  LM_HANDLE *get() const { return handle; }
 
 private:
   LM_CONTEXT *context = nullptr;
@@ -284,16 +281,20 @@ void compare_linked() {
   compare({"linked list", "linked list", "1000 entries: append, walk, delete at the head",
            3 * count,
            [list] {
+             LM_HANDLE *const handle = list->get();
              CS_VOID *out = nullptr;
              for (size_t i = 1; i <= count; ++i)
-               (*list)(LM_OP_INSERT, nullptr, LM_OP_LAST, reinterpret_cast<CS_VOID *>(i));
-             (*list)(LM_OP_FIRST, nullptr, 0, nullptr, &out);
+               lm_list_op(handle, LM_OP_INSERT, nullptr, LM_OP_LAST, reinterpret_cast<CS_VOID *>(i),
+                          nullptr);
+             lm_list_op(handle, LM_OP_FIRST, nullptr, 0, nullptr, &out);
              do
                benchmark::DoNotOptimize(out);
-             while ((*list)(LM_OP_NEXT, nullptr, 0, nullptr, &out) == CS_SUCCEED);
-             (*list)(LM_OP_FIRST, nullptr, 0, nullptr, nullptr);
-             for (size_t i = 0; i < count; ++i)
-               (*list)(LM_OP_DELETE, nullptr, 0, nullptr, &out);
+             while (lm_list_op(handle, LM_OP_NEXT, nullptr, 0, nullptr, &out) == CS_SUCCEED);
+             lm_list_op(handle, LM_OP_FIRST, nullptr, 0, nullptr, &out);
+             for (size_t i = 0; i < count; ++i) {
+               benchmark::DoNotOptimize(out);
+               lm_list_op(handle, LM_OP_DELETE, nullptr, 0, nullptr, &out);
+             }
            },
            peers});
 }
@@ -321,8 +322,36 @@ std::shared_ptr<Keys> make_keys(size_t count, char first) {
   return keys;
 }
 
-CS_VOID *bytes_of(std::string_view key) {
+CS_VOID *bytes_of(const std::string_view &key) {
   return const_cast<char *>(key.data());
+}
+
+CS_VOID *data_of(const std::string_view &key) {
+  return const_cast<std::string_view *>(&key);
+}
+
+// Each entry's data is its view of the key, so that a table which keeps the data apart from the
+// keys has to keep it.
+void insert_all(LM_HANDLE *handle, const std::vector<std::string_view> &keys) {
+  for (const std::string_view &key : keys)
+    lm_list_op(handle, LM_OP_INSERT, bytes_of(key), static_cast<CS_INT>(key.size()), data_of(key),
+               nullptr);
+}
+
+size_t find_all(LM_HANDLE *handle, const std::vector<std::string_view> &keys) {
+  size_t found = 0;
+  CS_VOID *out = nullptr;
+  for (const std::string_view &key : keys)
+    if (lm_list_op(handle, LM_OP_SEARCH, bytes_of(key), static_cast<CS_INT>(key.size()), nullptr,
+                   &out) == CS_SUCCEED)
+      found += out != nullptr;
+  return found;
+}
+
+void delete_all(LM_HANDLE *handle, const std::vector<std::string_view> &keys) {
+  for (const std::string_view &key : keys)
+    lm_list_op(handle, LM_OP_DELETE, bytes_of(key), static_cast<CS_INT>(key.size()), nullptr,
+               nullptr);
 }
 
 void compare_chained() {
@@ -332,14 +361,6 @@ void compare_chained() {
     const auto present = make_keys(count, 'k'), absent = make_keys(count, 'm');
     const auto size = static_cast<CS_INT>(count);
     const CS_INT table_size = buckets;
-    const auto ours_each = [](const std::shared_ptr<List> &list, CS_INT operation,
-                              const std::vector<std::string_view> &keys) {
-      for (const std::string_view key : keys) {
-        const CS_RETCODE result =
-            (*list)(operation, bytes_of(key), static_cast<CS_INT>(key.size()), bytes_of(key));
-        benchmark::DoNotOptimize(result);
-      }
-    };
     const auto add = [&](const char *operation, double goal, auto act, size_t calls) {
       std::vector<Peer> peers;
       const auto peer = [&](const char *name, Table *made) {
@@ -354,33 +375,31 @@ void compare_chained() {
       peer("std::unordered_map", std_unordered_map(count));
       const auto list = std::make_shared<List>(LM_CHASH, table_size, size);
       if (calls == count)
-        ours_each(list, LM_OP_INSERT, present->views);
+        insert_all(list->get(), present->views);
       compare({operation, operation, std::to_string(count) + " entries", calls,
-               [=] { act.ours(list); }, peers});
+               [=] { act.ours(list->get()); }, peers});
     };
-    struct Hits {
+    struct Finds {
       std::shared_ptr<Keys> keys;
-      decltype(ours_each) each;
       void peer(Table &table) const { benchmark::DoNotOptimize(table.find_all(keys->shuffled)); }
-      void ours(const std::shared_ptr<List> &list) const {
-        each(list, LM_OP_SEARCH, keys->shuffled);
+      void ours(LM_HANDLE *handle) const {
+        benchmark::DoNotOptimize(find_all(handle, keys->shuffled));
       }
     };
     struct Changes {
       std::shared_ptr<Keys> keys;
-      decltype(ours_each) each;
       void peer(Table &table) const {
         table.insert_all(keys->views);
         table.delete_all(keys->shuffled);
       }
-      void ours(const std::shared_ptr<List> &list) const {
-        each(list, LM_OP_INSERT, keys->views);
-        each(list, LM_OP_DELETE, keys->shuffled);
+      void ours(LM_HANDLE *handle) const {
+        insert_all(handle, keys->views);
+        delete_all(handle, keys->shuffled);
       }
     };
-    add("chained table: find a hit", 0.9, Hits{present, ours_each}, count);
-    add("chained table: find a miss", 0.9, Hits{absent, ours_each}, count);
-    add("chained table: insert and delete", 0.7, Changes{present, ours_each}, 2 * count);
+    add("chained table: find a hit", 0.9, Finds{present}, count);
+    add("chained table: find a miss", 0.9, Finds{absent}, count);
+    add("chained table: insert and delete", 0.7, Changes{present}, 2 * count);
   }
 }
 

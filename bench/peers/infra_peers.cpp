@@ -166,17 +166,18 @@ class GlibTable : public Table {
 public:
   ~GlibTable() override { g_hash_table_destroy(table); }
   void insert_all(const std::vector<std::string_view> &keys) override {
-    for (const std::string_view key : keys)
-      g_hash_table_insert(table, const_cast<char *>(key.data()), const_cast<char *>(key.data()));
+    for (const std::string_view &key : keys)
+      g_hash_table_insert(table, const_cast<char *>(key.data()),
+                          const_cast<std::string_view *>(&key));
   }
   size_t find_all(const std::vector<std::string_view> &keys) override {
     size_t found = 0;
-    for (const std::string_view key : keys)
+    for (const std::string_view &key : keys)
       found += g_hash_table_lookup(table, key.data()) != nullptr;
     return found;
   }
   void delete_all(const std::vector<std::string_view> &keys) override {
-    for (const std::string_view key : keys)
+    for (const std::string_view &key : keys)
       g_hash_table_remove(table, key.data());
   }
 
@@ -189,17 +190,18 @@ class StdTable : public Table {
 public:
   explicit StdTable(size_t capacity) { table.reserve(capacity); }
   void insert_all(const std::vector<std::string_view> &keys) override {
-    for (const std::string_view key : keys)
-      table.emplace(key, key.data());
+    for (const std::string_view &key : keys)
+      table.emplace(key, &key);
   }
   size_t find_all(const std::vector<std::string_view> &keys) override {
     size_t found = 0;
-    for (const std::string_view key : keys)
-      found += table.find(key) != table.end();
+    for (const std::string_view &key : keys)
+      if (const auto entry = table.find(key); entry != table.end())
+        found += entry->second != nullptr;
     return found;
   }
   void delete_all(const std::vector<std::string_view> &keys) override {
-    for (const std::string_view key : keys)
+    for (const std::string_view &key : keys)
       table.erase(key);
   }
 

@@ -11,7 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include "check_trap.h"
 #include "test_scale.h"
+#include "zrvcomn/csintrn.h"
 #include "zrvcomn/lmpriv.h"
 
 namespace {
@@ -291,6 +293,85 @@ TEST_F(RandomLists, Chained) {
     }
     drop(handle);
   }
+}
+
+// While the trace is on every operation takes the long way. It must come to the same.
+TEST_F(RandomLists, TracedAndUntraced) {
+  SCOPED_TRACE(testing::Message() << "seed " << seed);
+  constexpr CS_INT trace_failures = 2;
+  std::vector<std::string> keys(60);
+  for (std::string &key : keys) {
+    key.resize(upto(40));
+    const bool is_text = upto(3) != 0;
+    for (char &c : key)
+      c = static_cast<char>(is_text ? 'a' + upto(25) : upto(255));
+  }
+  constexpr CS_INT kinds[] = {LM_DLINK, LM_CHASH, LM_QUEUE, LM_STACK};
+  const auto run = [&] {
+    for (size_t round = 0; round < steps / 1000; ++round) {
+      const CS_INT kind = kinds[upto(3)];
+      const auto poolsize = static_cast<CS_INT>(upto(1) * upto(20));
+      const auto most = static_cast<CS_INT>(upto(30));
+      LM_HANDLE *twins[2];
+      for (LM_HANDLE *&twin : twins) {
+        twin = make(kind, 7);
+        heap.random = nullptr;
+        CS_INT size = poolsize;
+        ASSERT_EQ(lm_list_prop(twin, LM_ACTION_SET, LM_HDL_MAX_POOLSIZE, &size, 0, nullptr),
+                  CS_SUCCEED);
+      }
+      for (size_t step = 0; step < 300; ++step) {
+        std::string &key = keys[upto(59)];
+        CS_INT operation = static_cast<CS_INT>(LM_OP_INSERT + upto(8));
+        if (kind == LM_CHASH && operation > LM_OP_REPLACE)
+          operation = LM_OP_SEARCH;
+        else if (kind == LM_DLINK && operation == LM_OP_SEARCH)
+          operation = LM_OP_NEXT;
+        else if (kind > LM_CHASH && operation != LM_OP_INSERT)
+          operation = upto(1) == 0 ? LM_OP_DELETE : LM_OP_CURRENT;
+        const CS_INT load = twins[0]->hdlprop->handle_load;
+        if (operation == LM_OP_INSERT && load >= most)
+          continue;
+        // Deleting nothing is fatal.
+        if (operation == LM_OP_DELETE &&
+            (load == 0 || (kind == LM_DLINK && twins[0]->cur_ptr == nullptr)))
+          continue;
+        const CS_INT positions[] = {LM_OP_FIRST, LM_OP_LAST, LM_POS_BEFORE, LM_POS_AFTER};
+        const CS_INT position = positions[twins[0]->cur_ptr != nullptr ? upto(3) : upto(1)];
+        const bool own_cursor = upto(1) == 0;
+        CS_RETCODE results[2];
+        CS_VOID *outs[2] = {};
+        for (const int i : {0, 1}) {
+          Com_trace_enable = i == 0 ? 1 : trace_failures;
+          CS_VOID *cursor = twins[i]->cur_ptr;
+          CS_VOID *result = nullptr;
+          CS_VOID *place = &result;
+          results[i] = lm_list_op(twins[i], operation,
+                                  kind == LM_CHASH                 ? key.data()
+                                  : kind == LM_DLINK && own_cursor ? static_cast<CS_VOID *>(&cursor)
+                                                                   : nullptr,
+                                  kind == LM_CHASH ? static_cast<CS_INT>(key.size()) : position,
+                                  value(step), kind == LM_STACK ? &place : &result);
+          Com_trace_enable = 1;
+          outs[i] = result;
+          if (kind == LM_DLINK && own_cursor)
+            twins[i]->cur_ptr = cursor;
+        }
+        ASSERT_EQ(results[0], results[1]) << kind << ' ' << operation;
+        ASSERT_EQ(outs[0], outs[1]) << kind << ' ' << operation;
+        const auto *const a = static_cast<DLinkNode *>(twins[0]->cur_ptr);
+        const auto *const b = static_cast<DLinkNode *>(twins[1]->cur_ptr);
+        ASSERT_EQ(a == nullptr, b == nullptr) << kind << ' ' << operation;
+        for (const auto member : {&DLinkNode::key, &DLinkNode::data})
+          ASSERT_EQ(a != nullptr ? a->*member : nullptr, b != nullptr ? b->*member : nullptr);
+        ASSERT_EQ(twins[0]->hdlprop->handle_load, twins[1]->hdlprop->handle_load);
+        ASSERT_EQ(twins[0]->free_nodes, twins[1]->free_nodes);
+      }
+      for (LM_HANDLE *const twin : twins)
+        drop(twin);
+    }
+  };
+  zrvtest::capture_stdout(run);
 }
 
 TEST_F(RandomLists, Open) {

@@ -706,9 +706,33 @@ TEST(KeyHash, AgainstTheRule) {
   }
 }
 
+// One byte or one word that is not like the others, at every place of keys of every size.
+TEST(KeyHash, EveryPlaceOfEverySize) {
+  for (size_t size = 0; size <= 60; ++size) {
+    std::string plain(size, '\0');
+    for (size_t i = 0; i < size; ++i)
+      plain[i] = static_cast<char>('a' + i % 26);
+    ASSERT_EQ(hash_of(plain), slow_hash(plain)) << size;
+    for (size_t at = 0; at < size; ++at) {
+      for (const char odd : {'\0', '\x01', '\x7F', '\x80', '\xFF'}) {
+        std::string key = plain;
+        key[at] = odd;
+        ASSERT_EQ(hash_of(key), slow_hash(key)) << size << " bytes, at " << at;
+      }
+      // A word of 0 is passed over where it would be the first of a pair, and only there.
+      for (size_t words = 1; words <= 3; ++words) {
+        std::string key = plain;
+        for (size_t i = at; i < at + 4 * words && i < size; ++i)
+          key[i] = '\0';
+        ASSERT_EQ(hash_of(key), slow_hash(key)) << size << " bytes, at " << at;
+      }
+    }
+  }
+}
+
 // Reads not one byte outside the key.
 TEST(KeyHash, KeysAtTheirEdges) {
-  for (size_t size = 0; size < 20; ++size) {
+  for (size_t size = 0; size < 60; ++size) {
     std::vector<char> heap(size, 'k');
     CS_UINT hash = 0;
     EXPECT_EQ(lm___api_key_to_uint(heap.data(), static_cast<CS_INT>(size), &hash), CS_SUCCEED);
@@ -808,6 +832,72 @@ TEST_F(ChainedTest, TheNewestOfAKeyShadowsTheOlder) {
   EXPECT_EQ(find("k"), "new");
   EXPECT_EQ(op(list, LM_OP_DELETE, "k"), CS_SUCCEED);
   EXPECT_EQ(find("k"), "old");
+}
+
+// A key is the bytes that stand there now: the table has no copy and no memory of them.
+TEST_F(ChainedTest, KeysMayBeRewrittenInPlace) {
+  defaults(1, 0); // one bucket, where a rewritten key stays within reach
+  list = make(LM_CHASH);
+  for (const size_t size : {1U, 4U, 7U, 8U, 16U, 24U, 40U}) {
+    std::string key(size, 'a');
+    const std::string before = key;
+    ASSERT_EQ(lm_list_op(list, LM_OP_INSERT, key.data(), static_cast<CS_INT>(size), text("entry"),
+                         nullptr),
+              CS_SUCCEED);
+    EXPECT_EQ(find(before), "entry");
+    key.back() = 'b';
+    EXPECT_EQ(find(before), "(miss)");
+    EXPECT_EQ(find(std::string(key)), "entry");
+    ASSERT_EQ(
+        lm_list_op(list, LM_OP_DELETE, key.data(), static_cast<CS_INT>(size), nullptr, nullptr),
+        CS_SUCCEED);
+    EXPECT_EQ(load(list), 0);
+  }
+}
+
+// Keys of every size that differ in one byte, wherever it stands, or in their size.
+TEST_F(ChainedTest, EveryByteOfAKeyCounts) {
+  defaults(1, 0);
+  list = make(LM_CHASH);
+  for (size_t size = 1; size <= 60; ++size) {
+    // At their edges, so that a sanitizer sees a read beyond them.
+    const std::vector<char> key(size, 'k');
+    std::vector<char> other = key;
+    const auto act = [&](CS_INT operation, const std::vector<char> &which, size_t bytes) {
+      return lm_list_op(list, operation, text(which.data()), static_cast<CS_INT>(bytes), nullptr,
+                        nullptr);
+    };
+    ASSERT_EQ(act(LM_OP_INSERT, key, size), CS_SUCCEED);
+    ASSERT_EQ(act(LM_OP_SEARCH, other, size), CS_SUCCEED);
+    ASSERT_EQ(act(LM_OP_SEARCH, other, size - 1), LM_NOT_FOUND);
+    for (char &byte : other) {
+      byte = static_cast<char>('k' ^ 0x80);
+      ASSERT_EQ(act(LM_OP_SEARCH, other, size), LM_NOT_FOUND)
+          << size << " bytes, at " << &byte - other.data();
+      byte = 'k';
+    }
+    ASSERT_EQ(act(LM_OP_DELETE, other, size), CS_SUCCEED);
+  }
+}
+
+TEST_F(ChainedTest, TheTablesOwnHashFunctionCounts) {
+  static int calls;
+  calls = 0;
+  info()->home_addr_hfunc = [](CS_CHAR *key, CS_INT, CS_INT, CS_UINT *home) -> CS_RETCODE {
+    ++calls;
+    *home = 7;
+    return *key == '?' ? CS_FAIL : CS_SUCCEED;
+  };
+  EXPECT_EQ(op(list, LM_OP_INSERT, "one", "1"), CS_SUCCEED);
+  EXPECT_EQ(op(list, LM_OP_INSERT, "another", "2"), CS_SUCCEED);
+  ASSERT_NE(info()->table[7], nullptr);
+  EXPECT_STREQ(static_cast<char *>(info()->table[7]->next->data), "1");
+  EXPECT_EQ(find("another"), "2");
+  EXPECT_EQ(op(list, LM_OP_DELETE, "one"), CS_SUCCEED);
+  EXPECT_EQ(calls, 4);
+  EXPECT_EQ(op(list, LM_OP_INSERT, "?", "3"), CS_FAIL);
+  EXPECT_EQ(op(list, LM_OP_SEARCH, "?"), CS_FAIL);
+  EXPECT_EQ(load(list), 1);
 }
 
 TEST_F(ChainedTest, EmptyKeysLandInBucket0) {

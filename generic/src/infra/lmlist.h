@@ -2,6 +2,7 @@
 #ifndef COMN_INFRA_LMLIST_H
 #define COMN_INFRA_LMLIST_H
 
+#include <cstdint>
 #include <cstring>
 
 #include "checks.h"
@@ -49,27 +50,77 @@ void release(LM_HANDLE *handle, Record *record) noexcept {
   release(record, handle->lmhfree, handle->lmhuser);
 }
 
-// A node from the pool, or a new one; and back. The common case is a pop or a push.
-inline CS_RETCODE get_node(LM_HANDLE *handle, DLinkNode *&node) noexcept {
-  DLinkNode *const popped = handle->free_DLN_list;
-  if (popped == nullptr || handle->free_nodes < 1 || popped->state == LM_RELEASED ||
-      comn::is_tracing()) [[unlikely]]
-    return lm__get_dlinknode(handle, &node);
-  handle->free_DLN_list = popped->next;
-  --handle->free_nodes;
-  node = popped;
-  return CS_SUCCEED;
+// The node pool. The first free node, null for none: the chain can be shorter than the count says,
+// after the pool failed to grow.
+inline DLinkNode *first_free(const LM_HANDLE *handle) noexcept {
+  return handle->free_nodes >= 1 ? handle->free_DLN_list : nullptr;
 }
 
-inline void put_node(LM_HANDLE *handle, DLinkNode *node) noexcept {
-  if (handle->free_nodes >= handle->hdlprop->max_poolsize || comn::is_tracing()) [[unlikely]] {
-    lm__free_dlinknode(handle, node);
-    return;
-  }
+inline void take_first_free(LM_HANDLE *handle) noexcept {
+  handle->free_DLN_list = handle->free_DLN_list->next;
+  --handle->free_nodes;
+}
+
+inline bool has_room(const LM_HANDLE *handle) noexcept {
+  return handle->free_nodes < handle->hdlprop->max_poolsize;
+}
+
+inline void put_back(LM_HANDLE *handle, DLinkNode *node) noexcept {
   node->state = LM_UNINITIALIZED;
   node->next = handle->free_DLN_list;
   handle->free_DLN_list = node;
   ++handle->free_nodes;
+}
+
+// The operations are written once and compiled twice. As a leaf they call no function, so they need
+// no frame and few registers: they do what an operation comes to as a rule, and give up on all that
+// needs a call, with nothing changed that the repetition would not change again in the same way.
+// That is a check that fails, a node that the pool does not have or has no room for, a function of
+// the caller's, and tracing. What was given up is done in full, from the start.
+enum class Pace { leaf, full };
+
+// How a leaf says that it gave up; no return code is like it.
+constexpr CS_RETCODE gave_up = INT32_MIN;
+
+// A check that failed: the end of the operation.
+template <Pace pace, class Where>
+CS_RETCODE refuse([[maybe_unused]] Where where) noexcept {
+  if constexpr (pace == Pace::leaf)
+    return gave_up;
+  else
+    return comn::raise_bomb(where);
+}
+
+#define LM_CHECK(condition)                                                                        \
+  do {                                                                                             \
+    if (!(condition)) [[unlikely]]                                                                 \
+      return refuse<pace>(COMN_HERE);                                                              \
+  } while (0)
+
+// A node from the pool, or a new one.
+template <Pace pace>
+CS_RETCODE get_node(LM_HANDLE *handle, DLinkNode *&node) noexcept {
+  if constexpr (pace == Pace::full)
+    return lm__get_dlinknode(handle, &node);
+  node = first_free(handle);
+  if (node == nullptr || node->state == LM_RELEASED) [[unlikely]]
+    return gave_up;
+  take_first_free(handle);
+  return CS_SUCCEED;
+}
+
+// Whether put_node will take a node: asked before anything is changed.
+template <Pace pace>
+bool can_put_node(const LM_HANDLE *handle) noexcept {
+  return pace == Pace::full || has_room(handle);
+}
+
+template <Pace pace>
+void put_node(LM_HANDLE *handle, DLinkNode *node) noexcept {
+  if constexpr (pace == Pace::full)
+    lm__free_dlinknode(handle, node);
+  else
+    put_back(handle, node);
 }
 
 // Whether the initialiser of a kind fills the node pool: not when a table is made anew.
@@ -85,13 +136,27 @@ enum class Nodes { release, recycle };
 // Releases the kind's record and its nodes; the load counts down. CS_FAIL if it does not end at 0.
 CS_RETCODE drop_state(LM_HANDLE *handle, Nodes nodes) noexcept;
 
-// The operations of each kind.
-CS_RETCODE dlink_op(LM_HANDLE *handle, CS_INT operation, DLinkNode **cursor, CS_INT position,
-                    CS_VOID *data_in, CS_VOID **data_out) noexcept;
+// The operations of the kinds, in full.
 CS_RETCODE chash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                     CS_VOID *data_in, CS_VOID **data_out) noexcept;
 CS_RETCODE dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                     CS_VOID *data_in, CS_VOID **data_out) noexcept;
+
+// lm_list_op in full.
+[[gnu::noinline]] CS_RETCODE list_op_in_full(LM_HANDLE *handle, CS_INT operation, CS_VOID *key,
+                                             CS_INT key_size, CS_VOID *data_in,
+                                             CS_VOID **data_out) noexcept;
+
+// The frequent operations of a linked list and of a chained table as leaves, each compiled for
+// itself, once the checks of lm_list_op are passed and tracing is off. All end in one another, so
+// all take the same arguments.
+constexpr CS_INT any_operation = 0;
+template <CS_INT operation>
+CS_RETCODE dlink_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT position, CS_VOID *data_in,
+                      CS_VOID **data_out) noexcept;
+template <CS_INT operation>
+CS_RETCODE chash_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT key_size, CS_VOID *data_in,
+                      CS_VOID **data_out) noexcept;
 
 // The function of a walk: the one of the list, or for LM_OP_APPLY the one stored at `data_in`.
 inline CS_PRINT_FUNC walk_function(const LM_HANDLE *handle, CS_INT operation,

@@ -37,12 +37,13 @@ bool is_position(CS_INT position, const DLinkNode *cursor) noexcept {
   return position == LM_OP_FIRST || position == LM_OP_LAST;
 }
 
+template <Pace pace>
 CS_RETCODE insert(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor, CS_INT position,
                   CS_VOID *data) noexcept {
   const bool was_empty = info->head == nullptr;
-  COMN_CHECK(was_empty || is_position(position, cursor), CS_FAIL);
+  LM_CHECK(was_empty || is_position(position, cursor));
   DLinkNode *node = nullptr;
-  const CS_RETCODE result = get_node(handle, node);
+  const CS_RETCODE result = get_node<pace>(handle, node);
   if (result != CS_SUCCEED)
     return result;
   node->data = data;
@@ -55,8 +56,11 @@ CS_RETCODE insert(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor, CS_INT
   return CS_SUCCEED;
 }
 
+template <Pace pace>
 CS_RETCODE remove(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor) noexcept {
-  COMN_CHECK(cursor != nullptr && handle->hdlprop->handle_load > 0, CS_FAIL);
+  LM_CHECK(cursor != nullptr && handle->hdlprop->handle_load > 0);
+  if (!can_put_node<pace>(handle)) [[unlikely]]
+    return gave_up;
   DLinkNode *const node = cursor;
   DLinkNode *const before = node->previous;
   DLinkNode *const behind = node->next;
@@ -68,7 +72,15 @@ CS_RETCODE remove(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor) noexce
   if (handle->cur_ptr == node)
     handle->cur_ptr = cursor;
   --handle->hdlprop->handle_load;
-  put_node(handle, node);
+  put_node<pace>(handle, node);
+  return CS_SUCCEED;
+}
+
+CS_RETCODE step(DLinkNode *&cursor, DLinkNode *DLinkNode::*direction) noexcept {
+  DLinkNode *const next = cursor != nullptr ? cursor->*direction : nullptr;
+  if (next == nullptr)
+    return CS_FAIL;
+  cursor = next;
   return CS_SUCCEED;
 }
 
@@ -86,37 +98,10 @@ CS_RETCODE walk(LM_HANDLE *handle, const DLinkInfo *info, CS_INT operation,
   return CS_SUCCEED;
 }
 
-CS_RETCODE dlink_act(LM_HANDLE *handle, CS_INT operation, DLinkNode *&cursor, CS_INT position,
-                     CS_VOID *data_in) noexcept {
-  auto *const info = static_cast<DLinkInfo *>(handle->list_state);
+// What calls the caller's functions, and what is no operation.
+CS_RETCODE dlink_call(LM_HANDLE *handle, CS_INT operation, const DLinkNode *cursor,
+                      const CS_VOID *data_in) noexcept {
   switch (operation) {
-  case LM_OP_INSERT:
-    return insert(handle, info, cursor, position, data_in);
-  case LM_OP_DELETE:
-    return remove(handle, info, cursor);
-  case LM_OP_REPLACE:
-    if (cursor == nullptr)
-      return CS_FAIL;
-    cursor->data = data_in;
-    return CS_SUCCEED;
-  case LM_OP_NEXT:
-  case LM_OP_PREV: {
-    DLinkNode *next = nullptr;
-    if (cursor != nullptr)
-      next = operation == LM_OP_NEXT ? cursor->next : cursor->previous;
-    if (next == nullptr)
-      return CS_FAIL;
-    cursor = next;
-    return CS_SUCCEED;
-  }
-  case LM_OP_CURRENT:
-    return CS_SUCCEED;
-  case LM_OP_FIRST:
-    cursor = info->head;
-    return CS_SUCCEED;
-  case LM_OP_LAST:
-    cursor = info->tail;
-    return CS_SUCCEED;
   case LM_OP_PRINT: {
     const CS_PRINT_FUNC function = handle->hdlprop->print_func;
     if (function == nullptr || cursor == nullptr)
@@ -125,11 +110,68 @@ CS_RETCODE dlink_act(LM_HANDLE *handle, CS_INT operation, DLinkNode *&cursor, CS
   }
   case LM_OP_PRINTALL:
   case LM_OP_APPLY:
-    return walk(handle, info, operation, data_in);
+    return walk(handle, static_cast<DLinkInfo *>(handle->list_state), operation, data_in);
   default: // LM_OP_SEARCH too: there are no keys
-    comn::raise_bomb(COMN_HERE);
-    return CS_FAIL;
+    return comn::raise_bomb(COMN_HERE);
   }
+}
+
+template <Pace pace>
+CS_RETCODE dlink_act(LM_HANDLE *handle, CS_INT operation, DLinkNode *&cursor, CS_INT position,
+                     CS_VOID *data_in) noexcept {
+  auto *const info = static_cast<DLinkInfo *>(handle->list_state);
+  switch (operation) {
+  case LM_OP_INSERT:
+    return insert<pace>(handle, info, cursor, position, data_in);
+  case LM_OP_DELETE:
+    return remove<pace>(handle, info, cursor);
+  case LM_OP_REPLACE:
+    if (cursor == nullptr)
+      return CS_FAIL;
+    cursor->data = data_in;
+    return CS_SUCCEED;
+  case LM_OP_NEXT:
+    return step(cursor, &DLinkNode::next);
+  case LM_OP_PREV:
+    return step(cursor, &DLinkNode::previous);
+  case LM_OP_CURRENT:
+    return CS_SUCCEED;
+  case LM_OP_FIRST:
+    cursor = info->head;
+    return CS_SUCCEED;
+  case LM_OP_LAST:
+    cursor = info->tail;
+    return CS_SUCCEED;
+  default:
+    if constexpr (pace == Pace::leaf)
+      return gave_up;
+    else
+      return dlink_call(handle, operation, cursor, data_in);
+  }
+}
+
+DLinkNode *load_cursor(const void *place) noexcept {
+  DLinkNode *cursor;
+  std::memcpy(&cursor, place, sizeof cursor);
+  return cursor;
+}
+
+template <Pace pace>
+CS_RETCODE dlink_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT position,
+                    CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  // The caller's cursor or the list's own.
+  void *const place = key != nullptr ? key : static_cast<void *>(&handle->cur_ptr);
+  DLinkNode *cursor = load_cursor(place);
+  if (cursor == nullptr) [[unlikely]]
+    cursor = load_cursor(&handle->cur_ptr);
+  LM_CHECK(cursor == nullptr || cursor->state == LM_INSERTED);
+  const CS_RETCODE result = dlink_act<pace>(handle, operation, cursor, position, data_in);
+  if (result != CS_SUCCEED) [[unlikely]]
+    return result;
+  std::memcpy(place, &cursor, sizeof cursor);
+  if (data_out != nullptr)
+    *data_out = cursor != nullptr ? cursor->data : nullptr;
+  return CS_SUCCEED;
 }
 
 // ---- queue and stack: the linked list under its own cursor ----
@@ -138,10 +180,11 @@ CS_RETCODE dlink_act(LM_HANDLE *handle, CS_INT operation, DLinkNode *&cursor, CS
 CS_RETCODE delete_head(LM_HANDLE *handle, CS_VOID **data_out) noexcept {
   const DLinkNode *const head = static_cast<DLinkInfo *>(handle->list_state)->head;
   const DLinkNode *const successor = head != nullptr ? head->next : nullptr;
-  const CS_RETCODE found = dlink_op(handle, LM_OP_FIRST, nullptr, 0, nullptr, nullptr);
+  const CS_RETCODE found = dlink_op<Pace::full>(handle, LM_OP_FIRST, nullptr, 0, nullptr, nullptr);
   if (found != CS_SUCCEED)
     return found;
-  const CS_RETCODE deleted = dlink_op(handle, LM_OP_DELETE, nullptr, 0, nullptr, data_out);
+  const CS_RETCODE deleted =
+      dlink_op<Pace::full>(handle, LM_OP_DELETE, nullptr, 0, nullptr, data_out);
   if (deleted != CS_SUCCEED)
     return deleted;
   COMN_CHECK(handle->cur_ptr == successor, CS_FAIL);
@@ -153,66 +196,95 @@ CS_RETCODE ended_op(LM_HANDLE *handle, CS_INT operation, CS_INT insert_at, CS_IN
                     CS_VOID *data_in, CS_VOID **data_out) noexcept {
   switch (operation) {
   case LM_OP_INSERT:
-    return dlink_op(handle, LM_OP_INSERT, nullptr, insert_at, data_in, data_out);
+    return dlink_op<Pace::full>(handle, LM_OP_INSERT, nullptr, insert_at, data_in, data_out);
   case LM_OP_DELETE:
     return delete_head(handle, data_out);
   case LM_OP_CURRENT:
-    return dlink_op(handle, current, nullptr, 0, nullptr, data_out);
+    return dlink_op<Pace::full>(handle, current, nullptr, 0, nullptr, data_out);
   case LM_OP_PRINT:
   case LM_OP_PRINTALL:
   case LM_OP_APPLY:
-    return dlink_op(handle, operation, nullptr, 0, data_in, data_out);
+    return dlink_op<Pace::full>(handle, operation, nullptr, 0, data_in, data_out);
   default:
-    comn::raise_bomb(COMN_HERE);
-    return CS_FAIL;
+    return comn::raise_bomb(COMN_HERE);
   }
+}
+
+// ---- the dispatch ----
+
+CS_RETCODE kind_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                   CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  COMN_CHECK(handle->state != LM_RELEASED, CS_FAIL);
+  COMN_CHECK_PTR(handle->hdlprop, CS_FAIL);
+  COMN_CHECK(handle->hdlprop->state != LM_RELEASED, CS_FAIL);
+  COMN_CHECK_PTR(handle->list_state, CS_FAIL);
+  switch (handle->hdlprop->list_type) {
+  case LM_DLINK:
+    return dlink_op<Pace::full>(handle, operation, key, key_size, data_in, data_out);
+  case LM_CHASH:
+    return chash_op(handle, operation, key, key_size, data_in, data_out);
+  case LM_DHASH:
+    return dhash_op(handle, operation, key, key_size, data_in, data_out);
+  case LM_QUEUE:
+    return ended_op(handle, operation, LM_OP_LAST, LM_OP_FIRST, data_in, data_out);
+  case LM_STACK:
+    // Deliberate: a stack's caller passes the address of a variable that holds the address of the
+    // place for the result.
+    return ended_op(handle, operation, LM_OP_FIRST, LM_OP_CURRENT, data_in,
+                    data_out != nullptr ? static_cast<CS_VOID **>(*data_out) : nullptr);
+  default:
+    return comn::raise_bomb(COMN_HERE);
+  }
+}
+
+// Whether the checks of kind_op let a handle through.
+bool is_usable(const LM_HANDLE *handle) noexcept {
+  return handle->state != LM_RELEASED && handle->hdlprop != nullptr &&
+         handle->hdlprop->state != LM_RELEASED && handle->list_state != nullptr;
 }
 
 } // namespace
 
-[[gnu::flatten]] CS_RETCODE comn::list::dlink_op(LM_HANDLE *handle, CS_INT operation,
-                                                 DLinkNode **key, CS_INT position, CS_VOID *data_in,
-                                                 CS_VOID **data_out) noexcept {
-  DLinkNode *cursor =
-      key != nullptr && *key != nullptr ? *key : static_cast<DLinkNode *>(handle->cur_ptr);
-  COMN_CHECK(cursor == nullptr || cursor->state == LM_INSERTED, CS_FAIL);
-  const CS_RETCODE result = dlink_act(handle, operation, cursor, position, data_in);
-  if (result != CS_SUCCEED)
+CS_RETCODE comn::list::list_op_in_full(LM_HANDLE *handle, CS_INT operation, CS_VOID *key,
+                                       CS_INT key_size, CS_VOID *data_in,
+                                       CS_VOID **data_out) noexcept {
+  return COMN_TRACE(kind_op(handle, operation, key, key_size, data_in, data_out));
+}
+
+template <CS_INT known>
+[[gnu::flatten, gnu::noinline]] CS_RETCODE
+comn::list::dlink_leaf(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT position,
+                       CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  const CS_RETCODE result = dlink_op<Pace::leaf>(handle, known != any_operation ? known : operation,
+                                                 key, position, data_in, data_out);
+  if (result != gave_up) [[likely]]
     return result;
-  if (key != nullptr)
-    *key = cursor;
-  else
-    handle->cur_ptr = cursor;
-  if (data_out != nullptr)
-    *data_out = cursor != nullptr ? cursor->data : nullptr;
-  return CS_SUCCEED;
+  return list_op_in_full(handle, operation, key, position, data_in, data_out);
 }
 
 CS_RETCODE lm_list_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                       CS_VOID *data_in, CS_VOID **data_out) noexcept {
   if (handle == nullptr)
     return COMN_TRACE(CS_FAIL);
-  COMN_CHECK(handle->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(handle->hdlprop, COMN_TRACE(CS_FAIL));
-  COMN_CHECK(handle->hdlprop->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(handle->list_state, COMN_TRACE(CS_FAIL));
-  switch (handle->hdlprop->list_type) {
-  case LM_DLINK:
-    return COMN_TRACE(
-        dlink_op(handle, operation, static_cast<DLinkNode **>(key), key_size, data_in, data_out));
-  case LM_CHASH:
-    return COMN_TRACE(chash_op(handle, operation, key, key_size, data_in, data_out));
-  case LM_DHASH:
-    return COMN_TRACE(dhash_op(handle, operation, key, key_size, data_in, data_out));
-  case LM_QUEUE:
-    return COMN_TRACE(ended_op(handle, operation, LM_OP_LAST, LM_OP_FIRST, data_in, data_out));
-  case LM_STACK:
-    // Deliberate: a stack's caller passes the address of a variable that holds the address of the
-    // place for the result.
-    return COMN_TRACE(ended_op(handle, operation, LM_OP_FIRST, LM_OP_CURRENT, data_in,
-                               data_out != nullptr ? static_cast<CS_VOID **>(*data_out) : nullptr));
-  default:
-    comn::raise_bomb(COMN_HERE);
-    return COMN_TRACE(CS_FAIL);
+  if (!comn::is_tracing() && is_usable(handle)) [[likely]] {
+    const CS_INT type = handle->hdlprop->list_type;
+    if (type == LM_DLINK) {
+      if (operation == LM_OP_NEXT) [[likely]]
+        return dlink_leaf<LM_OP_NEXT>(handle, operation, key, key_size, data_in, data_out);
+      if (operation == LM_OP_INSERT) [[likely]]
+        return dlink_leaf<LM_OP_INSERT>(handle, operation, key, key_size, data_in, data_out);
+      if (operation == LM_OP_DELETE) [[likely]]
+        return dlink_leaf<LM_OP_DELETE>(handle, operation, key, key_size, data_in, data_out);
+      return dlink_leaf<any_operation>(handle, operation, key, key_size, data_in, data_out);
+    }
+    if (type == LM_CHASH) [[likely]] {
+      if (operation == LM_OP_SEARCH) [[likely]]
+        return chash_leaf<LM_OP_SEARCH>(handle, operation, key, key_size, data_in, data_out);
+      if (operation == LM_OP_INSERT) [[likely]]
+        return chash_leaf<LM_OP_INSERT>(handle, operation, key, key_size, data_in, data_out);
+      if (operation == LM_OP_DELETE) [[likely]]
+        return chash_leaf<LM_OP_DELETE>(handle, operation, key, key_size, data_in, data_out);
+    }
   }
+  return list_op_in_full(handle, operation, key, key_size, data_in, data_out);
 }

@@ -8,28 +8,31 @@ using namespace comn::list;
 namespace {
 
 template <class Word>
-bool is_same_word(const char *a, const char *b) noexcept {
+Word difference(const char *a, const char *b) noexcept {
   Word word_a, word_b;
   std::memcpy(&word_a, a, sizeof word_a);
   std::memcpy(&word_b, b, sizeof word_b);
-  return word_a == word_b;
+  return word_a ^ word_b;
 }
 
-// Keys are short: the words from the front, then the last one, which may overlap.
+// The first word, one in the middle and the last one, which may overlap: keys are short, and no
+// predictor knows how short.
 template <class Word>
 bool is_same_in_words(const char *a, const char *b, size_t size) noexcept {
-  const size_t last = size - sizeof(Word);
-  for (size_t i = 0; i < last; i += sizeof(Word))
-    if (!is_same_word<Word>(a + i, b + i))
+  for (; size > 3 * sizeof(Word); size -= sizeof(Word), a += sizeof(Word), b += sizeof(Word))
+    if (difference<Word>(a, b) != 0)
       return false;
-  return is_same_word<Word>(a + last, b + last);
+  const size_t last = size - sizeof(Word);
+  const size_t middle = last < sizeof(Word) ? last : sizeof(Word);
+  return (difference<Word>(a, b) | difference<Word>(a + middle, b + middle) |
+          difference<Word>(a + last, b + last)) == 0;
 }
 
 bool is_same(const void *key_a, const void *key_b, CS_INT key_size) noexcept {
   const auto *const a = static_cast<const char *>(key_a);
   const auto *const b = static_cast<const char *>(key_b);
   const auto size = static_cast<size_t>(key_size);
-  if (size >= sizeof(std::uint64_t))
+  if (size >= sizeof(std::uint64_t)) [[likely]]
     return is_same_in_words<std::uint64_t>(a, b, size);
   if (size >= sizeof(std::uint32_t))
     return is_same_in_words<std::uint32_t>(a, b, size);
@@ -62,35 +65,47 @@ void fill(DLinkNode *node, CS_VOID *key, CS_INT key_size, CS_VOID *data) noexcep
 
 // ---- the chained table ----
 
+// The bucket of a key.
+template <Pace pace>
 CS_RETCODE home_of(const CHashInfo *info, CS_VOID *key, CS_INT key_size, CS_UINT &home) noexcept {
+  if constexpr (pace == Pace::full)
+    return info->home_addr_hfunc(static_cast<CS_CHAR *>(key), key_size, info->table_size, &home);
   // The function that every table starts with, without the detour.
-  if (info->home_addr_hfunc == lm__api_key_to_hash && key != nullptr && key_size >= 0 &&
-      info->table_size > 0 && !comn::is_tracing()) [[likely]] {
-    home = hash_of(static_cast<const CS_CHAR *>(key), static_cast<size_t>(key_size)) %
-           static_cast<CS_UINT>(info->table_size);
-    return CS_SUCCEED;
-  }
-  return info->home_addr_hfunc(static_cast<CS_CHAR *>(key), key_size, info->table_size, &home);
+  if (info->home_addr_hfunc != lm__api_key_to_hash || key == nullptr || key_size < 0 ||
+      info->table_size <= 0) [[unlikely]]
+    return gave_up;
+  home = hash_of(static_cast<const CS_CHAR *>(key), static_cast<size_t>(key_size)) %
+         static_cast<CS_UINT>(info->table_size);
+  return CS_SUCCEED;
 }
 
 // The chain of a bucket. Heads that were deleted without their keys still stand there, unset, one
 // behind the other; they go now that the bucket is used again.
-DLinkNode *chain(LM_HANDLE *handle, CHashInfo *info, CS_UINT home) noexcept {
-  DLinkNode *head = info->table[home];
-  while (head != nullptr && head->state != LM_SET) {
-    info->table[home] = head->next;
-    put_node(handle, head);
-    head = info->table[home];
-  }
-  return head;
+template <Pace pace>
+CS_RETCODE chain(LM_HANDLE *handle, CHashInfo *info, CS_UINT home, DLinkNode *&head) noexcept {
+  head = info->table[home];
+  while (head != nullptr && head->state != LM_SET)
+    [[unlikely]] {
+      if constexpr (pace == Pace::leaf)
+        return gave_up;
+      info->table[home] = head->next;
+      put_node<pace>(handle, head);
+      head = info->table[home];
+    }
+  return CS_SUCCEED;
 }
 
+template <Pace pace>
 CS_RETCODE chash_search(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT key_size,
                         CS_UINT &home) noexcept {
-  const CS_RETCODE result = home_of(info, key, key_size, home);
+  DLinkNode *node = nullptr;
+  CS_RETCODE result = home_of<pace>(info, key, key_size, home);
+  if (result == CS_SUCCEED)
+    result = chain<pace>(handle, info, home, node);
   if (result != CS_SUCCEED)
     return result;
-  for (DLinkNode *node = chain(handle, info, home); node != nullptr; node = node->next) {
+  for (; node != nullptr; node = node->next) {
+    __builtin_prefetch(&node->next); // a node may lie across two cache lines
     if (node->key_size == key_size && is_same(node->key, key, key_size)) {
       handle->cur_ptr = node;
       return CS_SUCCEED;
@@ -99,15 +114,25 @@ CS_RETCODE chash_search(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT
   return LM_NOT_FOUND;
 }
 
+// The entry that an operation means is the current one then: the one of the key, if it names one.
+template <Pace pace>
+CS_RETCODE locate(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT key_size,
+                  CS_UINT &home) noexcept {
+  return names_entry(key, key_size) ? chash_search<pace>(handle, info, key, key_size, home)
+                                    : CS_SUCCEED;
+}
+
+template <Pace pace>
 CS_RETCODE chash_insert(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT key_size,
                         CS_VOID *data) noexcept {
   CS_UINT home = 0;
-  const CS_RETCODE hashed = home_of(info, key, key_size, home);
-  if (hashed != CS_SUCCEED)
-    return hashed;
-  DLinkNode *const head = chain(handle, info, home);
+  DLinkNode *head = nullptr;
   DLinkNode *node = nullptr;
-  const CS_RETCODE result = get_node(handle, node);
+  CS_RETCODE result = home_of<pace>(info, key, key_size, home);
+  if (result == CS_SUCCEED)
+    result = chain<pace>(handle, info, home, head);
+  if (result == CS_SUCCEED)
+    result = get_node<pace>(handle, node);
   if (result != CS_SUCCEED)
     return result;
   fill(node, key, key_size, data);
@@ -122,10 +147,11 @@ CS_RETCODE chash_insert(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT
 }
 
 // `home` is the bucket that the search went to, 0 without one.
+template <Pace pace>
 CS_RETCODE chash_delete(LM_HANDLE *handle, CHashInfo *info, CS_UINT home) noexcept {
   DLinkNode *const node = current(handle);
-  COMN_CHECK(handle->hdlprop->handle_load > 0, CS_FAIL);
-  COMN_CHECK(node != nullptr && node->state == LM_SET, CS_FAIL);
+  LM_CHECK(handle->hdlprop->handle_load > 0);
+  LM_CHECK(node != nullptr && node->state == LM_SET);
   DLinkNode *const before = node->previous;
   DLinkNode *const behind = node->next;
   if (before != nullptr)
@@ -136,7 +162,7 @@ CS_RETCODE chash_delete(LM_HANDLE *handle, CHashInfo *info, CS_UINT home) noexce
   --handle->hdlprop->handle_load;
   if (info->table[home] == node) {
     info->table[home] = current(handle);
-  } else if (before == nullptr) {
+  } else if (before == nullptr) [[unlikely]] {
     // Deliberate: without a key only bucket 0 is looked at, and the head of any other bucket stays
     // in the table. So it must not be released yet; see chain().
     node->key = nullptr;
@@ -145,7 +171,7 @@ CS_RETCODE chash_delete(LM_HANDLE *handle, CHashInfo *info, CS_UINT home) noexce
     node->state = LM_UNSET;
     return CS_SUCCEED;
   }
-  put_node(handle, node);
+  put_node<pace>(handle, node);
   return CS_SUCCEED;
 }
 
@@ -156,7 +182,8 @@ CS_RETCODE chash_walk(LM_HANDLE *handle, CHashInfo *info, CS_INT operation,
     return CS_FAIL;
   const bool prints = operation == LM_OP_PRINTALL;
   for (CS_INT i = 0; i < info->table_size; ++i) {
-    const DLinkNode *const head = chain(handle, info, static_cast<CS_UINT>(i));
+    DLinkNode *head = nullptr;
+    chain<Pace::full>(handle, info, static_cast<CS_UINT>(i), head);
     if (head == nullptr) {
       if (prints)
         comn_debug_print("\n***Chain empty***\n");
@@ -181,51 +208,75 @@ CS_RETCODE chash_walk(LM_HANDLE *handle, CHashInfo *info, CS_INT operation,
   return CS_SUCCEED;
 }
 
-CS_RETCODE chash_act(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
-                     CS_VOID *data_in) noexcept {
-  auto *const info = static_cast<CHashInfo *>(handle->list_state);
-  COMN_CHECK(info->state != LM_RELEASED, CS_FAIL);
-  CS_UINT home = 0;
+// What calls the caller's functions, and what is no operation.
+CS_RETCODE chash_call(LM_HANDLE *handle, CHashInfo *info, CS_INT operation, CS_VOID *key,
+                      CS_INT key_size, CS_VOID *data_in) noexcept {
   switch (operation) {
-  case LM_OP_INSERT:
-    return chash_insert(handle, info, key, key_size, data_in);
-  case LM_OP_SEARCH:
-    return chash_search(handle, info, key, key_size, home);
-  case LM_OP_DELETE:
-  case LM_OP_REPLACE:
   case LM_OP_PRINT:
     break;
   case LM_OP_PRINTALL:
   case LM_OP_APPLY:
     return chash_walk(handle, info, operation, data_in);
-  case LM_OP_CURRENT:
-    return CS_SUCCEED;
   default:
-    comn::raise_bomb(COMN_HERE);
+    return comn::raise_bomb(COMN_HERE);
+  }
+  const CS_PRINT_FUNC function = handle->hdlprop->print_func;
+  if (function == nullptr)
     return CS_FAIL;
-  }
-
-  if (operation == LM_OP_PRINT && handle->hdlprop->print_func == nullptr)
-    return CS_FAIL;
-  if (names_entry(key, key_size)) {
-    const CS_RETCODE found = chash_search(handle, info, key, key_size, home);
-    if (found != CS_SUCCEED)
-      return found;
-  }
-  if (operation == LM_OP_DELETE)
-    return chash_delete(handle, info, home);
-  DLinkNode *const node = current(handle);
-  if (operation == LM_OP_REPLACE) {
-    if (node == nullptr)
-      return CS_FAIL;
-    node->data = data_in;
-    return CS_SUCCEED;
-  }
-  if (node == nullptr) {
+  CS_UINT home = 0;
+  const CS_RETCODE located = locate<Pace::full>(handle, info, key, key_size, home);
+  if (located != CS_SUCCEED)
+    return located;
+  if (handle->cur_ptr == nullptr) {
     comn_debug_print("\nNULL\n");
     return CS_SUCCEED;
   }
-  return handle->hdlprop->print_func(node->data) == CS_FAIL ? CS_FAIL : CS_SUCCEED;
+  return function(current(handle)->data) == CS_FAIL ? CS_FAIL : CS_SUCCEED;
+}
+
+template <Pace pace>
+CS_RETCODE chash_act(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                     CS_VOID *data_in) noexcept {
+  auto *const info = static_cast<CHashInfo *>(handle->list_state);
+  LM_CHECK(info->state != LM_RELEASED);
+  CS_UINT home = 0;
+  switch (operation) {
+  case LM_OP_SEARCH:
+    return chash_search<pace>(handle, info, key, key_size, home);
+  case LM_OP_INSERT:
+    return chash_insert<pace>(handle, info, key, key_size, data_in);
+  case LM_OP_DELETE: {
+    if (!can_put_node<pace>(handle)) [[unlikely]]
+      return gave_up;
+    const CS_RETCODE located = locate<pace>(handle, info, key, key_size, home);
+    return located == CS_SUCCEED ? chash_delete<pace>(handle, info, home) : located;
+  }
+  case LM_OP_REPLACE: {
+    const CS_RETCODE located = locate<pace>(handle, info, key, key_size, home);
+    if (located != CS_SUCCEED)
+      return located;
+    if (handle->cur_ptr == nullptr)
+      return CS_FAIL;
+    current(handle)->data = data_in;
+    return CS_SUCCEED;
+  }
+  case LM_OP_CURRENT:
+    return CS_SUCCEED;
+  default:
+    if constexpr (pace == Pace::leaf)
+      return gave_up;
+    else
+      return chash_call(handle, info, operation, key, key_size, data_in);
+  }
+}
+
+template <Pace pace>
+CS_RETCODE chash_deliver(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                         CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  const CS_RETCODE result = chash_act<pace>(handle, operation, key, key_size, data_in);
+  if (result == CS_SUCCEED)
+    deliver_current(handle, data_out);
+  return result;
 }
 
 // ---- the open-addressed table ----
@@ -390,11 +441,22 @@ CS_RETCODE dhash_act(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT k
 
 CS_RETCODE comn::list::chash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                                 CS_VOID *data_in, CS_VOID **data_out) noexcept {
-  const CS_RETCODE result = chash_act(handle, operation, key, key_size, data_in);
-  if (result == CS_SUCCEED)
-    deliver_current(handle, data_out);
-  return result;
+  return chash_deliver<Pace::full>(handle, operation, key, key_size, data_in, data_out);
 }
+
+template <CS_INT known>
+[[gnu::flatten]] CS_RETCODE comn::list::chash_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key,
+                                                   CS_INT key_size, CS_VOID *data_in,
+                                                   CS_VOID **data_out) noexcept {
+  const CS_RETCODE result =
+      chash_deliver<Pace::leaf>(handle, known, key, key_size, data_in, data_out);
+  if (result != gave_up) [[likely]]
+    return result;
+  return list_op_in_full(handle, known, key, key_size, data_in, data_out);
+}
+template decltype(chash_leaf<LM_OP_SEARCH>) comn::list::chash_leaf<LM_OP_SEARCH>;
+template decltype(chash_leaf<LM_OP_INSERT>) comn::list::chash_leaf<LM_OP_INSERT>;
+template decltype(chash_leaf<LM_OP_DELETE>) comn::list::chash_leaf<LM_OP_DELETE>;
 
 CS_RETCODE comn::list::dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                                 CS_VOID *data_in, CS_VOID **data_out) noexcept {

@@ -26,12 +26,10 @@ CS_INT release_free_nodes(LM_HANDLE *handle, CS_INT count) noexcept {
 CS_RETCODE lm__get_dlinknode(LM_HANDLE *handle, DLinkNode **node) noexcept {
   COMN_CHECK_PTR(handle, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(node, COMN_TRACE(CS_FAIL));
-  // The chain can be shorter than the count says, after the pool failed to grow.
-  if (DLinkNode *const popped = handle->free_nodes >= 1 ? handle->free_DLN_list : nullptr) {
-    COMN_CHECK(popped->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
-    handle->free_DLN_list = popped->next;
-    --handle->free_nodes;
-    *node = popped;
+  if (DLinkNode *const free = first_free(handle)) {
+    COMN_CHECK(free->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
+    take_first_free(handle);
+    *node = free;
     return COMN_TRACE(CS_SUCCEED);
   }
   auto *const made = make<DLinkNode>(handle->lmhmalloc, handle->lmhuser, LM_ALLOCATED);
@@ -44,11 +42,8 @@ CS_RETCODE lm__get_dlinknode(LM_HANDLE *handle, DLinkNode **node) noexcept {
 CS_RETCODE lm__free_dlinknode(LM_HANDLE *handle, DLinkNode *node) noexcept {
   COMN_CHECK_PTR(handle, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(node, COMN_TRACE(CS_FAIL));
-  if (handle->free_nodes < handle->hdlprop->max_poolsize) {
-    node->state = LM_UNINITIALIZED;
-    node->next = handle->free_DLN_list;
-    handle->free_DLN_list = node;
-    ++handle->free_nodes;
+  if (has_room(handle)) {
+    put_back(handle, node);
   } else {
     node->state = LM_RELEASED;
     handle->lmhfree(handle->lmhuser, node);

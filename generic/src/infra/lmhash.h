@@ -64,74 +64,74 @@ inline CS_UINT hash_in_steps(const CS_CHAR *key, size_t size) noexcept {
   return rest == 0 ? hash : hash * hash_multiplier + extend_signs(load_tail(at, rest, at != key));
 }
 
-// Without a sign and without a word of 0 the hash is a polynomial in 37 whose coefficients are the
-// words. A key of 8 to 24 bytes has up to four words in front of the last two: by their number,
-// this is what each of them is worth. One that the key has not is worth nothing.
-constexpr size_t polynomial_least = 8;
-constexpr size_t polynomial_most = 24;
-struct Weights {
-  CS_UINT front[4] = {};
-  CS_UINT before = hash_multiplier * hash_multiplier; // of the hash of what comes before
+// Most keys are of 8 to 24 bytes. What can be known of one from its size alone, so that neither its
+// hash nor its comparison branches on it: no predictor knows the size of the next key.
+constexpr size_t medium_least = 8;
+constexpr size_t medium_most = 24;
+struct alignas(32) MediumKey {
+  // Up to four words in front of the last two: what each is worth in the hash. One that the key has
+  // not is worth nothing.
+  CS_UINT weight[4] = {};
+  CS_UINT filler = 0;       // of the last word
+  std::uint8_t missing = 0; // its bits
+  std::uint8_t middle = 0;  // where 8 bytes begin behind the first 8, or as far behind as may be
 };
-constexpr auto polynomial_weights = [] {
-  std::array<Weights, 5> rows{};
-  for (size_t words = 1; words < rows.size(); ++words) {
-    for (size_t i = 0; i < words; ++i)
-      rows[words].front[i] = rows[words - 1 - i].before;
-    rows[words].before = rows[words - 1].before * hash_multiplier;
+constexpr auto medium_keys = [] {
+  std::array<MediumKey, medium_most - medium_least + 1> keys{};
+  for (size_t size = medium_least; size <= medium_most; ++size) {
+    MediumKey &key = keys[size - medium_least];
+    const size_t words = (size + 3) / 4;
+    for (size_t i = 0; i + 2 < words; ++i) {
+      key.weight[i] = 1;
+      for (size_t behind = i + 1; behind < words; ++behind)
+        key.weight[i] *= hash_multiplier;
+    }
+    key.missing = static_cast<std::uint8_t>((words * 4 - size) * 8);
+    key.filler = size % 4 != 0 ? hash_filler >> (32 - key.missing) : 0;
+    key.middle = static_cast<std::uint8_t>(size < 16 ? size - 8 : 8);
   }
-  return rows;
+  return keys;
 }();
-static_assert(polynomial_weights[1].front[0] == 37 * 37 && polynomial_weights[1].front[1] == 0);
-static_assert(polynomial_weights[4].front[0] == 37 * 37 * 37 * 37 * 37 &&
-              polynomial_weights[4].before == 37U * 37 * 37 * 37 * 37 * 37);
+static_assert(medium_keys[0].weight[0] == 0 && medium_keys[0].filler == 0);
+static_assert(medium_keys[1].weight[0] == 37 * 37 && medium_keys[1].weight[1] == 0 &&
+              medium_keys[1].filler == 0x5A5A5A && medium_keys[1].missing == 24);
+static_assert(medium_keys[16].weight[0] == 37 * 37 * 37 * 37 * 37 &&
+              medium_keys[16].weight[3] == 37 * 37 && medium_keys[16].middle == 8);
 
-// The polynomial without a branch on the size, which no predictor knows: all loads are made, inside
-// the key, and the weights pick the words that count. False if a byte has its sign set or a word is
-// 0 that might have to be passed over, and for keys that are too short.
+constexpr bool is_medium(size_t size) noexcept {
+  return size - medium_least <= medium_most - medium_least;
+}
+
+// Without a sign and without a word of 0 the hash is a polynomial in 37 whose coefficients are the
+// words. All of them are loaded from inside the key, and the weights pick those that count. False
+// if a byte has its sign set or a word is 0 that might have to be passed over.
 inline bool hash_as_polynomial(const CS_CHAR *key, size_t size, CS_UINT &hash) noexcept {
-  if (size < polynomial_least)
-    return false;
-  CS_UINT seen = 0;
-  CS_UINT before = 0;
-  for (; size > polynomial_most; size -= 8, key += 8) {
-    const CS_UINT first = load_word(key);
-    const CS_UINT second = load_word(key + 4);
-    if (first == 0) [[unlikely]]
-      return false;
-    seen |= first | second;
-    before = (before * hash_multiplier + first) * hash_multiplier + second;
-  }
-  const Weights &weights = polynomial_weights[(size + 3) / 4 - 2];
-  CS_UINT sum = before * weights.before;
-  const auto add = [&seen, &sum](CS_UINT word, CS_UINT weight) {
-    seen |= word;
+  const MediumKey &medium = medium_keys[size - medium_least];
+  CS_UINT sum = 0;
+  CS_UINT signs = 0;
+  CS_UINT zeros = 0; // its highest bit: one of the words that matter is 0
+  const auto add = [&](CS_UINT word, CS_UINT weight, bool may_wait) {
     sum += word * weight;
-    return word != 0;
+    signs |= word;
+    zeros |= may_wait ? word - 1 : 0;
   };
-  const CS_CHAR *const middle = key + (size < 16 ? size - 8 : 8);
-  if (!add(load_word(key), weights.front[0])) [[unlikely]]
-    return false;
-  add(load_word(key + 4), weights.front[1]);
-  if (!add(load_word(middle), weights.front[2])) [[unlikely]]
-    return false;
-  add(load_word(middle + 4), weights.front[3]);
+  add(load_word(key), medium.weight[0], true);
+  add(load_word(key + 4), medium.weight[1], false);
+  add(load_word(key + medium.middle), medium.weight[2], true);
+  add(load_word(key + medium.middle + 4), medium.weight[3], false);
   // The last 4 + 1 to 4 + 4 bytes as two words, the second of them filled up.
-  const auto missing = static_cast<unsigned>(-size % 4 * 8);
   std::uint64_t last;
   std::memcpy(&last, key + size - 8, sizeof last);
-  last = __builtin_bswap64(last) << missing;
-  if (!add(static_cast<CS_UINT>(last >> 32), hash_multiplier)) [[unlikely]]
-    return false;
-  if (!add(static_cast<CS_UINT>(last) | (hash_filler & ~(~0U << missing)), 1)) [[unlikely]]
-    return false;
+  last = __builtin_bswap64(last) << medium.missing;
+  add(static_cast<CS_UINT>(last >> 32), hash_multiplier, true);
+  add(static_cast<CS_UINT>(last) | medium.filler, 1, true);
   hash = sum;
-  return (seen & sign_bits) == 0;
+  return ((signs & sign_bits) | zeros >> 31) == 0;
 }
 
 inline CS_UINT hash_of(const CS_CHAR *key, size_t size) noexcept {
   CS_UINT hash;
-  return hash_as_polynomial(key, size, hash) ? hash : hash_in_steps(key, size);
+  return is_medium(size) && hash_as_polynomial(key, size, hash) ? hash : hash_in_steps(key, size);
 }
 
 } // namespace comn::list

@@ -72,12 +72,13 @@ inline void put_back(LM_HANDLE *handle, DLinkNode *node) noexcept {
   ++handle->free_nodes;
 }
 
-// The operations are written once and compiled twice. As a leaf they call no function, so they need
-// no frame and few registers: they do what an operation comes to as a rule, and give up on all that
-// needs a call, with nothing changed that the repetition would not change again in the same way.
-// That is a check that fails, a node that the pool does not have or has no room for, a function of
-// the caller's, and tracing. What was given up is done in full, from the start.
-enum class Pace { leaf, full };
+// The operations are written once and compiled for each pace. As a leaf they call no function, so
+// they need no frame and few registers: they do what an operation comes to as a rule, and give up
+// on all that needs a call, with nothing changed that the repetition would not change again in the
+// same way. That is a check that fails, a node that the pool does not have or has no room for, a
+// function of the caller's, and tracing. What was given up is done in full, from the start. A
+// sprint is a leaf that takes medium keys without signs alone, and gives up the others too.
+enum class Pace { sprint, leaf, full };
 
 // How a leaf says that it gave up; no return code is like it.
 constexpr CS_RETCODE gave_up = INT32_MIN;
@@ -85,10 +86,10 @@ constexpr CS_RETCODE gave_up = INT32_MIN;
 // A check that failed: the end of the operation.
 template <Pace pace, class Where>
 CS_RETCODE refuse([[maybe_unused]] Where where) noexcept {
-  if constexpr (pace == Pace::leaf)
-    return gave_up;
-  else
+  if constexpr (pace == Pace::full)
     return comn::raise_bomb(where);
+  else
+    return gave_up;
 }
 
 #define LM_CHECK(condition)                                                                        \
@@ -147,10 +148,9 @@ CS_RETCODE dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT ke
                                              CS_INT key_size, CS_VOID *data_in,
                                              CS_VOID **data_out) noexcept;
 
-// The frequent operations of a linked list and of a chained table as leaves, each compiled for
-// itself, once the checks of lm_list_op are passed and tracing is off. All end in one another, so
-// all take the same arguments.
-constexpr CS_INT any_operation = 0;
+// Operations of a linked list and of a chained table as leaves, each compiled for itself, once the
+// checks of lm_list_op are passed and tracing is off. All end in one another, so all take the same
+// arguments.
 template <CS_INT operation>
 CS_RETCODE dlink_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT position, CS_VOID *data_in,
                       CS_VOID **data_out) noexcept;

@@ -8,51 +8,53 @@ namespace {
 
 // ---- the linked list ----
 
-// Links a node at a position relative to the cursor. The position is one that exists.
-void link(DLinkInfo *info, DLinkNode *node, DLinkNode *cursor, CS_INT position) noexcept {
-  DLinkNode *before = nullptr;
-  DLinkNode *behind = nullptr;
-  if (info->head == nullptr) {
-    // The first entry: any position will do.
-  } else if (position == LM_OP_FIRST) {
-    behind = info->head;
-  } else if (position == LM_OP_LAST) {
+// Between which two entries a new one goes; false for a position that does not exist.
+bool find_place(const DLinkInfo *info, DLinkNode *cursor, CS_INT position, DLinkNode *&before,
+                DLinkNode *&behind) noexcept {
+  before = nullptr;
+  behind = nullptr;
+  if (info->head == nullptr) [[unlikely]]
+    return true; // the first entry: any position will do
+  if (position == LM_OP_LAST) [[likely]] {
     before = info->tail;
-  } else if (position == LM_POS_BEFORE) {
+    return true;
+  }
+  if (position == LM_OP_FIRST) {
+    behind = info->head;
+    return true;
+  }
+  if (cursor == nullptr)
+    return false;
+  if (position == LM_POS_BEFORE) {
     behind = cursor;
     before = cursor->previous;
-  } else {
-    before = cursor;
-    behind = cursor->next;
+    return true;
   }
-  node->previous = before;
-  node->next = behind;
-  (before != nullptr ? before->next : info->head) = node;
-  (behind != nullptr ? behind->previous : info->tail) = node;
-}
-
-bool is_position(CS_INT position, const DLinkNode *cursor) noexcept {
-  if (position == LM_POS_BEFORE || position == LM_POS_AFTER)
-    return cursor != nullptr;
-  return position == LM_OP_FIRST || position == LM_OP_LAST;
+  before = cursor;
+  behind = cursor->next;
+  return position == LM_POS_AFTER;
 }
 
 template <Pace pace>
 CS_RETCODE insert(LM_HANDLE *handle, DLinkInfo *info, DLinkNode *&cursor, CS_INT position,
                   CS_VOID *data) noexcept {
-  const bool was_empty = info->head == nullptr;
-  LM_CHECK(was_empty || is_position(position, cursor));
+  DLinkNode *before;
+  DLinkNode *behind;
+  LM_CHECK(find_place(info, cursor, position, before, behind));
   DLinkNode *node = nullptr;
   const CS_RETCODE result = get_node<pace>(handle, node);
   if (result != CS_SUCCEED)
     return result;
+  if (before == nullptr && behind == nullptr)
+    handle->cur_ptr = node;
   node->data = data;
-  link(info, node, cursor, position);
+  node->previous = before;
+  node->next = behind;
+  (before != nullptr ? before->next : info->head) = node;
+  (behind != nullptr ? behind->previous : info->tail) = node;
   node->state = LM_INSERTED;
   ++handle->hdlprop->handle_load;
   cursor = node;
-  if (was_empty)
-    handle->cur_ptr = node;
   return CS_SUCCEED;
 }
 
@@ -251,40 +253,67 @@ CS_RETCODE comn::list::list_op_in_full(LM_HANDLE *handle, CS_INT operation, CS_V
   return COMN_TRACE(kind_op(handle, operation, key, key_size, data_in, data_out));
 }
 
-template <CS_INT known>
+template <CS_INT operation>
 [[gnu::flatten, gnu::noinline]] CS_RETCODE
-comn::list::dlink_leaf(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT position,
-                       CS_VOID *data_in, CS_VOID **data_out) noexcept {
-  const CS_RETCODE result = dlink_op<Pace::leaf>(handle, known != any_operation ? known : operation,
-                                                 key, position, data_in, data_out);
+comn::list::dlink_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT position, CS_VOID *data_in,
+                       CS_VOID **data_out) noexcept {
+  const CS_RETCODE result =
+      dlink_op<Pace::leaf>(handle, operation, key, position, data_in, data_out);
   if (result != gave_up) [[likely]]
     return result;
   return list_op_in_full(handle, operation, key, position, data_in, data_out);
 }
 
+namespace {
+
+// Where the operations of the first two kinds begin, in the order of their codes. One jump leads
+// there: an operation on a list costs hardly more than the branches that it takes.
+using Operation = decltype(list_op_in_full);
+constexpr CS_INT leaf_kinds = LM_CHASH - LM_DLINK + 1;
+constexpr CS_INT operations = LM_OP_APPLY - LM_OP_INSERT + 1;
+static_assert(leaf_kinds == 2 && operations == 12);
+constexpr Operation *starts[leaf_kinds][operations] = {
+    {
+        dlink_leaf<LM_OP_INSERT>,
+        dlink_leaf<LM_OP_DELETE>,
+        list_op_in_full, // search
+        dlink_leaf<LM_OP_REPLACE>,
+        dlink_leaf<LM_OP_NEXT>,
+        dlink_leaf<LM_OP_PREV>,
+        dlink_leaf<LM_OP_CURRENT>,
+        dlink_leaf<LM_OP_FIRST>,
+        dlink_leaf<LM_OP_LAST>,
+        list_op_in_full, // print, print all, apply
+        list_op_in_full,
+        list_op_in_full,
+    },
+    {
+        chash_leaf<LM_OP_INSERT>,
+        chash_leaf<LM_OP_DELETE>,
+        chash_leaf<LM_OP_SEARCH>,
+        chash_leaf<LM_OP_REPLACE>,
+        list_op_in_full, // next, previous, current, first, last
+        list_op_in_full,
+        list_op_in_full,
+        list_op_in_full,
+        list_op_in_full,
+        list_op_in_full, // print, print all, apply
+        list_op_in_full,
+        list_op_in_full,
+    },
+};
+
+} // namespace
+
 CS_RETCODE lm_list_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                       CS_VOID *data_in, CS_VOID **data_out) noexcept {
-  if (handle == nullptr)
+  if (handle == nullptr) [[unlikely]]
     return COMN_TRACE(CS_FAIL);
   if (!comn::is_tracing() && is_usable(handle)) [[likely]] {
-    const CS_INT type = handle->hdlprop->list_type;
-    if (type == LM_DLINK) {
-      if (operation == LM_OP_NEXT) [[likely]]
-        return dlink_leaf<LM_OP_NEXT>(handle, operation, key, key_size, data_in, data_out);
-      if (operation == LM_OP_INSERT) [[likely]]
-        return dlink_leaf<LM_OP_INSERT>(handle, operation, key, key_size, data_in, data_out);
-      if (operation == LM_OP_DELETE) [[likely]]
-        return dlink_leaf<LM_OP_DELETE>(handle, operation, key, key_size, data_in, data_out);
-      return dlink_leaf<any_operation>(handle, operation, key, key_size, data_in, data_out);
-    }
-    if (type == LM_CHASH) [[likely]] {
-      if (operation == LM_OP_SEARCH) [[likely]]
-        return chash_leaf<LM_OP_SEARCH>(handle, operation, key, key_size, data_in, data_out);
-      if (operation == LM_OP_INSERT) [[likely]]
-        return chash_leaf<LM_OP_INSERT>(handle, operation, key, key_size, data_in, data_out);
-      if (operation == LM_OP_DELETE) [[likely]]
-        return chash_leaf<LM_OP_DELETE>(handle, operation, key, key_size, data_in, data_out);
-    }
+    const auto kind = static_cast<CS_UINT>(handle->hdlprop->list_type) - LM_DLINK;
+    const auto which = static_cast<CS_UINT>(operation) - LM_OP_INSERT;
+    if (kind < leaf_kinds && which < operations) [[likely]]
+      return starts[kind][which](handle, operation, key, key_size, data_in, data_out);
   }
   return list_op_in_full(handle, operation, key, key_size, data_in, data_out);
 }

@@ -1,4 +1,6 @@
 // The operations on the two hash tables.
+#include <algorithm>
+
 #include "checks.h"
 #include "lmhash.h"
 #include "lmlist.h"
@@ -15,23 +17,30 @@ Word difference(const char *a, const char *b) noexcept {
   return word_a ^ word_b;
 }
 
-// The first word, one in the middle and the last one, which may overlap: keys are short, and no
-// predictor knows how short.
+// The first word, one in the middle and the last one, which may overlap, so that there is no branch
+// on the size.
+template <class Word>
+bool is_same_in_words(const char *a, const char *b, size_t size, size_t middle) noexcept {
+  const size_t last = size - sizeof(Word);
+  return (difference<Word>(a, b) | difference<Word>(a + middle, b + middle) |
+          difference<Word>(a + last, b + last)) == 0;
+}
+
 template <class Word>
 bool is_same_in_words(const char *a, const char *b, size_t size) noexcept {
   for (; size > 3 * sizeof(Word); size -= sizeof(Word), a += sizeof(Word), b += sizeof(Word))
     if (difference<Word>(a, b) != 0)
       return false;
-  const size_t last = size - sizeof(Word);
-  const size_t middle = last < sizeof(Word) ? last : sizeof(Word);
-  return (difference<Word>(a, b) | difference<Word>(a + middle, b + middle) |
-          difference<Word>(a + last, b + last)) == 0;
+  return is_same_in_words<Word>(a, b, size, std::min(size - sizeof(Word), sizeof(Word)));
 }
 
+template <Pace pace = Pace::full>
 bool is_same(const void *key_a, const void *key_b, CS_INT key_size) noexcept {
   const auto *const a = static_cast<const char *>(key_a);
   const auto *const b = static_cast<const char *>(key_b);
   const auto size = static_cast<size_t>(key_size);
+  if constexpr (pace == Pace::sprint)
+    return is_same_in_words<std::uint64_t>(a, b, size, medium_keys[size - medium_least].middle);
   if (size >= sizeof(std::uint64_t)) [[likely]]
     return is_same_in_words<std::uint64_t>(a, b, size);
   if (size >= sizeof(std::uint32_t))
@@ -71,11 +80,21 @@ CS_RETCODE home_of(const CHashInfo *info, CS_VOID *key, CS_INT key_size, CS_UINT
   if constexpr (pace == Pace::full)
     return info->home_addr_hfunc(static_cast<CS_CHAR *>(key), key_size, info->table_size, &home);
   // The function that every table starts with, without the detour.
-  if (info->home_addr_hfunc != lm__api_key_to_hash || key == nullptr || key_size < 0 ||
-      info->table_size <= 0) [[unlikely]]
+  if (info->home_addr_hfunc != lm__api_key_to_hash || key == nullptr || info->table_size <= 0)
+      [[unlikely]]
     return gave_up;
-  home = hash_of(static_cast<const CS_CHAR *>(key), static_cast<size_t>(key_size)) %
-         static_cast<CS_UINT>(info->table_size);
+  const auto *const bytes = static_cast<const CS_CHAR *>(key);
+  const auto size = static_cast<size_t>(key_size);
+  CS_UINT hash;
+  if constexpr (pace == Pace::sprint) {
+    if (!is_medium(size) || !hash_as_polynomial(bytes, size, hash)) [[unlikely]]
+      return gave_up;
+  } else {
+    if (key_size < 0) [[unlikely]]
+      return gave_up;
+    hash = hash_of(bytes, size);
+  }
+  home = hash % static_cast<CS_UINT>(info->table_size);
   return CS_SUCCEED;
 }
 
@@ -106,7 +125,7 @@ CS_RETCODE chash_search(LM_HANDLE *handle, CHashInfo *info, CS_VOID *key, CS_INT
     return result;
   for (; node != nullptr; node = node->next) {
     __builtin_prefetch(&node->next); // a node may lie across two cache lines
-    if (node->key_size == key_size && is_same(node->key, key, key_size)) {
+    if (node->key_size == key_size && is_same<pace>(node->key, key, key_size)) {
       handle->cur_ptr = node;
       return CS_SUCCEED;
     }
@@ -263,10 +282,10 @@ CS_RETCODE chash_act(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT k
   case LM_OP_CURRENT:
     return CS_SUCCEED;
   default:
-    if constexpr (pace == Pace::leaf)
-      return gave_up;
-    else
+    if constexpr (pace == Pace::full)
       return chash_call(handle, info, operation, key, key_size, data_in);
+    else
+      return gave_up;
   }
 }
 
@@ -277,6 +296,17 @@ CS_RETCODE chash_deliver(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_I
   if (result == CS_SUCCEED)
     deliver_current(handle, data_out);
   return result;
+}
+
+template <CS_INT operation>
+[[gnu::flatten, gnu::noinline]] CS_RETCODE chash_any_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key,
+                                                          CS_INT key_size, CS_VOID *data_in,
+                                                          CS_VOID **data_out) noexcept {
+  const CS_RETCODE result =
+      chash_deliver<Pace::leaf>(handle, operation, key, key_size, data_in, data_out);
+  if (result != gave_up) [[likely]]
+    return result;
+  return list_op_in_full(handle, operation, key, key_size, data_in, data_out);
 }
 
 // ---- the open-addressed table ----
@@ -444,19 +474,20 @@ CS_RETCODE comn::list::chash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *ke
   return chash_deliver<Pace::full>(handle, operation, key, key_size, data_in, data_out);
 }
 
-template <CS_INT known>
+template <CS_INT operation>
 [[gnu::flatten]] CS_RETCODE comn::list::chash_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key,
                                                    CS_INT key_size, CS_VOID *data_in,
                                                    CS_VOID **data_out) noexcept {
   const CS_RETCODE result =
-      chash_deliver<Pace::leaf>(handle, known, key, key_size, data_in, data_out);
+      chash_deliver<Pace::sprint>(handle, operation, key, key_size, data_in, data_out);
   if (result != gave_up) [[likely]]
     return result;
-  return list_op_in_full(handle, known, key, key_size, data_in, data_out);
+  return chash_any_leaf<operation>(handle, operation, key, key_size, data_in, data_out);
 }
 template decltype(chash_leaf<LM_OP_SEARCH>) comn::list::chash_leaf<LM_OP_SEARCH>;
 template decltype(chash_leaf<LM_OP_INSERT>) comn::list::chash_leaf<LM_OP_INSERT>;
 template decltype(chash_leaf<LM_OP_DELETE>) comn::list::chash_leaf<LM_OP_DELETE>;
+template decltype(chash_leaf<LM_OP_REPLACE>) comn::list::chash_leaf<LM_OP_REPLACE>;
 
 CS_RETCODE comn::list::dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                                 CS_VOID *data_in, CS_VOID **data_out) noexcept {

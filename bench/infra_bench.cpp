@@ -357,10 +357,15 @@ void delete_all(LM_HANDLE *handle, const std::vector<std::string_view> &keys) {
 void compare_chained() {
   // The tables are sized to their load: the next prime, because the hash of texts is a sum whose
   // low bits vary little.
-  for (const auto &[count, buckets] : {std::pair{512U, 521}, {65536U, 65537}}) {
+  const struct {
+    size_t count;
+    CS_INT buckets;
+  } settings[] = {{512, 521}, {65536, 65537}};
+  for (const auto &setting : settings) {
+    const size_t count = setting.count;
     const auto present = make_keys(count, 'k'), absent = make_keys(count, 'm');
     const auto size = static_cast<CS_INT>(count);
-    const CS_INT table_size = buckets;
+    const CS_INT table_size = setting.buckets;
     const auto add = [&](const char *operation, double goal, auto act, size_t calls) {
       std::vector<Peer> peers;
       const auto peer = [&](const char *name, Table *made) {

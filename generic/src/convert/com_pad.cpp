@@ -2,10 +2,11 @@
 #include "pad.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
+#include "any_address.h"
 #include "checks.h"
-#include "types.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 #ifndef COMN_CONVERT_CONV_FUNC_H
 #define COMN_CONVERT_CONV_FUNC_H
 
+#include "any_address.h"
 #include "checks.h"
 #include "types.h"
 

@@ -221,30 +221,6 @@ CS_RETCODE to_num(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT
   return CS_SUCCEED;
 }
 
-// An integer as it prints: its sign and its digits.
-template <class Integer>
-class Printed {
-  // Arithmetic on small types happens in 32 bits; wider than that only where it must be.
-  using Magnitude = std::conditional_t<sizeof(Integer) == 8, uint64_t, uint32_t>;
-
-public:
-  explicit Printed(Integer value) noexcept
-      : negative(value < 0), digits(negative ? Magnitude{0} - static_cast<Magnitude>(value)
-                                             : static_cast<Magnitude>(value)) {}
-
-  CS_INT length() const noexcept { return digits.count() + negative; }
-
-  [[gnu::always_inline]] void write(CS_CHAR *dest) const noexcept {
-    // The first digit takes the place of a sign that is not wanted.
-    *dest = '-';
-    digits.write(dest + negative);
-  }
-
-private:
-  bool negative;
-  DecimalDigits<Magnitude> digits;
-};
-
 // A number is shown whole or as a star, never cut.
 [[gnu::cold, gnu::noinline]] inline CS_RETCODE show_star(CS_INT format, CS_INT capacity,
                                                          CS_VOID *dest, CS_INT *destlen) noexcept {
@@ -259,7 +235,7 @@ private:
 template <Type S>
 CS_RETCODE to_text(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest,
                    CS_INT *destlen) noexcept {
-  const Printed number(load<Value<S>>(src));
+  const PrintedInteger number(load<Value<S>>(src));
   const CS_INT length = number.length();
   const CS_INT capacity = destfmt->maxlength;
   const CS_INT format = destfmt->format;
@@ -276,7 +252,7 @@ CS_RETCODE to_text(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest,
 
 template <Type S>
 CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
-  const Printed number(load<Value<S>>(src));
+  const PrintedInteger number(load<Value<S>>(src));
   const CS_INT length = number.length();
   auto *record = static_cast<CS_CHAR *>(dest);
   CS_CHAR *const text = record + offsetof(CS_VARCHAR, str);

@@ -1,9 +1,8 @@
-// Which datatype codes a conversion serves, and values at any address.
+// Which datatype codes a conversion serves.
 #ifndef COMN_CONVERT_TYPES_H
 #define COMN_CONVERT_TYPES_H
 
 #include <cstdint>
-#include <cstring>
 
 #include "cspublic.h"
 
@@ -34,19 +33,6 @@ private:
 constexpr TypeSet text_types{CS_TYPE_CHAR,        CS_TYPE_LONGCHAR, CS_TYPE_TEXT,
                              CS_TYPE_SENSITIVITY, CS_TYPE_BOUNDARY, CS_TYPE_XML};
 constexpr TypeSet binary_types{CS_TYPE_BINARY, CS_TYPE_LONGBINARY, CS_TYPE_IMAGE};
-
-// Values of conversions may stand at any address.
-template <class T>
-T load(const void *address) noexcept {
-  T value;
-  std::memcpy(&value, address, sizeof value);
-  return value;
-}
-
-template <class T>
-void store(void *address, T value) noexcept {
-  std::memcpy(address, &value, sizeof value);
-}
 
 } // namespace comn
 

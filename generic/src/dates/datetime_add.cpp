@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "any_address.h"
 #include "checks.h"
 #include "crack.h"
 #include "date_parts.h"
@@ -205,11 +206,10 @@ int com__dateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *resul
 int com__bigdateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result) noexcept {
   COMN_CHECK_PTR(src, overflow);
   COMN_CHECK_PTR(result, overflow);
-  CS_BIGDATETIME sum;
-  if (src->len != sizeof sum)
+  if (src->len != sizeof(CS_BIGDATETIME))
     return overflow;
   COMN_CHECK_PTR(src->value, overflow);
-  std::memcpy(&sum, src->value, sizeof sum);
+  auto sum = comn::load<CS_BIGDATETIME>(src->value);
   if (com__bigdate_add(part, value, &sum, result->type) != 0)
     return overflow;
 
@@ -231,12 +231,11 @@ int com__valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf) noexcept {
   CS_DATETIME value;
   if (src->len == sizeof(CS_DATETIME4)) {
     COMN_CHECK_PTR(src->value, 0);
-    CS_DATETIME4 small;
-    std::memcpy(&small, src->value, sizeof small);
+    auto small = comn::load<CS_DATETIME4>(src->value);
     com__date4todt(&small, &value);
   } else {
     COMN_CHECK_PTR(cast_buf, 0);
-    std::memcpy(&value, cast_buf, sizeof value);
+    value = comn::load<CS_DATETIME>(cast_buf);
   }
   CS_DATETIME date = value;
   return com__date_add(part_year, 0, &date) == 0 && com__date_add(part_minute, 0, &value) == 0;

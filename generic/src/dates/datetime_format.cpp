@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "any_address.h"
 #include "checks.h"
 #include "crack.h"
 #include "decimal_text.h"
@@ -199,18 +200,13 @@ CS_INT com__cpchar(CS_CHAR *cp, CS_CHAR *str, CS_CHAR padchar, CS_INT maxlen) no
 
 CS_INT com__itochar(CS_INT val, CS_CHAR *buf, CS_INT len) noexcept {
   COMN_CHECK_PTR(buf, 0);
-  const bool negative = val < 0;
-  const uint32_t magnitude =
-      negative ? 0U - static_cast<uint32_t>(val) : static_cast<uint32_t>(val);
-  const comn::DecimalDigits digits(magnitude);
-  const CS_INT length = digits.count() + negative;
+  const comn::PrintedInteger number(val);
+  const CS_INT length = number.length();
   if (len > 0 && length > len) {
     *buf = '*';
     return 1;
   }
-  if (negative)
-    *buf = '-';
-  digits.write(buf + negative);
+  number.write(buf);
   return length;
 }
 
@@ -295,8 +291,7 @@ CS_INT com_date2char_ex(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destl
   if (src == nullptr || srclen == 0)
     return 0;
   COMN_CHECK_PTR(dest, 0);
-  CS_DATETIME value;
-  std::memcpy(&value, src, sizeof value);
+  auto value = comn::load<CS_DATETIME>(src);
   CS_CHAR **names = shortmonths != nullptr ? shortmonths : com__get_shortmonths();
   const CS_INT length =
       com__datetochar(&value, reinterpret_cast<CS_CHAR *>(dest), destlen, style, names);

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "any_address.h"
 #include "cspublic.h"
 #include "table.h"
 
@@ -41,25 +42,19 @@ constexpr int limbs_for(int bytes) noexcept {
 // ---- bytes ----
 
 inline uint64_t load_be64(const CS_BYTE *bytes) noexcept {
-  uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return __builtin_bswap64(word);
+  return __builtin_bswap64(load<uint64_t>(bytes));
 }
 
 inline uint32_t load_be32(const CS_BYTE *bytes) noexcept {
-  uint32_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return __builtin_bswap32(word);
+  return __builtin_bswap32(load<uint32_t>(bytes));
 }
 
 inline void store_be64(CS_BYTE *bytes, uint64_t word) noexcept {
-  word = __builtin_bswap64(word);
-  std::memcpy(bytes, &word, sizeof word);
+  store(bytes, __builtin_bswap64(word));
 }
 
 inline void store_be32(CS_BYTE *bytes, uint32_t word) noexcept {
-  word = __builtin_bswap32(word);
-  std::memcpy(bytes, &word, sizeof word);
+  store(bytes, __builtin_bswap32(word));
 }
 
 inline Limb load_limb(const CS_BYTE *bytes) noexcept {

@@ -195,8 +195,7 @@ template <bool Plain>
     const char *const stop = end - text > room ? text + room : end;
     if (scan.significant + (stop - text) <= exact::max_power) {
       while (stop - text >= 8) {
-        uint64_t word;
-        std::memcpy(&word, text, sizeof word);
+        const auto word = comn::load<uint64_t>(text);
         if (exact::non_digits(word) != 0)
           break;
         magnitude.add_digits(exact::eight_digits_value(word), 8);

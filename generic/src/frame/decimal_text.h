@@ -1,12 +1,13 @@
-// Printing an unsigned integer in decimal: groups of eight digits, each made without a branch. The
-// lengths of numbers cannot be foreseen, so what branches there are depend on the value itself and
-// not on what is computed from it: a wrong guess is found out early.
+// Printing an integer in decimal: groups of eight digits, each made without a branch. The lengths
+// of numbers cannot be foreseen, so what branches there are depend on the value itself and not on
+// what is computed from it: a wrong guess is found out early.
 #ifndef COMN_FRAME_DECIMAL_TEXT_H
 #define COMN_FRAME_DECIMAL_TEXT_H
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "table.h"
 
@@ -104,6 +105,30 @@ private:
   int first_count;
   uint32_t first;
   uint32_t middle = 0, last = 0; // of eight digits each
+};
+
+// An integer as it prints: its sign and its digits.
+template <class Integer>
+class PrintedInteger {
+  // Arithmetic on small types happens in 32 bits; wider than that only where it must be.
+  using Magnitude = std::conditional_t<sizeof(Integer) == 8, uint64_t, uint32_t>;
+
+public:
+  explicit PrintedInteger(Integer value) noexcept
+      : negative(value < 0), digits(negative ? Magnitude{0} - static_cast<Magnitude>(value)
+                                             : static_cast<Magnitude>(value)) {}
+
+  int length() const noexcept { return digits.count() + negative; }
+
+  [[gnu::always_inline]] void write(char *dest) const noexcept {
+    // The first digit takes the place of a sign that is not wanted.
+    *dest = '-';
+    digits.write(dest + negative);
+  }
+
+private:
+  bool negative;
+  DecimalDigits<Magnitude> digits;
 };
 
 } // namespace comn

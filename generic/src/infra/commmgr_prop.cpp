@@ -1,6 +1,5 @@
 // The properties of pools.
-#include <cstring>
-
+#include "any_address.h"
 #include "checks.h"
 #include "commmgr.h"
 
@@ -11,17 +10,11 @@ namespace {
 constexpr CS_INT overhead = sizeof(MmPoolHead) + sizeof(MM_HANDLE);
 static_assert(sizeof(void *) != 4 || overhead == 156);
 
-CS_INT integer_at(const CS_VOID *buffer) noexcept {
-  CS_INT value;
-  std::memcpy(&value, buffer, sizeof value);
-  return value;
-}
-
 // Delivers a property, an integer or a pointer, at the place that the caller gave.
 template <class T>
 CS_RETCODE deliver(CS_VOID *buffer, T value) noexcept {
   COMN_CHECK_PTR(buffer, CS_FAIL);
-  std::memcpy(buffer, &value, sizeof value);
+  comn::store(buffer, value);
   return CS_SUCCEED;
 }
 
@@ -35,7 +28,7 @@ CS_RETCODE set_function(Function &slot, CS_VOID *buffer) noexcept {
 
 CS_RETCODE set_positive(CS_INT &slot, const CS_VOID *buffer) noexcept {
   COMN_CHECK_PTR(buffer, CS_FAIL);
-  const CS_INT value = integer_at(buffer);
+  const CS_INT value = comn::load<CS_INT>(buffer);
   COMN_CHECK(value > 0, CS_FAIL);
   slot = value;
   return CS_SUCCEED;
@@ -45,7 +38,7 @@ CS_RETCODE set_pooltype(MM_HANDLE *mmh, const CS_VOID *buffer) noexcept {
   if (is_ready(mmh))
     return CS_FAIL;
   COMN_CHECK_PTR(buffer, CS_FAIL);
-  const CS_INT type = integer_at(buffer);
+  const CS_INT type = comn::load<CS_INT>(buffer);
   COMN_CHECK(type >= MM_POOL_NONE && type <= MM_POOL_UNIFORM, MM_BAD_PROPERTY);
   mmh->mmh_type = type;
   return CS_SUCCEED;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "any_address.h"
 #include "checks.h"
 #include "netenc.h"
 
@@ -58,10 +59,8 @@ void chain(CS_CHAR *bytes, size_t length, int start) noexcept {
   auto key = static_cast<uint32_t>(start);
   size_t at = 0;
   for (; length - at >= sizeof key; at += sizeof key) {
-    uint32_t word;
-    std::memcpy(&word, bytes + at, sizeof word);
-    word = Step(word, key, static_cast<int>(key & 31));
-    std::memcpy(bytes + at, &word, sizeof word);
+    const auto word = comn::load<uint32_t>(bytes + at);
+    comn::store(bytes + at, Step(word, key, static_cast<int>(key & 31)));
   }
   for (; at < length; ++at, key >>= 8)
     bytes[at] = static_cast<CS_CHAR>(bytes[at] ^ static_cast<CS_CHAR>(key));

@@ -7,8 +7,8 @@
 
 #include <bit>
 #include <cstdint>
-#include <cstring>
 
+#include "any_address.h"
 #include "netenc.h"
 
 namespace comn::feal {
@@ -26,23 +26,13 @@ struct Halves {
   uint32_t left, right;
 };
 
-inline uint32_t load_word(const OCTET *bytes) noexcept {
-  uint32_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-inline void store_word(OCTET *bytes, uint32_t word) noexcept {
-  std::memcpy(bytes, &word, sizeof word);
-}
-
 inline Halves load_block(const OCTET *bytes) noexcept {
-  return {load_word(bytes), load_word(bytes + 4)};
+  return {load<uint32_t>(bytes), load<uint32_t>(bytes + 4)};
 }
 
 inline void store_block(OCTET *bytes, Halves block) noexcept {
-  store_word(bytes, block.left);
-  store_word(bytes + 4, block.right);
+  store(bytes, block.left);
+  store(bytes + 4, block.right);
 }
 
 inline uint32_t octet(uint32_t word, int index) noexcept {
@@ -89,7 +79,7 @@ inline void schedule(const OCTET *key, OCTET *subkeys) noexcept {
     const uint32_t next = key_function(a, b);
     a = b;
     b = next;
-    store_word(subkeys + 4 * round, b);
+    store(subkeys + 4 * round, b);
   }
 }
 

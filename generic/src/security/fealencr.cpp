@@ -10,14 +10,14 @@ void com__charbuf_alloc(OCTET *a, OCTET *b, OCTET *out) noexcept {
   COMN_CHECK_PTR(a);
   COMN_CHECK_PTR(b);
   COMN_CHECK_PTR(out);
-  store_word(out, round_function(load_word(a), b[0], b[1]));
+  comn::store(out, round_function(comn::load<uint32_t>(a), b[0], b[1]));
 }
 
 void com__charbuf_clean(OCTET *a, OCTET *b, OCTET *out) noexcept {
   COMN_CHECK_PTR(a);
   COMN_CHECK_PTR(b);
   COMN_CHECK_PTR(out);
-  store_word(out, key_function(load_word(a), load_word(b)));
+  comn::store(out, key_function(comn::load<uint32_t>(a), comn::load<uint32_t>(b)));
 }
 
 void com__charbuf_activate(OCTET *key, OCTET *subkeys) noexcept {

@@ -1,17 +1,14 @@
 // Additions, differences, parts and names of any values by any part, and text in any style: no
 // input may be undefined, and what is added in whole days or hours comes back as the difference.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
+#include "input.h"
 #include "zrvcomn/datetime.h"
 
-namespace {
+using zrvfuzz::require;
 
-void require(bool condition) {
-  if (!condition)
-    std::abort();
-}
+namespace {
 
 struct Input {
   std::uint8_t part, type;

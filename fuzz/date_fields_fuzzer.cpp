@@ -2,18 +2,15 @@
 // made crack into the fields that they were made from; no text passes its room.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
+#include "input.h"
 #include "zrvcomn/datetime.h"
 
-namespace {
+using zrvfuzz::require;
 
-void require(bool condition) {
-  if (!condition)
-    std::abort();
-}
+namespace {
 
 void check_date(CS_DATEREC fields) {
   CS_DATETIME value{};

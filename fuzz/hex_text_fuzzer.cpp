@@ -3,20 +3,17 @@
 // the text.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "input.h"
 #include "zrvcomn/comnlib.h"
+
+using zrvfuzz::require;
 
 namespace {
 
 constexpr CS_BYTE filler = 0xA5;
-
-void require(bool condition) {
-  if (!condition)
-    std::abort();
-}
 
 CS_DATAFMT make_format(CS_INT type, size_t maxlength, CS_INT format = 0) {
   CS_DATAFMT result{};

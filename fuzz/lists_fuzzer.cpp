@@ -8,31 +8,21 @@
 #include <string>
 #include <vector>
 
+#include "input.h"
 #include "zrvcomn/lmpriv.h"
+
+using zrvfuzz::Input;
+using zrvfuzz::require;
 
 namespace {
 
-void demand(bool condition) {
-  if (!condition)
-    std::abort();
+// A key of up to 15 bytes, in a block of its own.
+std::string take_key(Input &input) {
+  std::string text;
+  for (unsigned count = input.byte() % 16; count > 0 && !input.is_empty(); --count)
+    text += static_cast<char>(input.byte());
+  return text;
 }
-
-class Program {
-public:
-  Program(const std::uint8_t *bytes, std::size_t count) : at(bytes), end(bytes + count) {}
-  bool has_more() const { return at != end; }
-  unsigned byte() { return at != end ? *at++ : 0; }
-  // A key of up to 15 bytes, in a block of its own.
-  std::string key() {
-    std::string text;
-    for (unsigned count = byte() % 16; count > 0 && has_more(); --count)
-      text += static_cast<char>(byte());
-    return text;
-  }
-
-private:
-  const std::uint8_t *at, *end;
-};
 
 struct Heap {
   std::set<void *> live;
@@ -48,7 +38,7 @@ struct Heap {
     return *self->live.insert(std::malloc(size)).first;
   }
   static void give_back(void *user, void *block) {
-    demand(static_cast<Heap *>(user)->live.erase(block) == 1);
+    require(static_cast<Heap *>(user)->live.erase(block) == 1);
     std::free(block);
   }
 };
@@ -66,7 +56,7 @@ struct Machine {
   void resize(CS_INT property, CS_INT value) {
     heap.failed = false;
     const CS_RETCODE result = lm_list_prop(handle, LM_ACTION_SET, property, &value, 0, nullptr);
-    demand(result == CS_SUCCEED || (result == CS_MEM_ERROR && heap.failed) || result == CS_FAIL);
+    require(result == CS_SUCCEED || (result == CS_MEM_ERROR && heap.failed) || result == CS_FAIL);
     if (result == CS_SUCCEED && property == LM_HDL_MAX_TABLESIZE)
       tablesize = value;
   }
@@ -78,20 +68,20 @@ CS_VOID *data_of(size_t step) {
 
 // ---- linked list, queue, stack: entries in order, and where the cursor stands ----
 
-void run_linked(Machine &machine, Program &program) {
+void run_linked(Machine &machine, Input &input) {
   std::vector<CS_VOID *> model;
   size_t cursor = 0; // model.size() when there is none
-  for (size_t step = 0; program.has_more(); ++step) {
-    const unsigned what = program.byte();
+  for (size_t step = 0; !input.is_empty(); ++step) {
+    const unsigned what = input.byte();
     CS_VOID *out = nullptr;
     CS_VOID *place = &out;
     CS_VOID **const result_at = machine.kind == LM_STACK ? &place : &out;
     if (what % 16 == 15) {
-      machine.heap.countdown = program.byte() % 4;
+      machine.heap.countdown = input.byte() % 4;
       continue;
     }
     if (what % 16 == 14) {
-      machine.resize(LM_HDL_MAX_POOLSIZE, static_cast<CS_INT>(program.byte() % 20));
+      machine.resize(LM_HDL_MAX_POOLSIZE, static_cast<CS_INT>(input.byte() % 20));
       continue;
     }
     if (what % 2 == 0 && model.size() < 200) {
@@ -102,7 +92,7 @@ void run_linked(Machine &machine, Program &program) {
       const CS_RETCODE result =
           machine.op(LM_OP_INSERT, nullptr, position, data_of(step), result_at);
       if (result != CS_SUCCEED) {
-        demand(result == CS_MEM_ERROR && machine.heap.failed);
+        require(result == CS_MEM_ERROR && machine.heap.failed);
         continue;
       }
       size_t where = cursor;
@@ -114,14 +104,14 @@ void run_linked(Machine &machine, Program &program) {
         ++where;
       model.insert(model.begin() + static_cast<std::ptrdiff_t>(where), data_of(step));
       cursor = where;
-      demand(out == data_of(step));
+      require(out == data_of(step));
     } else if (machine.kind != LM_DLINK) {
       if (model.empty())
         continue;
-      demand(machine.op(LM_OP_DELETE, nullptr, 0, nullptr, result_at) == CS_SUCCEED);
+      require(machine.op(LM_OP_DELETE, nullptr, 0, nullptr, result_at) == CS_SUCCEED);
       model.erase(model.begin());
       cursor = 0;
-      demand(out == (model.empty() ? nullptr : model[0]));
+      require(out == (model.empty() ? nullptr : model[0]));
     } else if (!model.empty()) {
       const CS_INT operations[] = {LM_OP_DELETE, LM_OP_NEXT, LM_OP_PREV,
                                    LM_OP_FIRST,  LM_OP_LAST, LM_OP_REPLACE};
@@ -141,12 +131,12 @@ void run_linked(Machine &machine, Program &program) {
       } else {
         cursor = operation == LM_OP_FIRST ? 0 : model.size() - 1;
       }
-      demand(machine.op(operation, nullptr, 0, data_of(step), &out) ==
-             (succeeds ? CS_SUCCEED : CS_FAIL));
+      require(machine.op(operation, nullptr, 0, data_of(step), &out) ==
+              (succeeds ? CS_SUCCEED : CS_FAIL));
       if (succeeds)
-        demand(out == (cursor < model.size() ? model[cursor] : nullptr));
+        require(out == (cursor < model.size() ? model[cursor] : nullptr));
     }
-    demand(machine.handle->hdlprop->handle_load == static_cast<CS_INT>(model.size()));
+    require(machine.handle->hdlprop->handle_load == static_cast<CS_INT>(model.size()));
   }
 }
 
@@ -160,24 +150,24 @@ struct Entry {
 // The models' keys must keep their addresses: the list stores them.
 using Entries = std::vector<Entry *>;
 
-void run_hashed(Machine &machine, Program &program) {
+void run_hashed(Machine &machine, Input &input) {
   const bool chained = machine.kind == LM_CHASH;
   Entries model;
   std::vector<Entry *> made;
-  for (size_t step = 0; program.has_more(); ++step) {
-    const unsigned what = program.byte() % 8;
+  for (size_t step = 0; !input.is_empty(); ++step) {
+    const unsigned what = input.byte() % 8;
     if (what == 7) {
-      machine.heap.countdown = program.byte() % 6;
+      machine.heap.countdown = input.byte() % 6;
       continue;
     }
     if (what == 6) {
-      if (program.byte() % 2 == 0)
-        machine.resize(LM_HDL_MAX_POOLSIZE, static_cast<CS_INT>(program.byte() % 20));
+      if (input.byte() % 2 == 0)
+        machine.resize(LM_HDL_MAX_POOLSIZE, static_cast<CS_INT>(input.byte() % 20));
       else if (!chained || model.empty()) // a chained table loses entries when it is resized
-        machine.resize(LM_HDL_MAX_TABLESIZE, static_cast<CS_INT>(2 + program.byte() % 60));
+        machine.resize(LM_HDL_MAX_TABLESIZE, static_cast<CS_INT>(2 + input.byte() % 60));
       continue;
     }
-    std::string key = program.key();
+    std::string key = take_key(input);
     const auto size = static_cast<CS_INT>(key.size());
     const auto matches = [&](const Entry *entry) {
       return chained ? entry->key == key : entry->key.compare(0, key.size(), key) == 0;
@@ -192,38 +182,38 @@ void run_hashed(Machine &machine, Program &program) {
       made.push_back(entry);
       const CS_RETCODE result =
           machine.op(LM_OP_INSERT, entry->key.data(), size, entry->data, &out);
-      demand(result == (machine.heap.failed ? CS_MEM_ERROR : CS_SUCCEED));
+      require(result == (machine.heap.failed ? CS_MEM_ERROR : CS_SUCCEED));
       if (result == CS_SUCCEED)
         model.insert(model.begin(), entry);
     } else if (what == 2 || what == 3) {
-      demand(machine.op(LM_OP_SEARCH, key.data(), size, nullptr, &out) == expected);
+      require(machine.op(LM_OP_SEARCH, key.data(), size, nullptr, &out) == expected);
       // In an open table any match may come first.
       const auto hit = std::find_if(model.begin(), model.end(), [&](const Entry *entry) {
         return matches(entry) && entry->data == out;
       });
       if (expected == CS_SUCCEED) {
-        demand(hit != model.end());
-        demand(!chained || hit == found);
+        require(hit != model.end());
+        require(!chained || hit == found);
         if (what == 3) { // delete what is current, without its key
-          demand(machine.op(LM_OP_DELETE, nullptr, CS_UNUSED, nullptr, nullptr) == CS_SUCCEED);
+          require(machine.op(LM_OP_DELETE, nullptr, CS_UNUSED, nullptr, nullptr) == CS_SUCCEED);
           model.erase(hit);
         }
       }
     } else if (what == 4 && chained) {
-      demand(machine.op(LM_OP_DELETE, key.data(), size, nullptr, nullptr) == expected);
+      require(machine.op(LM_OP_DELETE, key.data(), size, nullptr, nullptr) == expected);
       if (expected == CS_SUCCEED)
         model.erase(found);
     } else if (what == 5 && chained) {
-      demand(machine.op(LM_OP_REPLACE, key.data(), size, data_of(step), &out) == expected);
+      require(machine.op(LM_OP_REPLACE, key.data(), size, data_of(step), &out) == expected);
       if (expected == CS_SUCCEED) {
-        demand(out == data_of(step));
+        require(out == data_of(step));
         (*found)->data = data_of(step);
       }
     }
-    demand(machine.handle->hdlprop->handle_load == static_cast<CS_INT>(model.size()));
+    require(machine.handle->hdlprop->handle_load == static_cast<CS_INT>(model.size()));
   }
   machine.heap.countdown = 0;
-  demand(lm_list_drop(machine.handle, LM_DROP_FORCE) == CS_SUCCEED);
+  require(lm_list_drop(machine.handle, LM_DROP_FORCE) == CS_SUCCEED);
   for (Entry *const entry : made)
     delete entry;
 }
@@ -231,24 +221,24 @@ void run_hashed(Machine &machine, Program &program) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  Program program(data, size);
+  Input input(data, size);
   Machine machine;
   const CS_INT kinds[] = {LM_DLINK, LM_CHASH, LM_DHASH, LM_QUEUE, LM_STACK};
-  machine.kind = kinds[program.byte() % 5];
-  machine.tablesize = static_cast<CS_INT>(2 + program.byte() % 60);
-  CS_INT poolsize = static_cast<CS_INT>(program.byte() % 20);
+  machine.kind = kinds[input.byte() % 5];
+  machine.tablesize = static_cast<CS_INT>(2 + input.byte() % 60);
+  CS_INT poolsize = static_cast<CS_INT>(input.byte() % 20);
   LM_CONTEXT *context = nullptr;
-  demand(lm_initlm_ex(1100, nullptr, 0, &context, Heap::take, Heap::give_back, &machine.heap) ==
-         CS_SUCCEED);
+  require(lm_initlm_ex(1100, nullptr, 0, &context, Heap::take, Heap::give_back, &machine.heap) ==
+          CS_SUCCEED);
   lm_property(context, LM_ACTION_SET, LM_CXT_MAX_TABLESIZE, &machine.tablesize, 0, nullptr);
   lm_property(context, LM_ACTION_SET, LM_CXT_MAX_POOLSIZE, &poolsize, 0, nullptr);
-  demand(lm_list_alloc(context, machine.kind, nullptr, 0, &machine.handle) == CS_SUCCEED);
+  require(lm_list_alloc(context, machine.kind, nullptr, 0, &machine.handle) == CS_SUCCEED);
   if (machine.kind == LM_CHASH || machine.kind == LM_DHASH)
-    run_hashed(machine, program);
+    run_hashed(machine, input);
   else
-    run_linked(machine, program);
+    run_linked(machine, input);
   machine.heap.countdown = 0;
-  demand(lm_exit(context, LM_EXIT_FORCE) == CS_SUCCEED);
-  demand(machine.heap.live.empty());
+  require(lm_exit(context, LM_EXIT_FORCE) == CS_SUCCEED);
+  require(machine.heap.live.empty());
   return 0;
 }

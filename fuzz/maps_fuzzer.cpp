@@ -2,47 +2,28 @@
 // is well formed, each against a slow reading of the same rules. A library value without a row is
 // fatal, so those are left out.
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
+#include "input.h"
 #include "zrvcomn/commaps.h"
+
+using zrvfuzz::Input;
+using zrvfuzz::require;
 
 namespace {
 
-void require(bool condition) {
-  if (!condition)
-    std::abort();
+// A small value, one single bit, or four bytes as they come.
+CS_INT take_value(Input &input) {
+  const std::uint8_t kind = input.byte();
+  if (kind < 128)
+    return kind;
+  if (kind < 192)
+    return static_cast<CS_INT>(1U << kind % 32);
+  std::uint32_t bits = 0;
+  for (int i = 0; i < 4; ++i)
+    bits = bits << 8 | input.byte();
+  return static_cast<CS_INT>(bits);
 }
-
-// The bytes of the input, one value after another; zeros when they are used up.
-class Input {
-public:
-  Input(const std::uint8_t *the_data, std::size_t the_size) : data(the_data), size(the_size) {}
-
-  std::uint8_t byte() {
-    if (size == 0)
-      return 0;
-    --size;
-    return *data++;
-  }
-  // A small value, one single bit, or four bytes as they come.
-  CS_INT value() {
-    const std::uint8_t kind = byte();
-    if (kind < 128)
-      return kind;
-    if (kind < 192)
-      return static_cast<CS_INT>(1U << kind % 32);
-    std::uint32_t bits = 0;
-    for (int i = 0; i < 4; ++i)
-      bits = bits << 8 | byte();
-    return static_cast<CS_INT>(bits);
-  }
-  bool is_empty() const { return size == 0; }
-
-private:
-  const std::uint8_t *data;
-  std::size_t size;
-};
 
 constexpr CS_INT bit_end = COM_TDS_BIT_END;
 
@@ -88,7 +69,7 @@ Rows rows_of(const TDS_MAPARRAY &entry) {
 
 void map_with_the_tables(Input &input) {
   const CS_INT index = input.byte() % 24 - 1;
-  const CS_INT value = input.value();
+  const CS_INT value = take_value(input);
   CS_INT destination = 77, unmapped = 77;
   if (index < 0 || index >= COM_TDS_MAP_COUNT) {
     for (const CS_INT direction : {COM_TDS_CSTOTDS, COM_TDS_TDSTOCS})
@@ -112,10 +93,10 @@ void map_with_the_tables(Input &input) {
 void map_with_a_table(Input &input) {
   const bool is_unique = input.byte() % 2 != 0;
   const CS_INT end = is_unique ? COM_TDS_UNIQ_END : bit_end;
-  const CS_INT value = input.value();
+  const CS_INT value = take_value(input);
   Rows rows;
   for (int left = input.byte() % 32; left > 0; --left) {
-    const TDS_TOKENMAP row = {input.value(), input.value()};
+    const TDS_TOKENMAP row = {take_value(input), take_value(input)};
     bool ends = false;
     for (const CS_INT field : {row.cs_tokenval, row.tds_tokenval})
       ends = ends || field == COM_TDS_UNIQ_END || field == bit_end;

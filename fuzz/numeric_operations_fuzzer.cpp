@@ -3,31 +3,18 @@
 // so far, or a new one from the bytes that follow), a place for the result.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
+#include "input.h"
 #include "numeric_reference.h"
 #include "zrvcomn/comnlib.h"
 
+using zrvfuzz::Input;
+using zrvfuzz::require;
 using zrvtest::Decimal;
 using zrvtest::Outcome;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition)
-    std::abort();
-}
-
-class Input {
-public:
-  Input(const uint8_t *bytes, size_t size) : next(bytes), end(bytes + size) {}
-  bool is_empty() const { return next == end; }
-  uint8_t take() { return next < end ? *next++ : uint8_t{0}; }
-
-private:
-  const uint8_t *next, *end;
-};
 
 constexpr size_t place_count = 8;
 
@@ -35,11 +22,11 @@ constexpr size_t place_count = 8;
 CS_NUMERIC make_value(Input &input) {
   CS_NUMERIC value;
   std::memset(&value, 0xA5, sizeof value);
-  value.precision = static_cast<CS_BYTE>(input.take() % CS_MAX_PREC + 1);
-  value.scale = static_cast<CS_BYTE>(input.take() % (CS_MAX_SCALE + 1));
-  value.array[0] = input.take() & 1;
+  value.precision = static_cast<CS_BYTE>(input.byte() % CS_MAX_PREC + 1);
+  value.scale = static_cast<CS_BYTE>(input.byte() % (CS_MAX_SCALE + 1));
+  value.array[0] = input.byte() & 1;
   for (int i = 1; i < Com__Nume_Prec_To_Len[value.precision]; ++i)
-    value.array[i] = input.take();
+    value.array[i] = input.byte();
   return value;
 }
 
@@ -67,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     place.precision = 1;
   }
   while (!input.is_empty()) {
-    const uint8_t operation = input.take(), operands = input.take();
+    const uint8_t operation = input.byte(), operands = input.byte();
     CS_NUMERIC a = operands % 3 == 0 ? make_value(input) : places[operands / 3 % place_count];
     CS_NUMERIC b = operands % 5 == 0 ? make_value(input) : places[operands / 15 % place_count];
     const Decimal x = Decimal::of(a), y = Decimal::of(b);

@@ -3,20 +3,13 @@
 // next two are precision and scale, the fourth is the length of the destination; the rest is text.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "input.h"
 #include "numeric_reference.h"
 
-namespace {
-
-void require(bool condition) {
-  if (!condition)
-    std::abort();
-}
-
-} // namespace
+using zrvfuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   constexpr size_t head = 4;

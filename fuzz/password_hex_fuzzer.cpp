@@ -3,21 +3,18 @@
 // text.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "input.h"
 #include "long_hand_cipher.h"
 #include "zrvcomn/netenc.h"
+
+using zrvfuzz::require;
 
 namespace {
 
 using zrvtest::LongHandCipher;
-
-void require(bool condition) {
-  if (!condition)
-    std::abort();
-}
 
 // The block that a text spells, or nothing.
 LongHandCipher::Bytes read_block(const std::string &text) {

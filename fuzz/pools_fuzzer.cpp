@@ -8,28 +8,13 @@
 #include <set>
 #include <vector>
 
+#include "input.h"
 #include "zrvcomn/mmpriv.h"
 
+using zrvfuzz::Input;
+using zrvfuzz::require;
+
 namespace {
-
-void demand(bool condition) {
-  if (!condition)
-    std::abort();
-}
-
-class Program {
-public:
-  Program(const std::uint8_t *bytes, std::size_t count) : at(bytes), end(bytes + count) {}
-  bool has_more() const { return at != end; }
-  unsigned byte() { return at != end ? *at++ : 0; }
-  unsigned word() {
-    const unsigned high = byte();
-    return high << 8 | byte();
-  }
-
-private:
-  const std::uint8_t *at, *end;
-};
 
 struct Source {
   std::set<void *> regions;
@@ -42,7 +27,7 @@ struct Source {
     return *self->regions.insert(std::malloc(size)).first;
   }
   static void give_back(MM_HANDLE *, CS_VOID *param, CS_VOID *region) {
-    demand(static_cast<Source *>(param)->regions.erase(region) == 1);
+    require(static_cast<Source *>(param)->regions.erase(region) == 1);
     std::free(region);
   }
 };
@@ -72,7 +57,7 @@ struct Block {
 };
 
 void set(MM_HANDLE *pool, CS_INT property, CS_VOID *value) {
-  demand(comn_mmproperty(pool, MM_ACTION_SET, property, value, 0, nullptr) == CS_SUCCEED);
+  require(comn_mmproperty(pool, MM_ACTION_SET, property, value, 0, nullptr) == CS_SUCCEED);
 }
 
 // Bytes of a buddy allocation that are the caller's: a reallocation in place may promise one word
@@ -89,27 +74,27 @@ CS_UINT payload_of(const void *block) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  Program program(data, size);
+  Input input(data, size);
   Source source;
   alignas(void *) unsigned char storage[sizeof(MmPoolHead) + sizeof(MM_HANDLE)];
   auto *pool = reinterpret_cast<MM_HANDLE *>(storage);
-  demand(comn_mmmanage(nullptr, 0, &pool) == CS_SUCCEED);
+  require(comn_mmmanage(nullptr, 0, &pool) == CS_SUCCEED);
   set(pool, MM_PROP_SBREAK, reinterpret_cast<CS_VOID *>(&Source::take));
   set(pool, MM_PROP_UNSBREAK, reinterpret_cast<CS_VOID *>(&Source::give_back));
   set(pool, MM_PROP_PARAM, &source);
   const CS_INT types[] = {MM_POOL_BUDDY, MM_POOL_UNIFORM, MM_POOL_ALLOCONLY};
-  CS_INT type = types[program.byte() % 3];
-  CS_INT blocksize = static_cast<CS_INT>(1 + program.word() * (1 + program.byte()));
-  CS_INT chunksize = static_cast<CS_INT>(1 + program.word());
+  CS_INT type = types[input.byte() % 3];
+  CS_INT blocksize = static_cast<CS_INT>(1 + input.word() * (1 + input.byte()));
+  CS_INT chunksize = static_cast<CS_INT>(1 + input.word());
   set(pool, MM_PROP_POOLTYPE, &type);
   set(pool, MM_PROP_BLOCKSIZE, &blocksize);
   set(pool, MM_PROP_CHUNKSIZE, &chunksize);
 
   std::vector<MM_HANDLE *> pools{pool};
   std::vector<Block> live;
-  while (program.has_more()) {
-    const unsigned operation = program.byte() % 8;
-    const unsigned argument = program.word();
+  while (!input.is_empty()) {
+    const unsigned operation = input.byte() % 8;
+    const unsigned argument = input.word();
     MM_HANDLE *const handle = pools[argument % pools.size()];
     switch (operation) {
     case 0: // another sub-pool
@@ -124,10 +109,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
       if (handle == pool)
         break;
       std::erase_if(live, [&](const Block &block) {
-        demand(block.is_filled(block.size));
+        require(block.is_filled(block.size));
         return expected == CS_SUCCEED && block.pool == handle;
       });
-      demand(comn_mmdrop(handle, MM_DROP_NORMAL) == expected);
+      require(comn_mmdrop(handle, MM_DROP_NORMAL) == expected);
       if (expected == CS_SUCCEED)
         std::erase(pools, handle);
       break;
@@ -139,29 +124,29 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     case 4: // resize
       if (!live.empty()) {
         Block &block = live[argument % live.size()];
-        demand(block.is_filled(block.size));
+        require(block.is_filled(block.size));
         if (operation == 3) {
           // An empty allocation of an alloc-only pool may lie at the end of its region.
           if (type == MM_POOL_ALLOCONLY && block.size == 0)
             break;
-          demand(comn_mmfree(block.pool, block.at) ==
-                 (type == MM_POOL_ALLOCONLY ? CS_FAIL : CS_SUCCEED));
+          require(comn_mmfree(block.pool, block.at) ==
+                  (type == MM_POOL_ALLOCONLY ? CS_FAIL : CS_SUCCEED));
           if (type != MM_POOL_ALLOCONLY) {
             block = live.back();
             live.pop_back();
           }
           break;
         }
-        const CS_UINT wanted = program.word();
+        const CS_UINT wanted = input.word();
         CS_VOID *moved = block.at;
         const CS_RETCODE result = comn_mmrealloc(block.pool, wanted, &moved);
         if (result != CS_SUCCEED) {
-          demand(moved == block.at && block.is_filled(block.size));
+          require(moved == block.at && block.is_filled(block.size));
           break;
         }
-        demand(type == MM_POOL_BUDDY);
+        require(type == MM_POOL_BUDDY);
         block.at = static_cast<unsigned char *>(moved);
-        demand(block.is_filled(std::min(block.size, wanted)));
+        require(block.is_filled(std::min(block.size, wanted)));
         block.size = std::min(wanted, payload_of(moved));
         block.fill();
       }
@@ -172,20 +157,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
       const CS_UINT wanted = operation == 5 ? argument % 64 : argument;
       const CS_RETCODE result = comn_mmalloc(handle, wanted, &block);
       if (result != CS_SUCCEED) {
-        demand(block == nullptr);
+        require(block == nullptr);
         break;
       }
-      demand(std::memcmp(block, patterns.zeroes, wanted) == 0);
+      require(std::memcmp(block, patterns.zeroes, wanted) == 0);
       live.push_back({handle, static_cast<unsigned char *>(block), wanted,
-                      static_cast<unsigned char>(program.byte())});
+                      static_cast<unsigned char>(input.byte())});
       live.back().fill();
       break;
     }
     }
   }
   for (const Block &block : live)
-    demand(block.is_filled(block.size));
-  demand(comn_mmdrop(pools.back(), MM_DROP_FORCE) == CS_SUCCEED);
-  demand(source.regions.empty());
+    require(block.is_filled(block.size));
+  require(comn_mmdrop(pools.back(), MM_DROP_FORCE) == CS_SUCCEED);
+  require(source.regions.empty());
   return 0;
 }

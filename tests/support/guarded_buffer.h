@@ -2,6 +2,7 @@
 #ifndef ZRVTEST_GUARDED_BUFFER_H
 #define ZRVTEST_GUARDED_BUFFER_H
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -17,10 +18,11 @@ public:
   // `size` bytes, filled with `filler`, at an address that is `misalignment` off a 64-byte
   // boundary.
   explicit GuardedBuffer(size_t size, size_t misalignment = 0)
-      : bytes(guard + 64 + misalignment + size + guard, canary), length(size) {
+      : bytes(guard + 64 + misalignment + size + guard, filler), length(size) {
     const auto base = reinterpret_cast<uintptr_t>(bytes.data());
     start = static_cast<size_t>((base + guard + 63) / 64 * 64 - base) + misalignment;
-    std::memset(data(), filler, size);
+    std::fill(bytes.data(), data(), canary);
+    std::fill(data() + size, bytes.data() + bytes.size(), canary);
   }
 
   ~GuardedBuffer() { EXPECT_TRUE(is_intact()) << "a byte outside the buffer was written"; }

@@ -9,6 +9,7 @@
 #include "guarded_buffer.h"
 
 using zrvtest::Conversion;
+using zrvtest::expect_null_checks;
 using zrvtest::GuardedBuffer;
 using zrvtest::make_format;
 using namespace std::string_literals;
@@ -139,23 +140,8 @@ TEST(FixedCopies, InPlace) {
 
 TEST(FixedCopies, NullPointers) {
   for (const FixedCopy function : {comn_fixedtobin, comn_fixedtovarbin}) {
-    CS_CONTEXT context{};
-    CS_DATAFMT srcfmt = make_format(8, 4), destfmt = make_format(1, 4);
-    char src[4] = {};
-    GuardedBuffer dest(sizeof(CS_VARBINARY));
-    CS_INT destlen = Conversion::untouched_length;
-    const auto check = [&](CS_CONTEXT *c, CS_DATAFMT *sf, void *s, CS_DATAFMT *df, void *d,
-                           CS_INT *l) {
-      EXPECT_NULL_POINTER_CHECK("com_bin.cpp", CS_FAIL, function(c, sf, s, df, d, l, 4));
-    };
-    check(nullptr, &srcfmt, src, &destfmt, dest.data(), &destlen);
-    check(&context, nullptr, src, &destfmt, dest.data(), &destlen);
-    check(&context, &srcfmt, nullptr, &destfmt, dest.data(), &destlen);
-    check(&context, &srcfmt, src, nullptr, dest.data(), &destlen);
-    check(&context, &srcfmt, src, &destfmt, nullptr, &destlen);
-    check(&context, &srcfmt, src, &destfmt, dest.data(), nullptr);
-    EXPECT_TRUE(dest.is_untouched());
-    EXPECT_EQ(destlen, Conversion::untouched_length);
+    const auto copy = [function](auto... arguments) { return function(arguments..., 4); };
+    expect_null_checks("com_bin.cpp", copy, make_format(8, 4), make_format(1, 4));
   }
 }
 
@@ -458,21 +444,5 @@ TEST(CharToBin, DatatypesOfBothSides) {
 }
 
 TEST(CharToBin, NullPointers) {
-  CS_CONTEXT context{};
-  CS_DATAFMT srcfmt = make_format(0, 2), destfmt = make_format(1, 4);
-  char src[] = "12";
-  GuardedBuffer dest(4);
-  CS_INT destlen = Conversion::untouched_length;
-  const auto check = [&](CS_CONTEXT *c, CS_DATAFMT *sf, void *s, CS_DATAFMT *df, void *d,
-                         CS_INT *l) {
-    EXPECT_NULL_POINTER_CHECK("com_bin.cpp", CS_FAIL, comn_chartobin(c, sf, s, df, d, l));
-  };
-  check(nullptr, &srcfmt, src, &destfmt, dest.data(), &destlen);
-  check(&context, nullptr, src, &destfmt, dest.data(), &destlen);
-  check(&context, &srcfmt, nullptr, &destfmt, dest.data(), &destlen);
-  check(&context, &srcfmt, src, nullptr, dest.data(), &destlen);
-  check(&context, &srcfmt, src, &destfmt, nullptr, &destlen);
-  check(&context, &srcfmt, src, &destfmt, dest.data(), nullptr);
-  EXPECT_TRUE(dest.is_untouched());
-  EXPECT_EQ(destlen, Conversion::untouched_length);
+  expect_null_checks("com_bin.cpp", comn_chartobin, make_format(0, 2), make_format(1, 4));
 }

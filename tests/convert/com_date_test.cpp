@@ -17,6 +17,7 @@
 
 #include "allocation_probe.h"
 #include "check_trap.h"
+#include "conversion.h"
 #include "guarded_buffer.h"
 #include "test_context.h"
 #include "zrvcomn/datetime.h"
@@ -263,15 +264,7 @@ void expect_checks(const Member &member) {
   CS_INT length = -5;
   CS_DATAFMT from = make_format(member.source, member.source_size);
   CS_DATAFMT to = make_format(member.dest, 258);
-  const auto call = [&](CS_CONTEXT *c, CS_DATAFMT *f, void *s, CS_DATAFMT *t, void *d, CS_INT *l) {
-    EXPECT_NULL_POINTER_CHECK(member.unit, CS_FAIL, member.function(c, f, s, t, d, l));
-  };
-  call(nullptr, &from, source, &to, dest, &length);
-  call(context.get(), nullptr, source, &to, dest, &length);
-  call(context.get(), &from, nullptr, &to, dest, &length);
-  call(context.get(), &from, source, nullptr, dest, &length);
-  call(context.get(), &from, source, &to, nullptr, &length);
-  call(context.get(), &from, source, &to, dest, nullptr);
+  expect_null_checks(member.unit, member.function, from, to);
   const auto wrong = [&](CS_DATAFMT &format, CS_INT type) {
     const CS_INT right = format.datatype;
     format.datatype = type;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "check_trap.h"
+#include "conversion.h"
 #include "guarded_buffer.h"
 #include "numeric_reference.h"
 #include "test_context.h"
@@ -112,18 +113,7 @@ TEST(NumConversions, ChecksOfEveryMember) {
     CS_DATAFMT from = make_format(CS_TYPE_NUMERIC, 35), to = make_format(member.type, 258);
     to.precision = 5;
     CS_CONV_FUNC f = member.function;
-    EXPECT_NULL_POINTER_CHECK("com_num.cpp", CS_FAIL,
-                              f(nullptr, &from, &value, &to, dest, &length));
-    EXPECT_NULL_POINTER_CHECK("com_num.cpp", CS_FAIL,
-                              f(&context, nullptr, &value, &to, dest, &length));
-    EXPECT_NULL_POINTER_CHECK("com_num.cpp", CS_FAIL,
-                              f(&context, &from, nullptr, &to, dest, &length));
-    EXPECT_NULL_POINTER_CHECK("com_num.cpp", CS_FAIL,
-                              f(&context, &from, &value, nullptr, dest, &length));
-    EXPECT_NULL_POINTER_CHECK("com_num.cpp", CS_FAIL,
-                              f(&context, &from, &value, &to, nullptr, &length));
-    EXPECT_NULL_POINTER_CHECK("com_num.cpp", CS_FAIL,
-                              f(&context, &from, &value, &to, dest, nullptr));
+    zrvtest::expect_null_checks("com_num.cpp", f, from, to);
     from.datatype = CS_TYPE_INT;
     EXPECT_ASSERTION("com_num.cpp", CS_FAIL, f(&context, &from, &value, &to, dest, &length));
     from.datatype = CS_TYPE_DECIMAL;

@@ -48,21 +48,10 @@ TEST(IntegerChecks, TheTableHasEveryMember) {
 
 TEST(IntegerChecks, EachNullPointer) {
   for (const IntegerMember &member : integer_members) {
+    SCOPED_TRACE(testing::Message() << member);
     Conversion convert = make_conversion(member, 8);
-    const uint64_t value = 1;
-    GuardedBuffer dest(sizeof(CS_VARCHAR));
-    for (int missing = 0; missing < 6; ++missing) {
-      SCOPED_TRACE(testing::Message() << member << " without pointer " << missing);
-      EXPECT_NULL_POINTER_CHECK(
-          unit_of_checks(member), CS_FAIL,
-          member.function(
-              missing == 0 ? nullptr : &convert.context, missing == 1 ? nullptr : &convert.srcfmt,
-              missing == 2 ? nullptr : const_cast<uint64_t *>(&value),
-              missing == 3 ? nullptr : &convert.destfmt, missing == 4 ? nullptr : dest.data(),
-              missing == 5 ? nullptr : &convert.destlen));
-      EXPECT_EQ(convert.destlen, Conversion::untouched_length);
-      EXPECT_TRUE(dest.is_untouched());
-    }
+    zrvtest::expect_null_checks(unit_of_checks(member), member.function, convert.srcfmt,
+                                convert.destfmt);
     // Pointers come before datatypes, and one report is all.
     convert.srcfmt.datatype = convert.destfmt.datatype = -1;
     EXPECT_NULL_POINTER_CHECK(unit_of_checks(member), CS_FAIL,

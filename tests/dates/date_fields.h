@@ -8,6 +8,7 @@
 
 namespace zrvtest {
 
+constexpr CS_INT ticks_per_day = 25920000;
 constexpr CS_UBIGINT micros_per_day = 86400000000;
 constexpr CS_UBIGINT year_one = 31622400000000;
 
@@ -42,6 +43,14 @@ inline CS_BIGDATETIME make_big(CS_INT year, CS_INT month, CS_INT day, CS_INT hou
   CS_BIGDATETIME value{};
   EXPECT_EQ(com_bigdatetimemake(&value, &fields), 0);
   return value;
+}
+
+// The same numbers in every run; `state` starts at anything but 0.
+inline uint32_t next_random(uint32_t &state) {
+  state ^= state << 13;
+  state ^= state >> 17;
+  state ^= state << 5;
+  return state;
 }
 
 } // namespace zrvtest

@@ -40,15 +40,6 @@ CS_DATETIME day(CS_INT year, CS_INT month, CS_INT day_of_month) {
   return make_datetime(year, month, day_of_month, 13, 30, 15, 10);
 }
 
-uint32_t next_random(uint32_t &state) {
-  state ^= state << 13;
-  state ^= state >> 17;
-  state ^= state << 5;
-  return state;
-}
-
-constexpr CS_INT ticks_per_day = 25920000;
-
 } // namespace
 
 TEST(MonthCheck, LimitsTheDay) {

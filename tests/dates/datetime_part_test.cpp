@@ -47,15 +47,6 @@ CS_INT big_part_of(int part, CS_BIGDATETIME value, CS_INT firstday = 7) {
   return com__bigdatepart(part, &value, firstday);
 }
 
-uint32_t next_random(uint32_t &state) {
-  state ^= state << 13;
-  state ^= state >> 17;
-  state ^= state << 5;
-  return state;
-}
-
-constexpr int64_t ticks_per_day = 25920000;
-
 } // namespace
 
 TEST(DateDiff, CalendarBoundaries) {

@@ -1,7 +1,6 @@
 // Long random runs over the heap and each strategy against a model: contents, addresses, guards,
 // and the soundness of the heap. The seed is printed with every failure; ZRVTEST_SEED repeats a
 // run.
-#include <cstdlib>
 #include <map>
 #include <random>
 #include <string>
@@ -18,11 +17,6 @@ namespace {
 
 class RandomPools : public testing::Test {
 protected:
-  RandomPools() {
-    const char *const given = std::getenv("ZRVTEST_SEED");
-    seed = given != nullptr ? std::strtoull(given, nullptr, 0) : std::random_device{}();
-    random.seed(seed);
-  }
   CS_UINT upto(CS_UINT most) { return static_cast<CS_UINT>(random() % (most + 1)); }
   bool chance(CS_UINT one_in) { return random() % one_in == 0; }
 
@@ -33,8 +27,8 @@ protected:
   }
 
   const size_t steps = random_steps();
-  unsigned long long seed;
-  std::mt19937_64 random;
+  const unsigned long long seed = random_seed();
+  std::mt19937_64 random{seed};
 };
 
 // A live allocation and the pattern that fills it.

@@ -41,9 +41,6 @@ struct Heap {
 class RandomLists : public testing::Test {
 protected:
   RandomLists() {
-    const char *const given = std::getenv("ZRVTEST_SEED");
-    seed = given != nullptr ? std::strtoull(given, nullptr, 0) : std::random_device{}();
-    random.seed(seed);
     EXPECT_EQ(lm_initlm_ex(1100, nullptr, 0, &context, Heap::take, Heap::give_back, &heap),
               CS_SUCCEED);
   }
@@ -83,8 +80,8 @@ protected:
   static CS_VOID *value(size_t n) { return reinterpret_cast<CS_VOID *>(n + 1); }
 
   const size_t steps = zrvtest::random_steps();
-  unsigned long long seed;
-  std::mt19937_64 random;
+  const unsigned long long seed = zrvtest::random_seed();
+  std::mt19937_64 random{seed};
   Heap heap;
   LM_CONTEXT *context = nullptr;
 };

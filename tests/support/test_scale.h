@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <random>
 
 namespace zrvtest {
 
@@ -19,6 +20,12 @@ constexpr bool optimized = true;
 #else
 constexpr bool optimized = false;
 #endif
+
+// Where a random run starts: anywhere, or at ZRVTEST_SEED, which repeats a run.
+inline unsigned long long random_seed() {
+  const char *const given = std::getenv("ZRVTEST_SEED");
+  return given != nullptr ? std::strtoull(given, nullptr, 0) : std::random_device{}();
+}
 
 // Steps of a long random run. ZRVTEST_STEPS overrides them, which is how a run under valgrind stays
 // short.

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "zrvcomn/datetime.h"
 
 using zrvfuzz::require;

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "zrvcomn/datetime.h"
 
 using zrvfuzz::require;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "zrvcomn/comnlib.h"
 
 using zrvfuzz::require;

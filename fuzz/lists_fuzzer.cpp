@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "zrvcomn/lmpriv.h"
 
 using zrvfuzz::Input;

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "zrvcomn/commaps.h"
 
 using zrvfuzz::Input;

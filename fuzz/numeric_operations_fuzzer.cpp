@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "numeric_reference.h"
 #include "zrvcomn/comnlib.h"
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "numeric_reference.h"
 
 using zrvfuzz::require;

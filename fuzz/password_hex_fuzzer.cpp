@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "long_hand_cipher.h"
 #include "zrvcomn/netenc.h"
 

@@ -8,7 +8,7 @@
 #include <set>
 #include <vector>
 
-#include "input.h"
+#include "fuzz_input.h"
 #include "zrvcomn/mmpriv.h"
 
 using zrvfuzz::Input;

@@ -1,6 +1,6 @@
 // What the fuzzers share: a demand on the result, and the input as one value after another.
-#ifndef ZRVFUZZ_INPUT_H
-#define ZRVFUZZ_INPUT_H
+#ifndef ZRVFUZZ_FUZZ_INPUT_H
+#define ZRVFUZZ_FUZZ_INPUT_H
 
 #include <cstddef>
 #include <cstdint>

@@ -54,7 +54,7 @@ function(zrv_add_python_test name script label)
         LABELS ${label}
         TIMEOUT 300
         ENVIRONMENT
-        "ZRV_BUILD=${python_config};PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/support;PYTHONDONTWRITEBYTECODE=1"
+        "ZRV_BUILD=${python_config};PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/support;PYTHONDONTWRITEBYTECODE=1;PYTHONUTF8=1"
     )
   endforeach()
 endfunction()

@@ -38,10 +38,8 @@ intptr_t word(const char *text) {
 class DebugFile : public testing::Test {
 protected:
   DebugFile() {
-    char pattern[] = "/tmp/zrvtest_debug_XXXXXX";
-    const char *made = mkdtemp(pattern);
-    EXPECT_NE(made, nullptr);
-    directory = made;
+    directory = testing::TempDir() + "zrvtest_debug_XXXXXX";
+    EXPECT_NE(mkdtemp(directory.data()), nullptr);
     path = directory + "/debug.log";
   }
   ~DebugFile() override {

@@ -262,8 +262,8 @@ TEST_F(Home, UserWithoutAHomeIsNone) {
 TEST_F(Home, NoneIsFound) {
   namespace fs = std::filesystem;
   unsetenv("ZARVEK");
-  char pattern[] = "/tmp/zrvtest_home_XXXXXX";
-  ASSERT_NE(mkdtemp(pattern), nullptr);
+  std::string pattern = testing::TempDir() + "zrvtest_home_XXXXXX";
+  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
   const fs::path directory = fs::path(pattern) / "lib";
   fs::create_directory(directory);
   fs::copy_file(ZRVTEST_LIBRARY, directory / "libcopy.so");

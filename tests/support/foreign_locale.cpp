@@ -7,17 +7,18 @@
 
 namespace zrvtest {
 
-ForeignLocale::ForeignLocale() {
+ForeignLocale::ForeignLocale(const std::string &charset) {
+  const std::string name = "de_DE." + charset;
   std::string path = (std::filesystem::temp_directory_path() / "zrvlocaleXXXXXX").string();
   if (mkdtemp(path.data()) == nullptr)
     return;
   directory = path;
-  const std::string compile =
-      "localedef --no-archive -i de_DE -f UTF-8 '" + directory + "/de_DE.UTF-8' >/dev/null 2>&1";
+  const std::string compile = "localedef --no-archive -i de_DE -f " + charset + " '" + directory +
+                              "/" + name + "' >/dev/null 2>&1";
   if (std::system(compile.c_str()) != 0)
     return;
   setenv("LOCPATH", directory.c_str(), 1);
-  set = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr &&
+  set = std::setlocale(LC_ALL, name.c_str()) != nullptr &&
         std::strcmp(std::localeconv()->decimal_point, ",") == 0 &&
         std::strcmp(std::localeconv()->thousands_sep, ".") == 0;
 }

@@ -1,5 +1,5 @@
-// The host's C locale set to one with a decimal comma and grouped digits, to show that results do
-// not depend on it.
+// The host's C locale set to one with a decimal comma, grouped digits and accented letters, to show
+// that results do not depend on it.
 #ifndef ZRVTEST_FOREIGN_LOCALE_H
 #define ZRVTEST_FOREIGN_LOCALE_H
 
@@ -11,7 +11,8 @@ namespace zrvtest {
 // for as long as the object lives.
 class ForeignLocale {
 public:
-  ForeignLocale();
+  // With ISO-8859-1, accented letters are single bytes.
+  explicit ForeignLocale(const std::string &charset = "UTF-8");
   ~ForeignLocale();
   ForeignLocale(const ForeignLocale &) = delete;
   ForeignLocale &operator=(const ForeignLocale &) = delete;

@@ -287,7 +287,7 @@ void register_comparisons() {
 
   compare_lookup();
 
-  for (const size_t digits : {32, 100, 330, 1000, 4000})
+  for (const size_t digits : {32U, 100U, 330U, 1000U, 4000U})
     compare_hexadecimal(digits);
 
   compare_copies<CS_INT>(CS_TYPE_INT, "i4", peer_copy_4);

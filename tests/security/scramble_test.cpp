@@ -100,7 +100,7 @@ TEST_F(ScrambleTest, EveryLength) {
 TEST_F(ScrambleTest, EveryAlignment) {
   Random random(random_seed + 1);
   for (size_t misalignment = 0; misalignment < 64; ++misalignment)
-    for (const size_t size : {1, 3, 4, 5, 31, 64, 65}) {
+    for (const size_t size : {1U, 3U, 4U, 5U, 31U, 64U, 65U}) {
       const Bytes text = random_text(random, size);
       const Bytes expected = scramble_by_hand(text, 0x123456);
       ASSERT_EQ(scramble(text, 0x123456, misalignment), expected);

@@ -227,7 +227,7 @@ void clear_short(void *block, CS_UINT size) noexcept {
   const CS_UINT left = chunk->free->size;
   const CS_UINT end = used(chunk) + (left < most ? left : most);
   chunk->status = static_cast<CS_INT>(end);
-  std::memset(block, 0, static_cast<size_t>(at<char>(chunk, end) - bytes(block)));
+  std::memset(block, 0, static_cast<size_t>(bytes(chunk) + end - bytes(block)));
   return CS_SUCCEED;
 }
 

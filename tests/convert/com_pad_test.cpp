@@ -197,19 +197,21 @@ TEST(Pads, EveryCombinationOfBitsAndSmallLengths) {
           }
 }
 
-TEST(Pads, LongFills) {
+TEST(Pads, LongFillsAtEveryAlignment) {
   for (const Pad &pad : pads)
     for (const CS_INT bits : {N, P, B, B | N})
-      for (const CS_INT maxlength : {63, 64, 65, 255, 256, 257, 1000}) {
-        CS_DATAFMT format = make_format(0, maxlength, bits);
-        GuardedBuffer buffer(static_cast<size_t>(maxlength), 1);
-        Padded expected{buffer.contents(), 2};
-        CS_INT length = 2;
-        EXPECT_EQ(pad.function(2, &format, buffer.data(), &length),
-                  pad.reference(2, bits, maxlength, expected));
-        EXPECT_EQ(length, expected.length) << pad.name << " bits " << bits;
-        EXPECT_EQ(buffer.contents(), expected.bytes) << pad.name << " bits " << bits;
-      }
+      for (const CS_INT maxlength : {63, 64, 65, 66, 67, 255, 256, 257, 1000, 5001})
+        for (CS_INT misalignment = 0; misalignment < 64; ++misalignment) {
+          CS_DATAFMT format = make_format(0, maxlength, bits);
+          GuardedBuffer buffer(static_cast<size_t>(maxlength), static_cast<size_t>(misalignment));
+          Padded expected{buffer.contents(), 2};
+          CS_INT length = 2;
+          ASSERT_EQ(pad.function(2, &format, buffer.data(), &length),
+                    pad.reference(2, bits, maxlength, expected));
+          ASSERT_EQ(length, expected.length) << pad.name << " bits " << bits;
+          ASSERT_EQ(buffer.contents(), expected.bytes)
+              << pad.name << " bits " << bits << " misalignment " << misalignment;
+        }
 }
 
 TEST(Pads, NullPointersAreFatal) {

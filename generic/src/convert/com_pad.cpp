@@ -2,8 +2,10 @@
 #include "pad.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
+#include <cwchar>
 
 #include "any_address.h"
 #include "checks.h"
@@ -11,7 +13,7 @@
 namespace {
 
 // The two widths of text. The units of a pad start where the data ends, so 16-bit text never pads
-// an odd byte that is left at the end of the capacity.
+// an odd byte that is left at the end of the capacity. A fill has at least one unit.
 struct NarrowText {
   using Unit = CS_CHAR;
   static void fill(CS_BYTE *first, CS_INT units, Unit unit) noexcept {
@@ -21,64 +23,60 @@ struct NarrowText {
 
 struct WideText {
   using Unit = CS_UNICHAR;
+  // The C library fills pairs of units as fast as it fills bytes, at addresses that suit a wchar_t:
+  // so both ends are stored by themselves, and the pairs between them are turned to where they
+  // start.
   static void fill(CS_BYTE *first, CS_INT units, Unit unit) noexcept {
-    using Block __attribute__((vector_size(16))) = Unit;
-    const CS_INT bytes = units * CS_INT{sizeof unit};
-    const uint64_t four = unit * uint64_t{0x0001000100010001};
-    if (bytes >= CS_INT{sizeof(Block)})
-      fill_blocks(first, bytes, Block{} + unit);
-    else if (bytes >= CS_INT{sizeof four})
-      fill_blocks(first, bytes, four);
-    else if (bytes >= CS_INT{sizeof(uint32_t)})
-      fill_blocks(first, bytes, static_cast<uint32_t>(four));
-    else if (bytes > 0)
-      comn::store(first, unit);
-  }
-
-private:
-  // Whole blocks, the last of which may overlap the one before.
-  template <class Block>
-  static void fill_blocks(CS_BYTE *first, CS_INT bytes, Block block) noexcept {
-    const CS_INT last = bytes - CS_INT{sizeof block};
-    for (CS_INT i = 0; i < last; i += CS_INT{sizeof block})
-      comn::store(first + i, block);
-    comn::store(first + last, block);
+    static_assert(sizeof(wchar_t) == 2 * sizeof unit);
+    if (units == 1)
+      return comn::store(first, unit);
+    const CS_UINT pair = unit * CS_UINT{0x10001};
+    CS_BYTE *const last = first + (units - 2) * CS_INT{sizeof unit};
+    comn::store(first, pair);
+    comn::store(last, pair);
+    const auto offset = static_cast<CS_INT>(-reinterpret_cast<uintptr_t>(first) % sizeof pair);
+    CS_BYTE *const aligned = first + offset;
+    std::wmemset(reinterpret_cast<wchar_t *>(aligned),
+                 static_cast<wchar_t>(std::rotr(pair, 8 * offset)),
+                 static_cast<size_t>(last + sizeof pair - aligned) / sizeof pair);
   }
 };
 
 template <class Text>
 CS_RETCODE pad(CS_INT srclen, CS_INT format, CS_INT capacity, CS_VOID *dest,
                CS_INT *destlen) noexcept {
+  using Unit = typename Text::Unit;
+  constexpr CS_INT width = sizeof(Unit);
+  const auto asks_for = [format](CS_INT bit) { return (format & bit) != 0; };
+  auto *const bytes = static_cast<CS_BYTE *>(dest);
   srclen = std::max<CS_INT>(srclen, 0);
-  constexpr CS_INT width = sizeof(typename Text::Unit);
-  auto *bytes = static_cast<CS_BYTE *>(dest);
-  const bool terminate = (format & CS_DFMT_NULLTERM) != 0;
-  const bool nulls = (format & CS_DFMT_PADNULL) != 0;
-  const bool blanks = (format & CS_DFMT_PADBLANK) != 0;
 
-  if (capacity < srclen || (terminate && capacity - srclen < width)) {
+  if (capacity < srclen || (asks_for(CS_DFMT_NULLTERM) && capacity - srclen < width)) [[unlikely]] {
     const CS_INT whole = capacity - capacity % width;
-    if (terminate && whole > 0)
-      Text::fill(bytes + whole - width, 1, 0);
+    if (asks_for(CS_DFMT_NULLTERM) && whole > 0)
+      comn::store(bytes + whole - width, Unit{});
     return CS_CONV_OVERFLOW;
   }
-  if (nulls && blanks)
+  if (asks_for(CS_DFMT_PADNULL) && asks_for(CS_DFMT_PADBLANK)) [[unlikely]]
     return CS_CONV_PADCONFLICT;
 
   const CS_INT used = std::max<CS_INT>(*destlen, 0);
-  const CS_INT units = capacity > used ? (capacity - used) / width : 0;
-  if (units == 0)
+  if (capacity - used < width)
     return CS_SUCCEED;
   CS_BYTE *const end = bytes + used;
-  if (nulls || blanks) {
-    Text::fill(end, units, nulls ? 0 : ' ');
-    if (blanks && terminate)
-      Text::fill(end + (units - 1) * width, 1, 0);
-    *destlen = used + units * width;
-  } else if (terminate) {
-    Text::fill(end, 1, 0);
-    *destlen = used + width;
+  if (!asks_for(CS_DFMT_PADNULL | CS_DFMT_PADBLANK)) {
+    if (asks_for(CS_DFMT_NULLTERM)) {
+      comn::store(end, Unit{});
+      *destlen = used + width;
+    }
+    return CS_SUCCEED;
   }
+  CS_INT units = (capacity - used) / width;
+  *destlen = used + units * width;
+  if (asks_for(CS_DFMT_NULLTERM))
+    comn::store(end + --units * width, Unit{});
+  if (units > 0)
+    Text::fill(end, units, asks_for(CS_DFMT_PADNULL) ? Unit{} : Unit{' '});
   return CS_SUCCEED;
 }
 

@@ -21,8 +21,8 @@ template <CS_INT Length>
 
 template <CS_INT Length>
 CS_RETCODE copy_to_binary(COMN_CONV_PARAMETERS) noexcept {
-  if (!(context && srcfmt && destfmt && destfmt->maxlength >= Length &&
-        (destfmt->format & CS_DFMT_PADNULL) == 0 && src && dest && destlen)) [[unlikely]]
+  if (!context || !src || !srcfmt || !dest || !destfmt || !destlen || destfmt->maxlength < Length ||
+      (destfmt->format & CS_DFMT_PADNULL) != 0) [[unlikely]]
     return fixed_to_binary<Length>(COMN_CONV_ARGUMENTS);
   std::memmove(dest, src, Length);
   *destlen = Length;
@@ -32,7 +32,7 @@ CS_RETCODE copy_to_binary(COMN_CONV_PARAMETERS) noexcept {
 template <CS_INT Length>
 CS_RETCODE copy_to_varbinary(COMN_CONV_PARAMETERS) noexcept {
   static_assert(Length < CS_INT{sizeof(CS_VARBINARY::array)});
-  if (!(context && srcfmt && destfmt && src && dest && destlen)) [[unlikely]]
+  if (!context || !src || !srcfmt || !dest || !destfmt || !destlen) [[unlikely]]
     return fixed_to_varbinary<Length>(COMN_CONV_ARGUMENTS);
   auto *record = static_cast<CS_BYTE *>(dest);
   std::memmove(record + offsetof(CS_VARBINARY, array), src, Length);

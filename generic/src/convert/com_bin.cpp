@@ -11,22 +11,40 @@ namespace {
 // The longest copy into a varbinary record.
 constexpr CS_INT varbinary_capacity = sizeof(CS_VARBINARY::array);
 
-// The value of each hexadecimal digit; every other character has a bit above the low four.
-constexpr CS_BYTE not_a_digit = 0x80;
+// The value of each hexadecimal digit; of every other character, a negative one.
+constexpr int8_t not_a_digit = -1;
 
-consteval std::array<CS_BYTE, 256> build_digits() {
-  std::array<CS_BYTE, 256> digits{};
+consteval std::array<int8_t, 256> build_digits() {
+  std::array<int8_t, 256> digits{};
   digits.fill(not_a_digit);
-  for (CS_BYTE value = 0; value < 10; ++value)
-    digits[size_t{'0'} + value] = value;
-  for (CS_BYTE value = 10; value < 16; ++value) {
-    digits[size_t{'a'} + value - 10] = value;
-    digits[size_t{'A'} + value - 10] = value;
+  for (size_t value = 0; value < 10; ++value)
+    digits['0' + value] = static_cast<int8_t>(value);
+  for (size_t value = 10; value < 16; ++value) {
+    digits['a' + value - 10] = static_cast<int8_t>(value);
+    digits['A' + value - 10] = static_cast<int8_t>(value);
   }
   return digits;
 }
 
-constexpr std::array<CS_BYTE, 256> digit_values = build_digits();
+constexpr std::array<int8_t, 256> digit_values = build_digits();
+
+// Decodes pairs of digits. All of them are looked at; negative if any of their characters was no
+// digit. The destination may be the source: a byte is stored behind the digits already read.
+//
+// A function of its own, since the loop needs nearly every register that ILP32 has.
+[[gnu::noinline]] int decode_pairs(const CS_BYTE *in, CS_BYTE *out, CS_INT count) noexcept {
+  int seen = 0;
+  for (const CS_BYTE *const end = in + 2 * count; in < end; in += 2) {
+    const int value = digit_values[in[0]] << 4 | digit_values[in[1]];
+    seen |= value;
+    *out++ = static_cast<CS_BYTE>(value);
+  }
+  return seen;
+}
+
+bool is_space(CS_CHAR c) noexcept {
+  return (Com_Iso1_charmap[static_cast<CS_BYTE>(c)].char_type & CS_CTYPE_SPACE) != 0;
+}
 
 } // namespace
 
@@ -59,9 +77,9 @@ void comn__hex2binbytes(CS_CHAR **src, CS_INT *srclen) noexcept {
   COMN_CHECK(*srclen >= 1);
   const CS_CHAR *text = *src;
   CS_INT length = *srclen;
-  while (length > 0 && com_isspace(static_cast<CS_BYTE>(text[length - 1])))
+  while (length > 0 && is_space(text[length - 1]))
     --length;
-  while (length > 0 && com_isspace(static_cast<CS_BYTE>(*text))) {
+  while (length > 0 && is_space(*text)) {
     ++text;
     --length;
   }
@@ -84,7 +102,6 @@ CS_RETCODE comn_chartobin(COMN_CONV_PARAMETERS) noexcept {
   *destlen = 0;
 
   const auto *in = reinterpret_cast<const CS_BYTE *>(text);
-  const CS_BYTE *const end = in + digits;
   auto *out = static_cast<CS_BYTE *>(dest);
   const CS_INT capacity = std::max<CS_INT>(destfmt->maxlength, 0);
   const bool odd = digits % 2 != 0;
@@ -92,24 +109,17 @@ CS_RETCODE comn_chartobin(COMN_CONV_PARAMETERS) noexcept {
     return CS_CONV_OVERFLOW;
   const CS_INT count = std::min(digits / 2 + odd, capacity);
 
-  CS_INT stored = 0;
-  CS_BYTE seen = 0;
+  int seen = 0;
   if (odd) {
     seen = digit_values[*in++];
-    out[stored++] = seen;
+    *out++ = static_cast<CS_BYTE>(seen);
   }
-  // Every digit is looked at before the status is known; a byte that is no digit leaves its mark in
-  // `seen`. The destination may be the source: a byte is stored behind the digits already read.
-  for (; stored < count; ++stored, in += 2) {
-    const CS_BYTE high = digit_values[in[0]];
-    const CS_BYTE low = digit_values[in[1]];
-    seen = static_cast<CS_BYTE>(seen | high | low);
-    out[stored] = static_cast<CS_BYTE>(high << 4 | low);
-  }
-  if (seen >= not_a_digit)
+  const CS_INT pairs = count - odd;
+  seen |= decode_pairs(in, out, pairs);
+  if (seen < 0)
     return CS_CONV_SYNTAX;
-  *destlen = stored;
-  if (in < end)
+  *destlen = count;
+  if (odd + 2 * pairs < digits)
     return CS_CONV_TRUNCATED;
-  return comn::pad_binary(stored, destfmt->format, capacity, dest, destlen);
+  return comn::pad_binary(count, destfmt->format, capacity, dest, destlen);
 }

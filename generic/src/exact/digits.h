@@ -40,10 +40,12 @@ inline bool is_digit(char c) noexcept {
   return static_cast<unsigned char>(c - '0') < 10;
 }
 
+constexpr uint64_t zero_digits = 0x3030303030303030;
+
 // The first bytes of a word that are not digits have a bit set.
 inline uint64_t non_digits(uint64_t word) noexcept {
   constexpr uint64_t ones = 0x0101010101010101;
-  return ((word + ones * 0x46) | (word - ones * 0x30)) & ones * 0x80;
+  return ((word + ones * 0x46) | (word - zero_digits)) & ones * 0x80;
 }
 
 // The value of eight digits, the first in the lowest byte: pairs, then fours, then eight.

@@ -150,6 +150,7 @@ template <bool Plain>
 [[gnu::always_inline]] inline int scan_mantissa(const char *text, const char *end,
                                                 const Request &request, Scan &scan,
                                                 Accumulator &magnitude) noexcept {
+  const char *const begin = text;
   bool signed_already = false;
   for (; text < end; ++text) {
     if (*text == '+' || *text == '-') {
@@ -201,7 +202,18 @@ template <bool Plain>
         magnitude.add_digits(exact::eight_digits_value(word), 8);
         text += 8;
       }
-      // Fewer than eight are left.
+      // Fewer than eight digits are left. Behind other text they are the end of a word, too.
+      const auto left = static_cast<int>(stop - text);
+      if (left > 0 && left < 8 && stop - begin >= 8) {
+        uint64_t word;
+        std::memcpy(&word, stop - 8, sizeof word);
+        const uint64_t before = UINT64_MAX >> 8 * left;
+        word = (word & ~before) | (exact::zero_digits & before);
+        if (exact::non_digits(word) == 0) {
+          magnitude.add_digits(exact::eight_digits_value(word), left);
+          text = stop;
+        }
+      }
       Limb rest = 0;
       const char *const rest_start = text;
       for (; text < stop; ++text) {

@@ -220,13 +220,14 @@ bool ends_bits(const TDS_TOKENMAP &row, CS_INT srcval) noexcept {
 }
 
 template <Field From, Field To>
-void map_bits(const TDS_TOKENMAP *map, CS_INT srcval, CS_INT *destval, CS_INT *unmapval) noexcept {
-  CS_INT claimed = 0;
-  for (const TDS_TOKENMAP *row = map; !ends_bits<From>(*row, srcval); ++row)
+void map_bits(const TDS_TOKENMAP *row, CS_INT srcval, CS_INT *destval, CS_INT *unmapval) noexcept {
+  CS_INT mapped = 0, claimed = 0;
+  for (; !ends_bits<From>(*row, srcval); ++row)
     if ((row->*From & srcval) != 0) {
-      *destval |= row->*To;
-      claimed |= row->*From & srcval;
+      mapped |= row->*To;
+      claimed |= row->*From;
     }
+  *destval = mapped;
   *unmapval = srcval & ~claimed;
 }
 

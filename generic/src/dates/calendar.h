@@ -53,7 +53,8 @@ static_assert(first_bigdatetime == 31622400000000 && end_bigdatetime == 31556952
 constexpr CS_INT tick_precision = 300;
 constexpr CS_INT micro_precision = 1000000;
 
-constexpr bool is_leap(int64_t year) noexcept {
+template <class Integer>
+constexpr bool is_leap(Integer year) noexcept {
   return (year % 100 == 0 ? year % 16 : year % 4) == 0;
 }
 
@@ -188,9 +189,11 @@ constexpr CS_INT fraction_of_micros(CS_UBIGINT micros) noexcept {
                              seconds_of_micros(micros) * static_cast<uint32_t>(micros_per_second));
 }
 
-// The tick nearest to so many milliseconds of any sign.
-constexpr int64_t ticks_of_millis(int64_t millis) noexcept {
-  return (3 * millis + (millis < 0 ? -5 : 5)) / 10;
+// The tick nearest to so many milliseconds of any sign: (3 * millis + 5) / 10 in steps that stay
+// inside the type.
+template <class Integer>
+constexpr Integer ticks_of_millis(Integer millis) noexcept {
+  return millis / 10 * 3 + (millis % 10 * 3 + (millis < 0 ? -5 : 5)) / 10;
 }
 
 constexpr bool is_datetime_day(CS_INT days) noexcept {

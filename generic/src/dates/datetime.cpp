@@ -80,7 +80,7 @@ struct MadeDate {
   CS_INT days;
 };
 
-MadeDate make_date(const CS_DATEREC &fields) noexcept {
+[[gnu::always_inline]] inline MadeDate make_date(const CS_DATEREC &fields) noexcept {
   if (fields.dateyear < 1 || fields.dateyear > last_year) [[unlikely]]
     return {COM_DATE_BADYEAR, 0};
   CS_INT days = days_of_years(fields.dateyear - 1);
@@ -113,6 +113,7 @@ constexpr ClockField clock_fields[] = {
 // its type.
 template <class Units, Units units_per_second>
 int add_clock(const CS_DATEREC &fields, Units &sum) noexcept {
+#pragma GCC unroll 3
   for (const ClockField &field : clock_fields) {
     const CS_INT value = fields.*field.member;
     if (value > field.last) [[unlikely]]
@@ -163,7 +164,7 @@ int com__timemake(CS_DATETIME *value, CS_DATEREC *fields) noexcept {
       fields->datesecprec == micro_precision ? fields->datesecfrac / 1000 : fields->datemsecond;
   if (millis > last_milli) [[unlikely]]
     return COM_DATE_BADFRACTION;
-  const int64_t fraction = millis == last_milli ? ticks_of_last_milli : ticks_of_millis(millis);
+  const CS_INT fraction = millis == last_milli ? ticks_of_last_milli : ticks_of_millis(millis);
   if (__builtin_add_overflow(ticks, fraction, &ticks)) [[unlikely]]
     return COM_DATE_BADFRACTION;
   value->dttime = ticks;

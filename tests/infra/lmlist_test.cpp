@@ -786,11 +786,12 @@ protected:
     EXPECT_EQ(lm__api_key_to_hash(chars(key), size_of(key), info()->table_size, &home), CS_SUCCEED);
     return info()->table[home];
   }
-  // Keys that share a bucket other than the first, and one of the first bucket.
-  std::vector<std::string> keys_in_bucket(CS_UINT bucket, size_t count) {
+  // Keys that share a bucket.
+  std::vector<std::string> keys_in_bucket(CS_UINT bucket, size_t count,
+                                          const std::string &prefix = "k") {
     std::vector<std::string> keys;
     for (int i = 0; keys.size() < count; ++i) {
-      const std::string key = "k" + std::to_string(i);
+      const std::string key = prefix + std::to_string(i);
       CS_UINT home = 0;
       EXPECT_EQ(lm__api_key_to_hash(chars(key.data()), static_cast<CS_INT>(key.size()),
                                     info()->table_size, &home),
@@ -925,14 +926,17 @@ TEST_F(ChainedTest, DeletionMovesTheCurrentEntry) {
   EXPECT_EQ(info()->table[3], nullptr);
 }
 
+// Node pools that have room and that have none, keys that are hashed word for word and at once.
+constexpr std::pair<CS_INT, const char *> pools_and_prefixes[] = {
+    {0, "k"}, {5, "k"}, {0, "medium key "}, {5, "medium key "}};
+
 // Deliberate: without a key the head of bucket 0 alone is corrected. The head of another bucket
 // stays in the table, and never leads into released memory.
 TEST_F(ChainedTest, DeletionWithoutAKeyLeavesAHead) {
-  for (const CS_INT poolsize : {0, 5}) {
-    list = nullptr;
+  for (const auto &[poolsize, prefix] : pools_and_prefixes) {
     defaults(10, poolsize);
     list = make(LM_CHASH);
-    const auto first = keys_in_bucket(0, 2), other = keys_in_bucket(4, 3);
+    const auto first = keys_in_bucket(0, 2, prefix), other = keys_in_bucket(4, 3, prefix);
     // The list keeps the addresses of the keys.
     for (const auto *const keys : {&first, &other})
       for (const auto &key : *keys)
@@ -962,7 +966,7 @@ TEST_F(ChainedTest, DeletionWithoutAKeyLeavesAHead) {
 // The current entry moves on to the successor, so the next deletion without a key takes that one
 // and leaves two such heads in a row.
 TEST_F(ChainedTest, DeletionsWithoutAKeyInARow) {
-  const auto other = keys_in_bucket(4, 3);
+  std::vector<std::string> other;
   const auto start = [&](size_t deleted) {
     list = make(LM_CHASH);
     for (const auto &key : other)
@@ -971,8 +975,10 @@ TEST_F(ChainedTest, DeletionsWithoutAKeyInARow) {
       ASSERT_EQ(op(list, LM_OP_DELETE), CS_SUCCEED);
     ASSERT_EQ(load(list), static_cast<CS_INT>(3 - deleted));
   };
-  for (const CS_INT poolsize : {0, 5}) {
+  for (const auto &[poolsize, prefix] : pools_and_prefixes) {
     defaults(10, poolsize);
+    list = make(LM_CHASH);
+    other = keys_in_bucket(4, 3, prefix);
     for (const size_t deleted : {size_t{2}, size_t{3}}) {
       // None of them is found, walked over or in the way.
       start(deleted);

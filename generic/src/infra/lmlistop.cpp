@@ -145,10 +145,10 @@ CS_RETCODE dlink_act(LM_HANDLE *handle, CS_INT operation, DLinkNode *&cursor, CS
     cursor = info->tail;
     return CS_SUCCEED;
   default:
-    if constexpr (pace == Pace::leaf)
-      return gave_up;
-    else
+    if constexpr (pace == Pace::full)
       return dlink_call(handle, operation, cursor, data_in);
+    else
+      return gave_up;
   }
 }
 

@@ -105,7 +105,7 @@ CS_RETCODE chain(LM_HANDLE *handle, CHashInfo *info, CS_UINT home, DLinkNode *&h
   head = info->table[home];
   while (head != nullptr && head->state != LM_SET)
     [[unlikely]] {
-      if constexpr (pace == Pace::leaf)
+      if constexpr (pace != Pace::full)
         return gave_up;
       info->table[home] = head->next;
       put_node<pace>(handle, head);

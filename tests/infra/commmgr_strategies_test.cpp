@@ -752,6 +752,22 @@ TEST_F(AllocOnlyTest, EmptyAllocationInAFullChunk) {
   EXPECT_EQ(pool.allocate(0), empty);
 }
 
+// Nothing is freed, so nothing but the bounds of the regions is looked at.
+TEST_F(AllocOnlyTest, FreeOfAnyAddressInARegion) {
+  Pool pool(source, MM_POOL_ALLOCONLY);
+  auto *const block = static_cast<char *>(pool.allocate(100));
+  MmHeap *const region = pool.head()->mph_heap;
+  char *const begin = reinterpret_cast<char *>(region);
+  for (char *const address : {begin, begin + 1, block, block + 1, begin + region->size - 1}) {
+    const auto report =
+        zrvtest::catch_check([&] { EXPECT_EQ(comn_mmfree(pool, address), CS_FAIL); });
+    EXPECT_EQ(report.signals, 0) << address - begin;
+  }
+  EXPECT_ASSERTION("commmgr.cpp", CS_FAIL, comn_mmfree(pool, begin - 1));
+  EXPECT_ASSERTION("commmgr.cpp", CS_FAIL, comn_mmfree(pool, begin + region->size));
+  EXPECT_EQ(pool.allocate(4), block + (100 + W - 1) / W * W);
+}
+
 // Bytes come cleared whether or not a lock is set, which decides when they are cleared.
 TEST_F(AllocOnlyTest, ClearedWithAndWithoutALock) {
   const MM_LOCK_FUNC locked = +[](MM_HANDLE *, CS_VOID *) -> CS_RETCODE { return CS_SUCCEED; };

@@ -118,8 +118,9 @@ CS_RETCODE drop_pool(MM_HANDLE *root) noexcept {
 // ---- the entry points below the lock ----
 
 // True when a call has nothing to do around its work: no lock, no trace, a strategy that is set up.
+// With a lock, nothing but the lock functions is looked at before it is held.
 bool is_unguarded(const MM_HANDLE *mmh) noexcept {
-  return is_ready(mmh) && mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing();
+  return mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing() && is_ready(mmh);
 }
 
 // A block of the strategies that take blocks back.
@@ -149,19 +150,22 @@ CS_RETCODE allocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   }
 }
 
-// True when the pointer lies in a region, newest first, behind its record.
-bool is_inside(const MM_HANDLE *mmh, void *buf) noexcept {
-  const auto address = reinterpret_cast<std::uintptr_t>(buf);
+// True when the pointer lies in a region, newest first, and not among its first bytes.
+bool is_inside(const MM_HANDLE *mmh, void *buf, CS_UINT first_bytes) noexcept {
   for (const MmHeap *heap = mmh->mmh_head->mph_heap; heap != nullptr; heap = heap->next) {
-    const std::uintptr_t offset = address - reinterpret_cast<std::uintptr_t>(heap);
+    const size_t offset = offset_in(heap, buf);
     if (offset < static_cast<CS_UINT>(heap->size))
-      return offset >= region_overhead + word;
+      return offset >= first_bytes;
   }
   return false;
 }
 
+// Where the first block that a strategy can have handed out may begin.
+constexpr CS_UINT before_blocks = region_overhead + word;
+
 CS_RETCODE release(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
-  COMN_CHECK(is_inside(mmh, buf), CS_FAIL);
+  // An alloc-only pool touches nothing: any address in its regions will do.
+  COMN_CHECK(is_inside(mmh, buf, mmh->mmh_type == MM_POOL_ALLOCONLY ? 0 : before_blocks), CS_FAIL);
   switch (mmh->mmh_type) {
   case MM_POOL_BUDDY:
     return com___buddy_free(mmh, buf);
@@ -178,7 +182,7 @@ CS_RETCODE release(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
 CS_RETCODE reallocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   switch (mmh->mmh_type) {
   case MM_POOL_BUDDY:
-    COMN_CHECK(is_inside(mmh, *buffer), CS_FAIL);
+    COMN_CHECK(is_inside(mmh, *buffer, before_blocks), CS_FAIL);
     return com___buddy_realloc(mmh, size, buffer);
   case MM_POOL_ALLOCONLY:
   case MM_POOL_UNIFORM:
@@ -242,7 +246,8 @@ void clear_short(void *block, CS_UINT size) noexcept {
     return COMN_TRACE(locked);
   void *block = nullptr;
   const CS_RETCODE result = allocate(mmh, size, &block);
-  if (result == CS_SUCCEED)
+  // Once only: comn_mmfree looks at it before it takes the lock.
+  if (result == CS_SUCCEED && !is_ready(mmh))
     mmh->mmh_status |= MM_ST_READY;
   unlock(mmh);
   if (result != CS_SUCCEED)
@@ -371,8 +376,8 @@ CS_RETCODE comn_mmrealloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexce
 }
 
 CS_RETCODE comn_mmfree(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
-  if (mmh != nullptr && buf != nullptr && is_unguarded(mmh) && is_inside(mmh, buf) && put(mmh, buf))
-      [[likely]]
+  if (mmh != nullptr && buf != nullptr && is_unguarded(mmh) && is_inside(mmh, buf, before_blocks) &&
+      put(mmh, buf)) [[likely]]
     return CS_SUCCEED;
   return release_guarded(mmh, buf);
 }

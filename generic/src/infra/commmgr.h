@@ -55,6 +55,11 @@ T *header_of(void *payload) noexcept {
   return at<T>(payload, -static_cast<std::ptrdiff_t>(word));
 }
 
+// How far an address lies behind the start of a region; past its size for one outside.
+inline size_t offset_in(const MmHeap *heap, const void *address) noexcept {
+  return reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(heap);
+}
+
 inline bool is_aligned(const void *address) noexcept {
   return reinterpret_cast<std::uintptr_t>(address) % word == 0;
 }

@@ -18,11 +18,6 @@ CS_UINT usable(const MmHeap *heap) noexcept {
   return round_down(static_cast<CS_UINT>(heap->size));
 }
 
-size_t offset_in(const MmHeap *heap, const void *address) noexcept {
-  return static_cast<size_t>(static_cast<const char *>(address) -
-                             reinterpret_cast<const char *>(heap));
-}
-
 MmList *end_of(MmList *block) noexcept {
   return at<MmList>(block, static_cast<std::ptrdiff_t>(word + block->size));
 }
@@ -150,7 +145,8 @@ CS_RETCODE com___putheap(MM_HANDLE *mmh, CS_VOID *payload) noexcept {
     *last = {};
   for (MmHeap **slot = &head->mph_heap; *slot != nullptr; slot = &(*slot)->next) {
     MmHeap *const heap = *slot;
-    if (bytes(block) <= bytes(heap) || bytes(block) >= bytes(heap) + heap->size)
+    const size_t offset = offset_in(heap, block);
+    if (offset == 0 || offset >= static_cast<CS_UINT>(heap->size))
       continue;
     const CS_RETCODE inserted = com___insert_block(heap, block);
     if (inserted != CS_SUCCEED)

@@ -1,4 +1,5 @@
 // The list manager: contexts, the five kinds of list, properties, resizing, node pools, drops.
+#include <climits>
 #include <functional>
 #include <map>
 #include <set>
@@ -901,6 +902,24 @@ TEST_F(ChainedTest, TheTablesOwnHashFunctionCounts) {
   EXPECT_EQ(load(list), 1);
 }
 
+// The table's own hash function would refuse them.
+TEST_F(ChainedTest, NegativeSizesHaveNoBytes) {
+  info()->home_addr_hfunc = [](CS_CHAR *, CS_INT, CS_INT, CS_UINT *home) -> CS_RETCODE {
+    *home = 2;
+    return CS_SUCCEED;
+  };
+  for (const CS_INT size : {-1, -8, CS_UNUSED, INT_MIN}) {
+    const auto act = [&](CS_INT operation, char byte, CS_INT bytes, CS_VOID **out) {
+      return lm_list_op(list, operation, &byte, bytes, text("entry"), out);
+    };
+    CS_VOID *out = nullptr;
+    ASSERT_EQ(act(LM_OP_INSERT, 'a', size, nullptr), CS_SUCCEED);
+    EXPECT_EQ(act(LM_OP_SEARCH, 'b', size, &out), CS_SUCCEED);
+    EXPECT_STREQ(static_cast<char *>(out), "entry");
+    EXPECT_EQ(act(LM_OP_SEARCH, 'a', size + 1, nullptr), LM_NOT_FOUND);
+  }
+}
+
 TEST_F(ChainedTest, EmptyKeysLandInBucket0) {
   ASSERT_EQ(lm_list_op(list, LM_OP_INSERT, text(""), 0, text("x"), nullptr), CS_SUCCEED);
   EXPECT_EQ(info()->table[0], list->cur_ptr);
@@ -1611,6 +1630,15 @@ TEST_F(ListTest, UseAfterRelease) {
     *state = saved;
   }
   EXPECT_EQ(list->state, states[0]);
+  for (const CS_INT kind : {LM_DLINK, LM_QUEUE, LM_STACK, LM_CHASH, LM_DHASH}) {
+    LM_HANDLE *const other = make(kind);
+    auto *const state =
+        static_cast<LM_NODE_STATE *>(other->list_state); // every kind's first member
+    *state = LM_RELEASED;
+    const auto unit = kind == LM_CHASH || kind == LM_DHASH ? "lmlistop_hash.cpp" : "lmlistop.cpp";
+    EXPECT_ASSERTION(unit, CS_FAIL, op(other, LM_OP_CURRENT));
+    *state = LM_INITIALIZED;
+  }
   for (LM_NODE_STATE *const state : {&context->state, &context->cxtprop->state}) {
     const LM_NODE_STATE saved = *state;
     *state = LM_RELEASED;

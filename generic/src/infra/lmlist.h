@@ -148,12 +148,8 @@ CS_RETCODE dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT ke
                                              CS_INT key_size, CS_VOID *data_in,
                                              CS_VOID **data_out) noexcept;
 
-// Operations of a linked list and of a chained table as leaves, each compiled for itself, once the
-// checks of lm_list_op are passed and tracing is off. All end in one another, so all take the same
-// arguments.
-template <CS_INT operation>
-CS_RETCODE dlink_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT position, CS_VOID *data_in,
-                      CS_VOID **data_out) noexcept;
+// An operation of a chained table as a leaf, once the checks of lm_list_op are passed and tracing
+// is off. It ends in lm_list_op in full if need be, and so takes the same arguments.
 template <CS_INT operation>
 CS_RETCODE chash_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT key_size, CS_VOID *data_in,
                       CS_VOID **data_out) noexcept;

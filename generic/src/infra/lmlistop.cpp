@@ -122,6 +122,7 @@ template <Pace pace>
 CS_RETCODE dlink_act(LM_HANDLE *handle, CS_INT operation, DLinkNode *&cursor, CS_INT position,
                      CS_VOID *data_in) noexcept {
   auto *const info = static_cast<DLinkInfo *>(handle->list_state);
+  LM_CHECK(info->state != LM_RELEASED);
   switch (operation) {
   case LM_OP_INSERT:
     return insert<pace>(handle, info, cursor, position, data_in);
@@ -253,18 +254,18 @@ CS_RETCODE comn::list::list_op_in_full(LM_HANDLE *handle, CS_INT operation, CS_V
   return COMN_TRACE(kind_op(handle, operation, key, key_size, data_in, data_out));
 }
 
+namespace {
+
 template <CS_INT operation>
-[[gnu::flatten, gnu::noinline]] CS_RETCODE
-comn::list::dlink_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT position, CS_VOID *data_in,
-                       CS_VOID **data_out) noexcept {
+[[gnu::flatten, gnu::noinline]] CS_RETCODE dlink_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key,
+                                                      CS_INT position, CS_VOID *data_in,
+                                                      CS_VOID **data_out) noexcept {
   const CS_RETCODE result =
       dlink_op<Pace::leaf>(handle, operation, key, position, data_in, data_out);
   if (result != gave_up) [[likely]]
     return result;
   return list_op_in_full(handle, operation, key, position, data_in, data_out);
 }
-
-namespace {
 
 // Where the operations of the first two kinds begin, in the order of their codes. One jump leads
 // there: an operation on a list costs hardly more than the branches that it takes.

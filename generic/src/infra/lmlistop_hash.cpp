@@ -38,7 +38,8 @@ template <Pace pace = Pace::full>
 bool is_same(const void *key_a, const void *key_b, CS_INT key_size) noexcept {
   const auto *const a = static_cast<const char *>(key_a);
   const auto *const b = static_cast<const char *>(key_b);
-  const auto size = static_cast<size_t>(key_size);
+  // A negative size gets past a hash function of the caller's alone, and stands for no bytes.
+  const auto size = static_cast<size_t>(std::max(key_size, 0));
   if constexpr (pace == Pace::sprint)
     return is_same_in_words<std::uint64_t>(a, b, size, medium_keys[size - medium_least].middle);
   if (size >= sizeof(std::uint64_t)) [[likely]]

@@ -77,6 +77,18 @@ protected:
         lm_list_prop(handle, LM_ACTION_SET, LM_HDL_MAX_POOLSIZE, &size, 0, nullptr);
     ASSERT_EQ(result, heap.failed ? CS_MEM_ERROR : CS_SUCCEED);
   }
+  // Keys of up to `most` bytes, text more often than not.
+  std::vector<std::string> make_keys(size_t count, unsigned most) {
+    std::vector<std::string> keys(count);
+    for (std::string &key : keys) {
+      key.resize(upto(most));
+      const bool is_text = upto(3) != 0;
+      for (char &c : key)
+        c = static_cast<char>(is_text ? 'a' + upto(25) : upto(255));
+    }
+    return keys;
+  }
+  static CS_VOID *as_argument(const std::string &key) { return const_cast<char *>(key.data()); }
   static CS_VOID *value(size_t n) { return reinterpret_cast<CS_VOID *>(n + 1); }
 
   const size_t steps = zrvtest::random_steps();
@@ -220,32 +232,26 @@ TEST_F(RandomLists, QueueAndStack) {
 
 // All entries in the order of their insertion; the newest of a key is found first.
 struct Entry {
-  std::string *key;
+  const std::string *key;
   CS_VOID *data;
 };
 
 TEST_F(RandomLists, Chained) {
   SCOPED_TRACE(testing::Message() << "seed " << seed);
-  std::vector<std::string> keys;
-  for (unsigned i = 0; i < 150; ++i) {
-    std::string key(upto(24), '\0');
-    for (char &c : key)
-      c = static_cast<char>(upto(255));
-    keys.push_back(key);
-  }
+  const std::vector<std::string> keys = make_keys(150, 24);
   size_t step = 0;
   while (step < steps) {
     LM_HANDLE *const handle = make(LM_CHASH, static_cast<CS_INT>(1 + upto(100)));
     std::list<Entry> model; // newest first
     for (const size_t end = step + 5000; step < end && step < steps; ++step) {
       stir_pool(handle);
-      std::string &key = keys[upto(149)];
+      const std::string &key = keys[upto(149)];
       const auto found = std::find_if(model.begin(), model.end(),
                                       [&](const Entry &entry) { return *entry.key == key; });
       const CS_RETCODE expected = found != model.end() ? CS_SUCCEED : LM_NOT_FOUND;
       const auto act = [&](CS_INT operation, CS_VOID *data, CS_VOID **out) {
-        return lm_list_op(handle, operation, key.data(), static_cast<CS_INT>(key.size()), data,
-                          out);
+        return lm_list_op(handle, operation, as_argument(key), static_cast<CS_INT>(key.size()),
+                          data, out);
       };
       CS_VOID *out = nullptr;
       switch (upto(5)) {
@@ -296,13 +302,7 @@ TEST_F(RandomLists, Chained) {
 TEST_F(RandomLists, TracedAndUntraced) {
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   constexpr CS_INT trace_failures = 2;
-  std::vector<std::string> keys(60);
-  for (std::string &key : keys) {
-    key.resize(upto(40));
-    const bool is_text = upto(3) != 0;
-    for (char &c : key)
-      c = static_cast<char>(is_text ? 'a' + upto(25) : upto(255));
-  }
+  const std::vector<std::string> keys = make_keys(60, 40);
   constexpr CS_INT kinds[] = {LM_DLINK, LM_CHASH, LM_QUEUE, LM_STACK};
   const auto run = [&] {
     for (size_t round = 0; round < steps / 1000; ++round) {
@@ -318,7 +318,7 @@ TEST_F(RandomLists, TracedAndUntraced) {
                   CS_SUCCEED);
       }
       for (size_t step = 0; step < 300; ++step) {
-        std::string &key = keys[upto(59)];
+        const std::string &key = keys[upto(59)];
         CS_INT operation = static_cast<CS_INT>(LM_OP_INSERT + upto(8));
         if (kind == LM_CHASH && operation > LM_OP_REPLACE)
           operation = LM_OP_SEARCH;
@@ -336,6 +336,9 @@ TEST_F(RandomLists, TracedAndUntraced) {
         const CS_INT positions[] = {LM_OP_FIRST, LM_OP_LAST, LM_POS_BEFORE, LM_POS_AFTER};
         const CS_INT position = positions[twins[0]->cur_ptr != nullptr ? upto(3) : upto(1)];
         const bool own_cursor = upto(1) == 0;
+        // Without a key a chained table works on the current entry.
+        const bool has_key = operation == LM_OP_INSERT || operation == LM_OP_SEARCH ||
+                             twins[0]->cur_ptr == nullptr || upto(3) != 0;
         CS_RETCODE results[2];
         CS_VOID *outs[2] = {};
         for (const int i : {0, 1}) {
@@ -344,7 +347,7 @@ TEST_F(RandomLists, TracedAndUntraced) {
           CS_VOID *result = nullptr;
           CS_VOID *place = &result;
           results[i] = lm_list_op(twins[i], operation,
-                                  kind == LM_CHASH                 ? key.data()
+                                  kind == LM_CHASH ? has_key ? as_argument(key) : nullptr
                                   : kind == LM_DLINK && own_cursor ? static_cast<CS_VOID *>(&cursor)
                                                                    : nullptr,
                                   kind == LM_CHASH ? static_cast<CS_INT>(key.size()) : position,

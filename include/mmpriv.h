@@ -157,7 +157,9 @@ struct _mmpoolhead {
  *                    break function. CS_SUCCEED; CS_FAIL when the region cannot go back. Fatal: a
  *                    payload outside the regions.
  * com___insert_block puts a block among the free blocks of its region and merges neighbours.
- *                    CS_SUCCEED. Fatal: a block outside the region, or free already.
+ *                    CS_SUCCEED. Fatal: a block outside the region, or free already. The inner
+ *                    step of com___putheap, which lets the handle know: what goes back without it
+ *                    may stay unseen by an MmSearch.
  * com___getblock     `size` bytes that are chained to the handle. CS_SUCCEED or CS_MEM_ERROR.
  * com___putblock     gives a block back. As com___putheap; fatal: a block that is not chained.
  */

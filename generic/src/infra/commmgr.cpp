@@ -131,8 +131,10 @@ void *take(MM_HANDLE *mmh, CS_UINT size) noexcept {
 }
 
 bool put(MM_HANDLE *mmh, void *buf) noexcept {
-  if (mmh->mmh_type == MM_POOL_UNIFORM)
-    return put_node(mmh->mmh_pool.u, buf);
+  if (mmh->mmh_type == MM_POOL_UNIFORM) {
+    put_node(mmh->mmh_pool.u, buf);
+    return true;
+  }
   return mmh->mmh_type == MM_POOL_BUDDY && put_block(mmh->mmh_pool.af, buf);
 }
 

@@ -177,11 +177,10 @@ inline void *take_node(MmUniformPool &pool, CS_UINT size) noexcept {
   return payload_of(node);
 }
 
-inline bool put_node(MmUniformPool &pool, void *buf) noexcept {
+inline void put_node(MmUniformPool &pool, void *buf) noexcept {
   auto *const node = header_of<MmList>(buf);
   node->link = pool.free;
   pool.free = node;
-  return true;
 }
 
 // Advances the cursor of a chunk past `size` bytes, a multiple of the pool word.

@@ -17,7 +17,7 @@ using Pass = std::function<void()>;
 
 struct Peer {
   std::string name;
-  double goal; // the most that our time may be, as a multiple of the peer's
+  double goal; // the most that our time may be, as a multiple of the peer's; 0 for none
   Pass pass;
 };
 

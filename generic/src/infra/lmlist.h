@@ -148,6 +148,16 @@ CS_RETCODE dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT ke
                                              CS_INT key_size, CS_VOID *data_in,
                                              CS_VOID **data_out) noexcept;
 
+// Does an operation at one pace, and at a slower one if that gives up.
+template <auto attempt, auto slower>
+CS_RETCODE attempt_or(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
+                      CS_VOID *data_in, CS_VOID **data_out) noexcept {
+  const CS_RETCODE result = attempt(handle, operation, key, key_size, data_in, data_out);
+  if (result != gave_up) [[likely]]
+    return result;
+  return slower(handle, operation, key, key_size, data_in, data_out);
+}
+
 // An operation of a chained table as a leaf, once the checks of lm_list_op are passed and tracing
 // is off. It ends in lm_list_op in full if need be, and so takes the same arguments.
 template <CS_INT operation>

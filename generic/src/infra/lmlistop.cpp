@@ -260,11 +260,8 @@ template <CS_INT operation>
 [[gnu::flatten, gnu::noinline]] CS_RETCODE dlink_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key,
                                                       CS_INT position, CS_VOID *data_in,
                                                       CS_VOID **data_out) noexcept {
-  const CS_RETCODE result =
-      dlink_op<Pace::leaf>(handle, operation, key, position, data_in, data_out);
-  if (result != gave_up) [[likely]]
-    return result;
-  return list_op_in_full(handle, operation, key, position, data_in, data_out);
+  return attempt_or<dlink_op<Pace::leaf>, list_op_in_full>(handle, operation, key, position,
+                                                           data_in, data_out);
 }
 
 // Where the operations of the first two kinds begin, in the order of their codes. One jump leads

@@ -303,11 +303,8 @@ template <CS_INT operation>
 [[gnu::flatten, gnu::noinline]] CS_RETCODE chash_any_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key,
                                                           CS_INT key_size, CS_VOID *data_in,
                                                           CS_VOID **data_out) noexcept {
-  const CS_RETCODE result =
-      chash_deliver<Pace::leaf>(handle, operation, key, key_size, data_in, data_out);
-  if (result != gave_up) [[likely]]
-    return result;
-  return list_op_in_full(handle, operation, key, key_size, data_in, data_out);
+  return attempt_or<chash_deliver<Pace::leaf>, list_op_in_full>(handle, operation, key, key_size,
+                                                                data_in, data_out);
 }
 
 // ---- the open-addressed table ----
@@ -479,11 +476,8 @@ template <CS_INT operation>
 [[gnu::flatten]] CS_RETCODE comn::list::chash_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key,
                                                    CS_INT key_size, CS_VOID *data_in,
                                                    CS_VOID **data_out) noexcept {
-  const CS_RETCODE result =
-      chash_deliver<Pace::sprint>(handle, operation, key, key_size, data_in, data_out);
-  if (result != gave_up) [[likely]]
-    return result;
-  return chash_any_leaf<operation>(handle, operation, key, key_size, data_in, data_out);
+  return attempt_or<chash_deliver<Pace::sprint>, chash_any_leaf<operation>>(
+      handle, operation, key, key_size, data_in, data_out);
 }
 template decltype(chash_leaf<LM_OP_SEARCH>) comn::list::chash_leaf<LM_OP_SEARCH>;
 template decltype(chash_leaf<LM_OP_INSERT>) comn::list::chash_leaf<LM_OP_INSERT>;

@@ -22,4 +22,11 @@
       return comn::raise_bomb(where);                                                              \
   } while (0)
 
+// A conversion that passes through the trace, as all but those from integers do: `body` makes the
+// checks and returns the status.
+#define COMN_CONV(name, ...)                                                                       \
+  CS_RETCODE name(COMN_CONV_PARAMETERS) noexcept {                                                 \
+    return COMN_TRACE(__VA_ARGS__(COMN_CONV_ARGUMENTS));                                           \
+  }
+
 #endif

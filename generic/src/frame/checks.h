@@ -65,8 +65,9 @@ CS_RETCODE trace(CS_RETCODE code, Where where) noexcept {
     }                                                                                              \
   } while (0)
 
-// The way out of every exported function that returns a CS_RETCODE, the conversions aside: one load
-// and one compare while tracing is off.
+// The way out of every exported function that returns a CS_RETCODE, the conversions from integers
+// and the quick allocation of a pool that only allocates aside: one load and one compare while
+// tracing is off. Every exit has it, those of failed checks too; a test reads the sources for it.
 #define COMN_TRACE(code) comn::trace((code), COMN_HERE)
 
 #endif

@@ -18,6 +18,8 @@
 #include "csintrn.h"
 #include "cspublic.h"
 
+struct intl_locfile;
+
 ZRV_BEGIN_DECLS
 
 /* ---- small services ---- */
@@ -367,6 +369,41 @@ ZRV_PRIVATE CS_RETCODE com__find_latest_ldapversion(CS_CHAR *version,
  */
 ZRV_PRIVATE CS_RETCODE comn__genappname_from_exec(CS_CONTEXT *context, CS_CHAR *appname,
                                                   CS_INT size, CS_INT sanitize) ZRV_NOEXCEPT;
+
+/* ---- installation files ----
+ *
+ * Each opener builds a path by the rule of its builder above, in 1025 bytes, and opens the section
+ * file there (zrvintl.h has the reader).
+ *
+ * ifile        out  the file, open after a success, to be closed with intl_close
+ * locfilename  out  the path, once it is built: NUL-terminated and cut to `filenamelen` - 1 bytes,
+ *                   also when the file cannot be opened; may be null
+ * filenamelen  in   the size of `locfilename`, at least 1 if it is not null
+ *
+ * Returns CS_SUCCEED; COM_LOCFILE_ERROR when intl_open refuses the file, its status in ctxintlerr;
+ * what the builder returns, with `ifile` and `locfilename` as they were. Fatal are a null context or
+ * `ifile`, a `filenamelen` below 1, and what the builder says.
+ */
+
+/* The path of com__path_locfile. */
+ZRV_PRIVATE CS_RETCODE com__open_locfile(CS_CONTEXT *context, CS_CHAR *lang, CS_CHAR *charset,
+                                         CS_CHAR *locfile, struct intl_locfile *ifile,
+                                         CS_CHAR *locfilename, CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* The path of com_path_charfile. */
+ZRV_PRIVATE CS_RETCODE com__open_charfile(CS_CONTEXT *context, CS_CHAR *charset, CS_CHAR *filename,
+                                          CS_CHAR *fileext, struct intl_locfile *ifile,
+                                          CS_CHAR *locfilename, CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* The path of com_path_msgfile; `path` and `pathlen` are its `locfilename` and `filenamelen`. */
+ZRV_PRIVATE CS_RETCODE comn__open_msgfile(CS_CONTEXT *context, CS_CHAR *lang, CS_INT langlen,
+                                          CS_CHAR *msgfile, CS_INT msgfilelen,
+                                          struct intl_locfile *ifile, CS_CHAR *path,
+                                          CS_INT pathlen) ZRV_NOEXCEPT;
+
+/* The path of com_path_cfgfile, which is not told. */
+ZRV_PRIVATE CS_RETCODE com__open_cfgfile(CS_CONTEXT *context, CS_CHAR *cfgfile,
+                                         struct intl_locfile *ifile, CS_INT ncl) ZRV_NOEXCEPT;
 
 /* ---- conversion dispatch ---- */
 

@@ -1,5 +1,6 @@
 /*
- * zrvintl.h - the interface of libzrvintl: memory, environment, home directory, bounded strings.
+ * zrvintl.h - the interface of libzrvintl: memory, environment, home directory, bounded strings, and
+ * the reader of the installation's files.
  *
  * libzrvcomn calls nothing else of this library, so any library with this interface can stand in
  * its place.
@@ -20,10 +21,20 @@ extern "C" {
 #define ZRVINTL_NOEXCEPT
 #endif
 
-/* Failures of the functions below. */
-#define ZRVINTL_EINVAL (-1)  /* a null argument or a size below 1 */
-#define ZRVINTL_ESIZE (-2)   /* the result and its terminator do not fit */
-#define ZRVINTL_ENOHOME (-3) /* no home directory can be found */
+/* The statuses of section files, for which intl_errstr has texts. */
+#define ZRVINTL_EOPEN (-1)   /* the file cannot be opened, or there is no memory for its block */
+#define ZRVINTL_EREAD (-2)   /* reading or closing failed */
+#define ZRVINTL_ELINE (-3)   /* a line is too long */
+#define ZRVINTL_ENAME (-4)   /* the name of a section or of an entry is too long */
+#define ZRVINTL_EVALUE (-5)  /* a value is too long */
+#define ZRVINTL_ESYNTAX (-6) /* a malformed line */
+#define ZRVINTL_ECLOSED (-7) /* the file is not open */
+#define ZRVINTL_EDATE (-8)   /* a date section is incomplete */
+
+/* Failures of the other functions below. */
+#define ZRVINTL_EINVAL (-9)   /* a null argument or a size below 1 */
+#define ZRVINTL_ESIZE (-10)   /* the result and its terminator do not fit */
+#define ZRVINTL_ENOHOME (-11) /* no home directory can be found */
 
 /* A block of `size` bytes, uninitialised, aligned for any type; null on failure. A size of 0 gives
  * a block of its own that holds nothing. Release with comn_free. */
@@ -50,7 +61,8 @@ ZRV_API void comn_free(void *block) ZRVINTL_NOEXCEPT;
  * name    in   the variable
  *
  * Returns the length of the value without its terminator; 0 when the variable is not set or is
- * empty; ZRVINTL_ESIZE when the value does not fit (it is never cut); ZRVINTL_EINVAL.
+ * empty; ZRVINTL_ESIZE when the value does not fit (it is never cut), so who only asks whether a
+ * variable is set takes that as set; ZRVINTL_EINVAL.
  */
 ZRV_API int intlgetenv(char *buffer, int size, const char *name) ZRVINTL_NOEXCEPT;
 
@@ -74,6 +86,99 @@ ZRV_API int intl_home(char *buffer, int size) ZRVINTL_NOEXCEPT;
  */
 ZRV_API size_t intl_strlcpy(char *dest, const char *source, size_t size) ZRVINTL_NOEXCEPT;
 ZRV_API size_t intl_strlcat(char *dest, const char *source, size_t size) ZRVINTL_NOEXCEPT;
+
+/* ---- section files ----
+ *
+ * All text files of an installation have one syntax, which docs/files.md shows rule by rule:
+ *
+ *   ; a comment
+ *   [section]
+ *   key = value, "a value, quoted", \x41, a value that goes \
+ *         on in the next line
+ *
+ * A caller provides an INTL_LOCFILE, opens it, asks for sections, entries and values in turn, and
+ * closes it. Sections and entries come in the order of the file, and names may repeat. What a caller
+ * does not ask for is passed over, and must be well formed all the same.
+ *
+ * The first error is final: every later call answers with its status until the file is closed, and
+ * `linenum` stays at the line of the error.
+ */
+
+/* The largest texts are one byte shorter than these. */
+#define INTL_LINE_SIZE 1024 /* a line as it stands in the file, without its end */
+#define INTL_NAME_SIZE 64   /* the name of a section, the key of an entry */
+#define INTL_VALUE_SIZE 1025
+
+/* The state of an open file. A caller may find it filled with anything before intl_open, reads
+ * `linenum` at most and changes nothing. */
+typedef struct intl_locfile {
+  int version;               /* of this record */
+  int linenum;               /* the line that was read last, from 1; 0 before the first */
+  int linelen;               /* bytes in `line` */
+  int linepos;               /* the first of them that is not parsed yet */
+  int end_of_list;           /* the entry has no further value */
+  int end_of_section;        /* the section has no further entry */
+  int eof;                   /* the file has no further line */
+  char comment_char;         /* ';' */
+  char leftsection;          /* '[' */
+  char rightsection;         /* ']' */
+  char list_sep;             /* ',' */
+  char escape;               /* '\\' */
+  char line[INTL_LINE_SIZE]; /* the line, without its end, NUL-terminated */
+  char section[INTL_NAME_SIZE];
+  char entry[INTL_NAME_SIZE];
+  char value[INTL_VALUE_SIZE];
+  void *file;      /* the open file; null when there is none */
+  int isquoted;    /* the value stood in quotes */
+  char quote_char; /* '"' */
+} INTL_LOCFILE;
+
+/*
+ * Opens a file.
+ *
+ * path   in   the file
+ * ifile  out  the state; after a failure it counts as not open
+ *
+ * Returns 0, or ZRVINTL_EOPEN, also for a null path, or ZRVINTL_ECLOSED for a null `ifile`. To be
+ * closed with intl_close after a success. What the file holds is not looked at yet.
+ */
+ZRV_API int intl_open(const char *path, INTL_LOCFILE *ifile) ZRVINTL_NOEXCEPT;
+
+/* Closes a file and releases what belongs to it, whatever the result: 0, ZRVINTL_EREAD when the
+ * system reports a failure, or ZRVINTL_ECLOSED. An error of reading is not told again. */
+ZRV_API int intl_close(INTL_LOCFILE *ifile) ZRVINTL_NOEXCEPT;
+
+/*
+ * Goes to the next section, past what is left of this one.
+ *
+ * ifile   in/out  an open file
+ * status  out     0, or a negative status; may be null
+ *
+ * Returns the section's name, NUL-terminated, which stands in `ifile` until the next section is
+ * asked for; null with status 0 at the end of the file; null with ZRVINTL_EREAD, ZRVINTL_ELINE,
+ * ZRVINTL_ENAME, ZRVINTL_EVALUE, ZRVINTL_ESYNTAX or ZRVINTL_ECLOSED.
+ */
+ZRV_API char *intl_nextsection(INTL_LOCFILE *ifile, int *status) ZRVINTL_NOEXCEPT;
+
+/* Goes to the next entry of the section, past what is left of this one. The same for its key; null
+ * with status 0 at the end of the section, and before the first section. */
+ZRV_API char *intl_nextentry(INTL_LOCFILE *ifile, int *status) ZRVINTL_NOEXCEPT;
+
+/*
+ * Reads the next value of the entry.
+ *
+ * ifile   in/out  an open file
+ * status  out     1 when further values follow, 0 with the last one, or negative; may be null
+ *
+ * Returns the value, NUL-terminated, in `ifile`, where it stays until the next call on the file. It
+ * may contain NULs of its own, and zeroes fill what is left of its INTL_VALUE_SIZE bytes, so that a
+ * number may be read byte by byte. Null with status 0 when the entry has no further value, else as
+ * above.
+ */
+ZRV_API char *intl_nextvalue(INTL_LOCFILE *ifile, int *status) ZRVINTL_NOEXCEPT;
+
+/* The text of a status of this library, with either sign; never null. Static storage. */
+ZRV_API const char *intl_errstr(int status) ZRVINTL_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -91,7 +91,8 @@ ZRV_PRIVATE void com__bigdatecrack(CS_BIGDATETIME *value, CS_DATEREC *fields) ZR
 ZRV_PRIVATE void com__bigtimecrack(CS_BIGDATETIME *value, CS_DATEREC *fields) ZRV_NOEXCEPT;
 
 /* The public forms. com_datecrack and com_timecrack neither read nor write datesecfrac and
- * datesecprec, so a record of ten fields serves them. */
+ * datesecprec, so a record of ten fields serves them. A null record is fatal in all of them, as a
+ * null value is; com__dtrec_cp alone takes one. */
 ZRV_API void com_datecrack(CS_DATETIME *value, CS_DATEREC *fields) ZRV_NOEXCEPT;
 ZRV_API void com_timecrack(CS_DATETIME *value, CS_DATEREC *fields) ZRV_NOEXCEPT;
 ZRV_API void com_bigdatecrack(CS_BIGDATETIME *value, CS_DATEREC *fields) ZRV_NOEXCEPT;
@@ -225,16 +226,20 @@ ZRV_API void com_setdatetime(CS_DATETIME *value, CS_INT dtdays, CS_INT dttime) Z
  * of them out otherwise: a style that shows nothing but a date is a text of one NUL byte there.
  *
  * value      in   the value
+ * trparts    in   the fields of a value
  * buf        out  the text, not NUL-terminated
  * len        in   capacity of `buf` in bytes; negative means unlimited (no text passes 40 bytes)
  * style      in   the style number
  * shortmths  in   12 short month names, NUL-terminated, of which 9 bytes show; may be null where
- * the layout shows none
+ *                 the layout shows none
  *
- * Return the length of the text; 0 when it did not fit, the first `len` bytes standing in `buf`; -1
- * for an unknown style; -2 when the layout shows a month name and there is none, be it that the
- * list is null or that the month is no month. Nothing is written then. "AM" and "PM" are not
- * localised.
+ * Return the length of the text, or
+ *    0  when it did not fit, the first `len` bytes standing in `buf`;
+ *   -1  for an unknown style, nothing written;
+ *   -2  when the layout shows a month name and there is none, be it that the list or its entry is
+ *       null or that the month is no month, nothing written.
+ *
+ * "AM" and "PM" are not localised.
  */
 
 /* The engines: any fields give a text. Fields show their last digits without a sign. With `secprec`
@@ -256,8 +261,8 @@ ZRV_PRIVATE CS_INT com__bigdatetimetochar(CS_BIGDATETIME *value, CS_CHAR *buf, C
 ZRV_PRIVATE CS_INT com__dateatochar(CS_DATE *value, CS_CHAR *buf, CS_INT len, CS_INT style,
                                     CS_CHAR **shortmths) ZRV_NOEXCEPT;
 
-/* Times alone. Where a layout shows a date, a CS_TIME has 1900-01-01 and a CS_BIGTIME 0001-01-01.
- */
+/* Times alone. Where a layout shows a date, it is 1900-01-01 for a CS_TIME and 0001-01-01 for a
+ * CS_BIGTIME. */
 ZRV_PRIVATE CS_INT com__timeatochar(CS_TIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
                                     CS_CHAR **shortmths) ZRV_NOEXCEPT;
 ZRV_PRIVATE CS_INT com__bigtimetochar(CS_BIGTIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
@@ -278,8 +283,11 @@ ZRV_API CS_INT com_cvtdate4tochar(CS_DATETIME4 *value, CS_CHAR *buf, CS_INT len,
  * destlen      in   capacity in bytes; negative means unlimited, and nothing is filled
  * shortmonths  in   12 short month names; null means the English ones
  *
- * Returns the length of the text; 0 for a null value; -1 when the text did not fit, its first
- * `destlen` bytes in `dest`, or when the style is unknown, nothing written.
+ * Returns the length of the text, or
+ *    0  for a null value, nothing written;
+ *   -1  when the text did not fit, its first `destlen` bytes in `dest`;
+ *   -1  when the style is unknown, nothing written;
+ *   -2  when the layout shows a month name and the list has a null pointer for it, nothing written.
  */
 ZRV_API CS_INT com_date2char(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,
                              CS_CHAR **shortmonths) ZRV_NOEXCEPT;
@@ -336,10 +344,14 @@ ZRV_PRIVATE void monthcheck(CS_DATEREC *fields) ZRV_NOEXCEPT;
  * value  in      how many, of any sign
  * to     in,out  the value; only the half that changes is touched
  *
- * Returns 0; 1, nothing changed, when the sum leaves the range of CS_DATE or of the arithmetic, or
- * when a part of the time is added to a dttime of a day or more; or, for years, quarters and
- * months, the status of com__datemake with what that leaves in dtdays. The range of CS_DATETIME is
- * not looked at.
+ * Returns 0, or
+ *   1  nothing changed, when the sum leaves the range of CS_DATE or of the arithmetic;
+ *   1  nothing changed, when a part of the time is added, be it 0 of it, to a dttime of a day or
+ *      more: the whole dttime is judged, though cracking looks at its low 25 bits alone, and a
+ *      negative one borrows a day;
+ *   1  dtdays 0, when years, quarters or months lead to a year that com__datemake refuses.
+ *
+ * The range of CS_DATETIME is not looked at.
  */
 ZRV_PRIVATE int com__date_add(int part, CS_INT value, CS_DATETIME *to) ZRV_NOEXCEPT;
 
@@ -353,9 +365,10 @@ ZRV_PRIVATE int com__date_add(int part, CS_INT value, CS_DATETIME *to) ZRV_NOEXC
  * type   in      protocol datatype number: 187 keeps the sum in the range of CS_BIGDATETIME, 188 in
  *                that of CS_BIGTIME, which does not wrap round midnight
  *
- * Returns 0; 1, nothing changed, when the sum leaves that range or 64 bits; or, for years, quarters
- * and months, whose sum is not held against `type`, the status of com_bigdatetimemake with what
- * that leaves.
+ * Returns 0, or
+ *   1  nothing changed, when the sum leaves that range or 64 bits;
+ *   1  the value 0, when years, quarters or months lead to a year that com__bigdatemake refuses;
+ *      their sum is not held against `type`.
  */
 ZRV_PRIVATE int com__bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to,
                                  CS_BYTE type) ZRV_NOEXCEPT;
@@ -364,10 +377,16 @@ ZRV_PRIVATE int com__bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to,
  * Add to a copy of `src` and deliver the sum by the protocol datatype number and the capacity of
  * `result`; its `len` becomes its `maxlen`.
  *
- * com__dateadd_both takes a source of 8 bytes, a CS_DATETIME, or of 4, a CS_DATE or, for a result
- * of type 51, which takes no other, a CS_TIME. It delivers 61 (CS_DATETIME, 8 bytes), 49 (CS_DATE),
- * 51 (CS_TIME) and 58 (CS_DATETIME4), 4 bytes each. com__bigdateadd_both takes 8 bytes and delivers
- * 187 (CS_BIGDATETIME) and 188 (CS_BIGTIME), 8 bytes each.
+ *   type  delivers        maxlen  from a source of
+ *   49    CS_DATE         4       8 bytes, a CS_DATETIME, or 4, a CS_DATE
+ *   51    CS_TIME         4       4 bytes, a CS_TIME
+ *   58    CS_DATETIME4    4       8 bytes, a CS_DATETIME, or 4, a CS_DATE
+ *   61    CS_DATETIME     8       8 bytes, a CS_DATETIME, or 4, a CS_DATE
+ *   187   CS_BIGDATETIME  8       8 bytes, a CS_BIGDATETIME
+ *   188   CS_BIGTIME      8       8 bytes, a CS_BIGTIME or CS_BIGDATETIME
+ *
+ * com__dateadd_both delivers the first four, com__bigdateadd_both the last two. The limit of 1753
+ * belongs to 61 alone, the range of CS_DATETIME4 to 58.
  *
  * Return 0, or 1 and leave `result` as it was: another length or type, a sum out of range.
  */
@@ -384,11 +403,13 @@ ZRV_PRIVATE int com__valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf) ZRV_NOEX
  * `to` minus `from`. Elapsed units are truncated toward zero.
  *
  * part  in   0 to 13, or 14 in com__bigdatediff; anything else returns 0 and writes nothing
+ * from  in   the value to start at
+ * to    in   the value to end at; of each dttime the low 25 bits are looked at
  * diff  out  the difference
  *
  * Return 0; com__datediff also 1, nothing written, when a CS_INT does not hold the difference. In
- * minutes, seconds and milliseconds it counts whole days for that where the time works against the
- * days: more than 1491308, 24855 or 24 are too many.
+ * minutes, seconds and milliseconds it must hold the whole days alone as well, which tells where
+ * the time works against the days: more than 1491308, 24855 or 24 days are too many.
  */
 ZRV_PRIVATE int com__datediff(int part, CS_DATETIME *from, CS_DATETIME *to,
                               CS_INT *diff) ZRV_NOEXCEPT;
@@ -398,10 +419,14 @@ ZRV_PRIVATE int com__bigdatediff(int part, CS_BIGDATETIME *from, CS_BIGDATETIME 
 /*
  * The value of a part.
  *
- * part         in  0 to 14; anything else is fatal, 0. Microseconds of anything but a
- * CS_BIGDATETIME are 0 firstday     in  for part 3, the day that counts as 1: Monday is 1, Sunday 7
- * or 0; not checked dayselapsed  in  the days of the value from 1900-01-01 odatetype    in
- * CS_TYPE_BIGDATETIME takes milliseconds and microseconds from datesecfrac
+ * part         in  0 to 14; anything else is fatal, 0
+ * value        in  the value
+ * fields       in  the value, cracked
+ * firstday     in  for part 3, the day that counts as 1: Monday is 1, Sunday 7 or 0; not checked
+ * dayselapsed  in  the days of the value from 1900-01-01
+ * odatetype    in  the type of the value: with CS_TYPE_BIGDATETIME milliseconds and microseconds
+ *                  come from datesecfrac, with any other milliseconds come from datemsecond and
+ *                  microseconds are 0
  */
 ZRV_PRIVATE CS_INT com__datepart(int part, CS_DATETIME *value, CS_INT firstday) ZRV_NOEXCEPT;
 ZRV_API CS_INT com_datepart(int part, CS_DATETIME *value, CS_INT firstday) ZRV_NOEXCEPT;

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ctime>
 #include <fstream>
+#include <set>
 #include <string>
 
 #include <sys/stat.h>
@@ -291,6 +292,56 @@ TEST(DateConversions, Checks) {
     expect_checks(member);
   for (const Member &member : varbinary_members)
     expect_checks(member);
+}
+
+namespace {
+
+// What a member traces for a source of bytes 0xFF and so much room, or without a context.
+std::string trace_of(const Member &member, CS_INT room, bool has_context = true) {
+  TestContext context;
+  CS_BYTE source[8], dest[258];
+  std::memset(source, 0xFF, sizeof source);
+  CS_INT length = 0;
+  CS_DATAFMT from = make_format(member.source, member.source_size);
+  CS_DATAFMT to = make_format(member.dest, room);
+  CS_RETCODE status = -9999;
+  com_errset(3);
+  const std::string text = capture_stdout([&] {
+    catch_check([&] {
+      status =
+          member.function(has_context ? context.get() : nullptr, &from, source, &to, dest, &length);
+    });
+  });
+  com_errset(1);
+  // By the name or by the number of the status, from the unit, and once.
+  const std::string shown = status == 1   ? "CS_SUCCEED"
+                            : status == 0 ? "CS_FAIL"
+                                          : std::to_string(status);
+  const std::string expected = "(" + shown + ") file " + member.unit + ", line ";
+  EXPECT_EQ(text.substr(0, expected.size()), expected);
+  EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
+  return shown;
+}
+
+} // namespace
+
+// Every exit passes through the trace: success, the failures of data, and those of the checks.
+TEST(DateConversions, EveryExitIsTraced) {
+  std::set<std::string> shown;
+  for (const Member &member : value_members) {
+    shown.insert(trace_of(member, 8));
+    EXPECT_EQ(trace_of(member, 8, false), "CS_FAIL");
+  }
+  EXPECT_EQ(shown, (std::set<std::string>{"CS_SUCCEED", "-101", "-102"}));
+  for (const Member &member : binary_members) {
+    EXPECT_EQ(trace_of(member, 8), "CS_SUCCEED");
+    EXPECT_EQ(trace_of(member, 3), "-113");
+    EXPECT_EQ(trace_of(member, -1), "CS_FAIL");
+  }
+  for (const Member &member : varbinary_members) {
+    EXPECT_EQ(trace_of(member, 258), "CS_SUCCEED");
+    EXPECT_EQ(trace_of(member, -1), "CS_FAIL");
+  }
 }
 
 TEST(DateToBinary, BytesAsTheyStand) {

@@ -1,17 +1,36 @@
 // Conversions from CS_DATETIME4.
 #include "date_value.h"
 
-COMN_DATE_MEMBER(date4, date4, copy)
-COMN_DATE_MEMBER(date4, date, always<com__date4todt>)
-COMN_DATE_MEMBER(date4, bigdatetime, always<com__date4tobigdatetime>)
-COMN_DATE_MEMBER(date4, datea,
-                 by_datetime<always<com__date4todt, CS_DATETIME4, CS_DATETIME>,
-                             always<com__datetodatea, CS_DATETIME, CS_DATE>>)
-COMN_DATE_MEMBER(date4, timea,
-                 by_datetime<always<com__date4todt, CS_DATETIME4, CS_DATETIME>,
-                             always<com__datetotimea, CS_DATETIME, CS_TIME>>)
-COMN_DATE_MEMBER(date4, bigtime,
-                 by_datetime<always<com__date4todt, CS_DATETIME4, CS_DATETIME>,
-                             always<com__datetobigtime, CS_DATETIME, CS_BIGTIME>>)
+namespace {
+
+CS_DATETIME widen(CS_DATETIME4 *source) noexcept {
+  CS_DATETIME wide;
+  com__date4todt(source, &wide);
+  return wide;
+}
+
+int widen_and_take_date(CS_DATETIME4 *source, CS_DATE *dest) noexcept {
+  CS_DATETIME wide = widen(source);
+  return com__datetodatea(&wide, dest);
+}
+
+int widen_and_take_time(CS_DATETIME4 *source, CS_TIME *dest) noexcept {
+  CS_DATETIME wide = widen(source);
+  return com__datetotimea(&wide, dest);
+}
+
+int widen_and_take_bigtime(CS_DATETIME4 *source, CS_BIGTIME *dest) noexcept {
+  CS_DATETIME wide = widen(source);
+  return com__datetobigtime(&wide, dest);
+}
+
+} // namespace
+
+COMN_DATE_MEMBER(date4, date4, copy, always)
+COMN_DATE_MEMBER(date4, date, com__date4todt, always)
+COMN_DATE_MEMBER(date4, bigdatetime, com__date4tobigdatetime, always)
+COMN_DATE_MEMBER(date4, datea, widen_and_take_date, always)
+COMN_DATE_MEMBER(date4, timea, widen_and_take_time, always)
+COMN_DATE_MEMBER(date4, bigtime, widen_and_take_bigtime, always)
 COMN_DATE_TO_BIN(date4, date4)
 COMN_DATE_TO_VARBIN(date4, date4)

@@ -9,13 +9,20 @@
 
 #include "date_value.h"
 
-COMN_DATE_MEMBER(timea, date4,
-                 by_datetime<in_range<com__timeatodate, CS_TIME, CS_DATETIME>,
-                             in_range<com__dttodate4, CS_DATETIME, CS_DATETIME4>>)
-COMN_DATE_MEMBER(timea, date, always<com__timeatodate>)
-COMN_DATE_MEMBER(timea, bigdatetime, always<com__timeatobigdatetime>)
-COMN_DATE_MEMBER(timea, bigtime, always<com__timeatobigtime>)
-COMN_DATE_MEMBER(timea, timea, copy)
+namespace {
+
+int widen_and_round(CS_TIME *source, CS_DATETIME4 *dest) noexcept {
+  CS_DATETIME wide;
+  return com__timeatodate(source, &wide) != 0 || com__dttodate4(&wide, dest) != 0;
+}
+
+} // namespace
+
+COMN_DATE_MEMBER(timea, date4, widen_and_round, in_range)
+COMN_DATE_MEMBER(timea, date, com__timeatodate, always)
+COMN_DATE_MEMBER(timea, bigdatetime, com__timeatobigdatetime, always)
+COMN_DATE_MEMBER(timea, bigtime, com__timeatobigtime, always)
+COMN_DATE_MEMBER(timea, timea, copy, always)
 COMN_DATE_TO_BIN(timea, timea)
 COMN_DATE_TO_VARBIN(timea, timea)
 

@@ -27,22 +27,25 @@ constexpr CS_INT last_date4_day = 65535;      // 2079-06-06
 
 constexpr CS_INT last_year = 9999;
 
-// 1/300 seconds.
+// The units of the time of day, each once; then all of them by what counts them: ticks, which are
+// 1/300 seconds, and microseconds.
+constexpr CS_INT seconds_per_minute = 60;
+constexpr CS_INT seconds_per_hour = 60 * seconds_per_minute;
+constexpr CS_INT seconds_per_day = 24 * seconds_per_hour;
+constexpr CS_INT minutes_per_day = seconds_per_day / seconds_per_minute;
+
 constexpr CS_INT ticks_per_second = 300;
-constexpr CS_INT ticks_per_minute = 60 * ticks_per_second;
-constexpr CS_INT ticks_per_hour = 60 * ticks_per_minute;
-constexpr CS_INT ticks_per_day = 24 * ticks_per_hour;
-
-// The bits of a time that cracking looks at.
-constexpr CS_INT tick_mask = 0x1FFFFFF;
-
-constexpr CS_INT minutes_per_day = 24 * 60;
+constexpr CS_INT ticks_per_minute = seconds_per_minute * ticks_per_second;
+constexpr CS_INT ticks_per_day = seconds_per_day * ticks_per_second;
 
 constexpr CS_UBIGINT micros_per_milli = 1000;
 constexpr CS_UBIGINT micros_per_second = 1000000;
-constexpr CS_UBIGINT micros_per_minute = 60 * micros_per_second;
-constexpr CS_UBIGINT micros_per_hour = 60 * micros_per_minute;
-constexpr CS_UBIGINT micros_per_day = 24 * micros_per_hour;
+constexpr CS_UBIGINT micros_per_minute = seconds_per_minute * micros_per_second;
+constexpr CS_UBIGINT micros_per_hour = seconds_per_hour * micros_per_second;
+constexpr CS_UBIGINT micros_per_day = seconds_per_day * micros_per_second;
+
+// The bits of a time that cracking looks at.
+constexpr CS_INT tick_mask = 0x1FFFFFF;
 
 // Microseconds from 0000-01-01; year zero counts as a leap year.
 constexpr CS_UBIGINT first_bigdatetime = 366 * micros_per_day;
@@ -141,9 +144,9 @@ struct Time {
 };
 
 constexpr Time crack_seconds(uint32_t seconds) noexcept {
-  const uint32_t minutes = seconds / 60;
+  const uint32_t minutes = seconds / seconds_per_minute;
   return {static_cast<CS_INT>(minutes / 60), static_cast<CS_INT>(minutes % 60),
-          static_cast<CS_INT>(seconds % 60)};
+          static_cast<CS_INT>(seconds % seconds_per_minute)};
 }
 
 constexpr uint32_t seconds_of_ticks(CS_INT dttime) noexcept {

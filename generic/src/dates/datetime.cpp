@@ -103,8 +103,8 @@ struct ClockField {
 };
 
 constexpr ClockField clock_fields[] = {
-    {&CS_DATEREC::datehour, 23, 3600, COM_DATE_BADHOUR},
-    {&CS_DATEREC::dateminute, 59, 60, COM_DATE_BADMINUTE},
+    {&CS_DATEREC::datehour, 23, seconds_per_hour, COM_DATE_BADHOUR},
+    {&CS_DATEREC::dateminute, 59, seconds_per_minute, COM_DATE_BADMINUTE},
     {&CS_DATEREC::datesecond, 59, 1, COM_DATE_BADSECOND},
 };
 

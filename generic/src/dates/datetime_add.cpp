@@ -11,8 +11,6 @@ using namespace comn::calendar;
 
 namespace {
 
-constexpr int overflow = 1;
-
 // Protocol datatype numbers.
 enum ProtocolType : CS_BYTE {
   protocol_date = 49,
@@ -25,13 +23,13 @@ enum ProtocolType : CS_BYTE {
 
 // Moves year and month of a record and keeps its day inside the month. False, and nothing changed,
 // when a field would leave its type.
-bool add_calendar_units(Unit unit, CS_INT value, CS_DATEREC &fields) noexcept {
-  if (unit == Unit::years) {
+bool add_to_fields(Counts counts, CS_INT value, CS_DATEREC &fields) noexcept {
+  if (counts == Counts::years) {
     if (__builtin_add_overflow(fields.dateyear, value, &fields.dateyear))
       return false;
   } else {
     CS_INT months = value;
-    if (unit == Unit::quarters && __builtin_mul_overflow(value, 3, &months))
+    if (counts == Counts::quarters && __builtin_mul_overflow(value, 3, &months))
       return false;
     if (__builtin_add_overflow(fields.datemonth, months, &months))
       return false;
@@ -50,27 +48,16 @@ bool add_calendar_units(Unit unit, CS_INT value, CS_DATEREC &fields) noexcept {
   return true;
 }
 
-// How a part of the time is added to ticks. A value beyond a day's units is split into days first.
-struct TickUnits {
-  CS_INT per_day;
-  CS_INT ticks; // of one unit
-};
-constexpr TickUnits tick_units[] = {
-    {24, ticks_per_hour},
-    {24 * 60, ticks_per_minute},
-    {24 * 60 * 60, ticks_per_second},
-    {24 * 60 * 60 * 1000, 0}, // milliseconds go to the nearest tick
-};
-
-// Adds a part of the time to `ticks` and returns the days that it carries, or borrows.
-int64_t add_ticks(int part, int64_t value, int64_t &ticks) noexcept {
-  const TickUnits &units = tick_units[part - part_hour];
+// Adds units of the time to `ticks` and returns the days that it carries, or borrows. A value
+// beyond a day's units is split into days first; the sum then carries a single day.
+int64_t add_to_ticks(const PartUnit &unit, CS_INT value, int64_t &ticks) noexcept {
   int64_t days = 0;
-  if (value > units.per_day || value < -units.per_day) {
-    days = value / units.per_day;
-    value %= units.per_day;
+  int64_t rest = value;
+  if (rest > unit.per_day || rest < -unit.per_day) {
+    days = rest / unit.per_day;
+    rest %= unit.per_day;
   }
-  ticks += part == part_millisecond ? ticks_of_millis(value) : value * units.ticks;
+  ticks += ticks_of_units(unit, rest);
   if (ticks < 0) {
     ticks += ticks_per_day;
     --days;
@@ -93,70 +80,63 @@ void monthcheck(CS_DATEREC *fields) noexcept {
 }
 
 int com__date_add(int part, CS_INT value, CS_DATETIME *to) noexcept {
-  COMN_CHECK(is_datetime_part(part), overflow);
-  COMN_CHECK_PTR(to, overflow);
-  int64_t days = value;
-  int64_t ticks = to->dttime;
-  switch (const Unit unit = part_units[part].added) {
-  case Unit::years:
-  case Unit::quarters:
-  case Unit::months: {
+  COMN_CHECK(is_datetime_part(part), out_of_range);
+  COMN_CHECK_PTR(to, out_of_range);
+  const PartUnit &unit = part_units[part];
+  if (unit.is_field()) {
     CS_DATEREC fields;
     set_date_fields(fields, to->dtdays);
-    if (!add_calendar_units(unit, value, fields))
-      return overflow;
+    if (!add_to_fields(unit.counts, value, fields))
+      return out_of_range;
     return com__datemake(to, &fields);
   }
-  case Unit::days:
-    break;
-  case Unit::weeks:
-    days *= days_per_week;
-    break;
-  case Unit::time:
+  int64_t days = int64_t{value} * unit.days;
+  int64_t ticks = to->dttime;
+  if (unit.counts == Counts::time) {
+    // The whole of dttime is judged, its high bits too: deliberate.
     if (ticks >= ticks_per_day)
-      return overflow;
-    days = add_ticks(part, value, ticks);
-    break;
+      return out_of_range;
+    days = add_to_ticks(unit, value, ticks);
   }
   days += to->dtdays;
   if (days < first_day || days >= end_day)
-    return overflow;
+    return out_of_range;
   *to = {static_cast<CS_INT>(days), static_cast<CS_INT>(ticks)};
   return 0;
 }
 
 int com__bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to, CS_BYTE type) noexcept {
-  COMN_CHECK(is_big_part(part), overflow);
-  COMN_CHECK_PTR(to, overflow);
-  const PartUnits &units = part_units[part];
-  if (units.micros == 0) {
+  COMN_CHECK(is_big_part(part), out_of_range);
+  COMN_CHECK_PTR(to, out_of_range);
+  const PartUnit &unit = part_units[part];
+  if (unit.is_field()) {
     CS_DATEREC fields;
     const BigParts parts = split_big(*to);
     set_date_fields(fields, parts.days);
     set_bigtime_fields(fields, parts.micros);
-    if (!add_calendar_units(units.added, value, fields))
-      return overflow;
+    if (!add_to_fields(unit.counts, value, fields))
+      return out_of_range;
     return com_bigdatetimemake(to, &fields);
   }
   CS_BIGINT added;
   CS_BIGDATETIME sum;
-  if (__builtin_mul_overflow(value, units.micros, &added) ||
+  if (__builtin_mul_overflow(value, unit.micros, &added) ||
       __builtin_add_overflow(*to, added, &sum))
-    return overflow;
+    return out_of_range;
   if (type == protocol_bigdatetime && !is_bigdatetime(sum))
-    return overflow;
+    return out_of_range;
   // A time does not wrap round midnight, as the ticks of a CS_DATETIME do.
   if (type == protocol_bigtime && !is_bigtime(sum))
-    return overflow;
+    return out_of_range;
   *to = sum;
   return 0;
 }
 
 namespace {
 
-// Delivers a result of one type in the capacity that it must have.
-int deliver(const void *value, CS_INT size, __CONSTANT *result) noexcept {
-  COMN_CHECK_PTR(result->value, overflow);
+// Delivers a sum of one type in the capacity that it must have.
+int deliver_sum(const void *value, CS_INT size, __CONSTANT *result) noexcept {
+  COMN_CHECK_PTR(result->value, out_of_range);
   std::memcpy(result->value, value, static_cast<size_t>(size));
   result->len = result->maxlen;
   return 0;
@@ -165,64 +145,64 @@ int deliver(const void *value, CS_INT size, __CONSTANT *result) noexcept {
 } // namespace
 
 int com__dateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result) noexcept {
-  COMN_CHECK_PTR(src, overflow);
-  COMN_CHECK_PTR(result, overflow);
+  COMN_CHECK_PTR(src, out_of_range);
+  COMN_CHECK_PTR(result, out_of_range);
   CS_DATETIME sum{};
   if (src->len != sizeof sum && src->len != sizeof(CS_TIME))
-    return overflow;
-  COMN_CHECK_PTR(src->value, overflow);
+    return out_of_range;
+  COMN_CHECK_PTR(src->value, out_of_range);
   if (result->type == protocol_time) {
     // A time has no room for more.
     if (src->len != sizeof sum.dttime)
-      return overflow;
+      return out_of_range;
     std::memcpy(&sum.dttime, src->value, sizeof sum.dttime);
   } else {
     std::memcpy(&sum, src->value, static_cast<size_t>(src->len));
   }
   if (com__date_add(part, value, &sum) != 0)
-    return overflow;
+    return out_of_range;
 
   const bool is_four_bytes = result->maxlen == 4;
   switch (result->type) {
   case protocol_datetime:
     if (result->maxlen != sizeof sum || com__datetime_check_range(&sum) != 0)
-      return overflow;
-    return deliver(&sum, sizeof sum, result);
+      return out_of_range;
+    return deliver_sum(&sum, sizeof sum, result);
   case protocol_date:
-    return is_four_bytes ? deliver(&sum.dtdays, sizeof sum.dtdays, result) : overflow;
+    return is_four_bytes ? deliver_sum(&sum.dtdays, sizeof sum.dtdays, result) : out_of_range;
   case protocol_time:
-    return is_four_bytes ? deliver(&sum.dttime, sizeof sum.dttime, result) : overflow;
+    return is_four_bytes ? deliver_sum(&sum.dttime, sizeof sum.dttime, result) : out_of_range;
   case protocol_datetime4: {
     CS_DATETIME4 small;
     if (!is_four_bytes || com__dttodate4(&sum, &small) != 0)
-      return overflow;
-    return deliver(&small, sizeof small, result);
+      return out_of_range;
+    return deliver_sum(&small, sizeof small, result);
   }
   default:
-    return overflow;
+    return out_of_range;
   }
 }
 
 int com__bigdateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result) noexcept {
-  COMN_CHECK_PTR(src, overflow);
-  COMN_CHECK_PTR(result, overflow);
+  COMN_CHECK_PTR(src, out_of_range);
+  COMN_CHECK_PTR(result, out_of_range);
   if (src->len != sizeof(CS_BIGDATETIME))
-    return overflow;
-  COMN_CHECK_PTR(src->value, overflow);
+    return out_of_range;
+  COMN_CHECK_PTR(src->value, out_of_range);
   auto sum = comn::load<CS_BIGDATETIME>(src->value);
   if (com__bigdate_add(part, value, &sum, result->type) != 0)
-    return overflow;
+    return out_of_range;
 
   if (result->maxlen != sizeof sum)
-    return overflow;
+    return out_of_range;
   switch (result->type) {
   case protocol_bigdatetime:
-    return deliver(&sum, sizeof sum, result);
+    return deliver_sum(&sum, sizeof sum, result);
   case protocol_bigtime:
     sum = micros_of_day(sum);
-    return deliver(&sum, sizeof sum, result);
+    return deliver_sum(&sum, sizeof sum, result);
   default:
-    return overflow;
+    return out_of_range;
   }
 }
 

@@ -88,8 +88,8 @@ uint32_t shown_micros(const CS_DATEREC &fields, CS_INT secprec) noexcept {
 }
 
 // Writes the text and returns its end. `name` is the month's, if the layout has it.
-char *write(char *out, const Layout &layout, const CS_DATEREC &fields, const CS_CHAR *name,
-            CS_INT secprec) noexcept {
+char *write_fields(char *out, const Layout &layout, const CS_DATEREC &fields, const CS_CHAR *name,
+                   CS_INT secprec) noexcept {
   for (const Code *code = layout.codes, *end = code + layout.count; code != end; ++code) {
     switch (code->field) {
     case literal:
@@ -147,8 +147,8 @@ char *write(char *out, const Layout &layout, const CS_DATEREC &fields, const CS_
 
 constexpr size_t text_capacity = 255;
 
-CS_INT format(const Layout *layout, const CS_DATEREC &fields, CS_CHAR *buf, CS_INT len,
-              CS_CHAR **shortmths, CS_INT secprec) noexcept {
+CS_INT write_text(const Layout *layout, const CS_DATEREC &fields, CS_CHAR *buf, CS_INT len,
+                  CS_CHAR **shortmths, CS_INT secprec) noexcept {
   if (layout == nullptr)
     return unknown_style;
   const CS_CHAR *name = nullptr;
@@ -161,9 +161,10 @@ CS_INT format(const Layout *layout, const CS_DATEREC &fields, CS_CHAR *buf, CS_I
       return no_name;
   }
   if (len < 0 || len >= layout->max_length)
-    return static_cast<CS_INT>(write(buf, *layout, fields, name, secprec) - buf);
+    return static_cast<CS_INT>(write_fields(buf, *layout, fields, name, secprec) - buf);
   char text[text_capacity];
-  const auto length = static_cast<CS_INT>(write(text, *layout, fields, name, secprec) - text);
+  const auto length =
+      static_cast<CS_INT>(write_fields(text, *layout, fields, name, secprec) - text);
   std::memcpy(buf, text, static_cast<size_t>(std::min(length, len)));
   return length <= len ? length : cut;
 }
@@ -214,14 +215,14 @@ CS_INT com__daterectochar(CS_DATEREC *trparts, CS_CHAR *buf, CS_INT len, CS_INT 
                           CS_CHAR **shortmths, CS_INT secprec) noexcept {
   COMN_CHECK_PTR(trparts, cut);
   COMN_CHECK_PTR(buf, cut);
-  return format(find(date_layouts, style), *trparts, buf, len, shortmths, secprec);
+  return write_text(find_layout(date_layouts, style), *trparts, buf, len, shortmths, secprec);
 }
 
 CS_INT com__timerectochar(CS_DATEREC *trparts, CS_CHAR *buf, CS_INT len, CS_INT style,
                           CS_CHAR **shortmths, CS_INT secprec) noexcept {
   COMN_CHECK_PTR(trparts, cut);
   COMN_CHECK_PTR(buf, cut);
-  return format(find(time_layouts, style), *trparts, buf, len, shortmths, secprec);
+  return write_text(find_layout(time_layouts, style), *trparts, buf, len, shortmths, secprec);
 }
 
 CS_INT com__datetochar(CS_DATETIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
@@ -231,7 +232,7 @@ CS_INT com__datetochar(CS_DATETIME *value, CS_CHAR *buf, CS_INT len, CS_INT styl
   CS_DATEREC fields;
   set_shown_date_fields(fields, value->dtdays);
   set_time_fields(fields, value->dttime);
-  return format(find(date_layouts, style), fields, buf, len, shortmths, tick_precision);
+  return write_text(find_layout(date_layouts, style), fields, buf, len, shortmths, tick_precision);
 }
 
 CS_INT com__date4tochar(CS_DATETIME4 *value, CS_CHAR *buf, CS_INT len, CS_INT style,
@@ -250,7 +251,7 @@ CS_INT com__bigdatetimetochar(CS_BIGDATETIME *value, CS_CHAR *buf, CS_INT len, C
   const BigParts parts = split_big(*value);
   set_shown_date_fields(fields, parts.days);
   set_bigtime_fields(fields, parts.micros);
-  return format(find(date_layouts, style), fields, buf, len, shortmths, micro_precision);
+  return write_text(find_layout(date_layouts, style), fields, buf, len, shortmths, micro_precision);
 }
 
 CS_INT com__bigtimetochar(CS_BIGTIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
@@ -261,7 +262,7 @@ CS_INT com__bigtimetochar(CS_BIGTIME *value, CS_CHAR *buf, CS_INT len, CS_INT st
   fields.dateyear = 1;
   fields.datedmonth = 1;
   set_bigtime_fields(fields, micros_of_day(*value));
-  return format(find(time_layouts, style), fields, buf, len, shortmths, micro_precision);
+  return write_text(find_layout(time_layouts, style), fields, buf, len, shortmths, micro_precision);
 }
 
 CS_INT com__timeatochar(CS_TIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
@@ -271,7 +272,7 @@ CS_INT com__timeatochar(CS_TIME *value, CS_CHAR *buf, CS_INT len, CS_INT style,
   CS_DATEREC fields;
   set_shown_date_fields(fields, 0);
   set_time_fields(fields, *value);
-  return format(find(time_layouts, style), fields, buf, len, shortmths, tick_precision);
+  return write_text(find_layout(time_layouts, style), fields, buf, len, shortmths, tick_precision);
 }
 
 CS_INT com__dateatochar(CS_DATE *value, CS_CHAR *buf, CS_INT len, CS_INT style,
@@ -282,8 +283,8 @@ CS_INT com__dateatochar(CS_DATE *value, CS_CHAR *buf, CS_INT len, CS_INT style,
   set_shown_date_fields(fields, *value);
   set_time_fields(fields, 0);
   const bool is_date_only = style == 0 || style == 9;
-  const Layout *layout = is_date_only ? &date_only_layout : find(date_layouts, style);
-  return format(layout, fields, buf, len, shortmths, tick_precision);
+  const Layout *layout = is_date_only ? &date_only_layout : find_layout(date_layouts, style);
+  return write_text(layout, fields, buf, len, shortmths, tick_precision);
 }
 
 CS_INT com_date2char_ex(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,

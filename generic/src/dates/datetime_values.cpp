@@ -64,9 +64,9 @@ int com__bigdttodate4(CS_BIGDATETIME *src, CS_DATETIME4 *dest) noexcept {
   const BigParts parts = split_big(*src);
   if (!is_date4_day(parts.days))
     return 1;
-  const Time time = crack_seconds(seconds_of_micros(parts.micros));
-  const CS_INT second = time.second + (fraction_of_micros(parts.micros) >= micro_precision / 2);
-  return store_date4(parts.days, time.hour * 60 + time.minute + (second >= 30), *dest);
+  const bool rounds_up = fraction_of_micros(parts.micros) >= micro_precision / 2;
+  const auto seconds = static_cast<CS_INT>(seconds_of_micros(parts.micros)) + rounds_up;
+  return store_date4(parts.days, (seconds + seconds_per_minute / 2) / seconds_per_minute, *dest);
 }
 
 int com__date4todt(CS_DATETIME4 *src, CS_DATETIME *dest) noexcept {

@@ -203,7 +203,7 @@ inline constexpr LayoutTable time_layouts = compile_all(true);
 inline constexpr Layout date_only_layout = compile(date_only);
 
 // Null for a style that does not exist.
-inline const Layout *find(const LayoutTable &table, CS_INT style) noexcept {
+inline const Layout *find_layout(const LayoutTable &table, CS_INT style) noexcept {
   if (style < 0 || style >= style_count)
     return nullptr;
   const Layout &layout = table[static_cast<size_t>(style)];

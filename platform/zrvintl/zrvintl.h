@@ -36,6 +36,8 @@ extern "C" {
 #define ZRVINTL_ESIZE (-10)   /* the result and its terminator do not fit */
 #define ZRVINTL_ENOHOME (-11) /* no home directory can be found */
 
+/* A program that defines the next four itself takes the memory of both libraries over. */
+
 /* A block of `size` bytes, uninitialised, aligned for any type; null on failure. A size of 0 gives
  * a block of its own that holds nothing. Release with comn_free. */
 ZRV_API void *comn_malloc(size_t size) ZRVINTL_NOEXCEPT;

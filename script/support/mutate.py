@@ -202,6 +202,8 @@ class Workshop:
         self.original = build
         self.processes = processes
         self.log = folder / "log"
+        self.temporary = folder / "tmp"  # for files of a compiler or a test that is killed
+        self.temporary.mkdir(parents=True)
         self.unit = self.moved(unit)
         self.programs = programs
         libraries = {}
@@ -287,10 +289,13 @@ class Workshop:
             if not (copy / path.name).exists():
                 (copy / path.name).symlink_to(path)
 
+    def environment(self, **more):
+        return {**os.environ, "TMPDIR": str(self.temporary), **more}
+
     def shell(self, command):
         with open(self.log, "wb") as log:
             return self.processes.run(["/bin/sh", "-c", command], cwd=self.build, stdout=log, stderr=log,
-                                      env={**os.environ, "CCACHE_DISABLE": "1"}) == 0
+                                      env=self.environment(CCACHE_DISABLE="1")) == 0
 
     def compile(self):
         """The bytes of the objects that the unit reaches, or None when one does not compile."""
@@ -319,7 +324,7 @@ class Workshop:
             status = self.processes.run(
                 ["/bin/sh", "-c", limits + 'exec "$@"', "sh", *command], cwd=self.build, stdout=log, stderr=log,
                 timeout=10 * cpu_seconds if cpu_seconds else None,
-                env={**os.environ, "LD_LIBRARY_PATH": self.library_path})
+                env=self.environment(LD_LIBRARY_PATH=self.library_path))
         return None if status in (-signal.SIGXCPU, -signal.SIGKILL) else status
 
     def output(self):

@@ -185,7 +185,5 @@ void com__uninitialize_tds_text(OCTET *challenge, OCTET *response) noexcept {
   OCTET row = 0;
   for (int i = 0; i < COM_ENC_TDSLEN; ++i)
     row ^= challenge[i];
-  // The row is read as it stands; the build comes before, or its bytes would not be there.
-  make_ready();
   com__char_initialize(challenge, Com__Netkey[row], response, 0);
 }

@@ -144,10 +144,25 @@ TEST(ComStTest, StatesWithoutEvents) {
 TEST(ComStTest, TableWithoutACount) {
   CS_ST_TABLE table = state_table();
   CS_NS_TABLE next = next_state_table();
-  table.st_numstates = next.nsnumstates = 0;
-  EXPECT_EQ(com_st_ver(&table, 1, 7), 1);
+  for (const CS_INT count : {0, -1}) {
+    table.st_numstates = next.nsnumstates = count;
+    EXPECT_EQ(com_st_ver(&table, 1, 7), 1);
+    EXPECT_EQ(com_st_trans(&table, 0, 1), 1);
+    EXPECT_EQ(com_ns_trans(&next, 1, 7), 0);
+  }
+}
+
+// One state is counted, although the lists of others stand behind it.
+TEST(ComStTest, TableOfOneState) {
+  CS_ST_TABLE table = state_table();
+  CS_NS_TABLE next = next_state_table();
+  table.st_numstates = next.nsnumstates = 1;
+  EXPECT_EQ(com_st_ver(&table, 0, 7), 1);
   EXPECT_EQ(com_st_trans(&table, 0, 1), 1);
-  EXPECT_EQ(com_ns_trans(&next, 1, 7), 0);
+  EXPECT_EQ(com_ns_trans(&next, 0, 1), 1);
+  EXPECT_EQ(com_st_ver(&table, 1, 7), 0);
+  EXPECT_EQ(com_st_trans(&table, 1, 7), 254);
+  EXPECT_EQ(com_ns_trans(&next, 1, 7), 149);
 }
 
 TEST(ComStTest, NullPointers) {

@@ -390,6 +390,19 @@ TEST(CommapsTest, EndOfABitMapToLibrary) {
   }
 }
 
+// Zero that no row of a bit map has is a miss; what stands behind the end is not asked.
+TEST(CommapsTest, ZeroThroughABitMapWithoutARowForIt) {
+  const TDS_TOKENMAP map[] = {{1, 2}, {4, 8}, {bit_end, bit_end}, {0, 0}, {0, 16}, {16, 0}};
+  CS_INT destination = 77, unmapped = 77;
+  EXPECT_EQ(com__tds_tdstocs_map(map, 0, &destination, &unmapped, 0), CS_FAIL);
+  EXPECT_EQ(destination, 0);
+  EXPECT_EQ(unmapped, 0);
+  destination = unmapped = 77;
+  EXPECT_ASSERTION(unit, CS_FAIL, com__tds_cstotds_map(map, 0, &destination, &unmapped, 0));
+  EXPECT_EQ(destination, 0);
+  EXPECT_EQ(unmapped, 0);
+}
+
 // ---- protocol versions ----
 
 TEST(CommapsTest, VersionToBytes) {

@@ -24,8 +24,9 @@ constexpr size_t longest_line = INTL_LINE_SIZE - 1;
 // What stands behind `file`: the descriptor and what was read ahead.
 struct Input {
   int descriptor;
-  int status;       // 0, or the error at which the file stays
-  size_t next, end; // the bytes that are not used yet
+  int status;        // 0, or the error at which the file stays
+  size_t next, end;  // the bytes that are not used yet
+  size_t value_used; // bytes of the record's value that may not be zero
   char bytes[4096];
 };
 
@@ -108,13 +109,19 @@ bool read_line(INTL_LOCFILE &file) noexcept {
   return true;
 }
 
-// The byte under the cursor, or line_end. A backslash at the end of a line joins the next line.
-int peek(INTL_LOCFILE &file) noexcept {
+// The byte under the cursor where the line may end: a backslash that ends it joins the next line.
+[[gnu::noinline]] int peek_at_end(INTL_LOCFILE &file) noexcept {
   while (file.linepos + 1 == file.linelen && file.line[file.linepos] == file.escape)
     if (!read_line(file))
       fail(file, ZRVINTL_ESYNTAX); // there is none
   return file.linepos < file.linelen ? static_cast<unsigned char>(file.line[file.linepos])
                                      : line_end;
+}
+
+// The byte under the cursor, or line_end.
+int peek(INTL_LOCFILE &file) noexcept {
+  return file.linepos + 1 < file.linelen ? static_cast<unsigned char>(file.line[file.linepos])
+                                         : peek_at_end(file);
 }
 
 void skip_blanks(INTL_LOCFILE &file) noexcept {
@@ -135,34 +142,44 @@ bool find_line(INTL_LOCFILE &file) noexcept {
 
 // ---- texts ----
 
-// A name or a value on its way into the record. Blanks count when a text byte follows them. What has
-// no room is counted and not stored.
+// A name or a value on its way into the record. What has no room is counted and not stored.
 class Text {
 public:
+  // `used` bytes of the buffer may not be zero.
   template <size_t size>
-  explicit Text(char (&buffer)[size]) noexcept : bytes(buffer), room(size - 1) {
-    std::memset(buffer, 0, size);
+  Text(char (&buffer)[size], size_t used) noexcept : bytes(buffer), room(size - 1) {
+    std::memset(buffer, 0, used);
   }
 
-  void add(int byte) noexcept {
-    put(byte);
+  void add(const char *run, size_t count) noexcept {
+    put(run, count);
     length = end;
   }
-  void add_blank(int byte) noexcept { put(byte); }
+
+  // Adds bytes of which the blanks at the end count only when a further byte follows.
+  void add_trimmed(const char *run, size_t count) noexcept {
+    put(run, count);
+    size_t blanks = 0;
+    while (blanks < count && is_blank(run[count - 1 - blanks]))
+      ++blanks;
+    if (blanks < count)
+      length = end - blanks;
+  }
 
   // Takes away the blanks at the end.
   void finish() noexcept {
     if (length < room)
       std::memset(bytes + length, 0, std::min(end, room) - length);
   }
+  size_t used() const noexcept { return std::min(length, room); }
   bool is_empty() const noexcept { return length == 0; }
   bool is_too_long() const noexcept { return length > room; }
 
 private:
-  void put(int byte) noexcept {
+  void put(const char *run, size_t count) noexcept {
     if (end < room)
-      bytes[end] = static_cast<char>(byte);
-    ++end;
+      std::memcpy(bytes + end, run, std::min(count, room - end));
+    end += count;
   }
 
   char *bytes;
@@ -170,26 +187,6 @@ private:
   size_t length = 0; // up to the last byte that is not a blank
   size_t end = 0;
 };
-
-// Reads a name and the byte that ends it. Backslashes in it are text.
-template <size_t size>
-bool read_name(INTL_LOCFILE &file, char (&name)[size], char ending) noexcept {
-  Text text(name);
-  skip_blanks(file);
-  for (int byte; (byte = peek(file)) != ending; ++file.linepos) {
-    if (byte == line_end)
-      return fail(file, ZRVINTL_ESYNTAX);
-    if (is_blank(byte))
-      text.add_blank(byte);
-    else
-      text.add(byte);
-  }
-  ++file.linepos;
-  text.finish();
-  if (text.is_empty())
-    return fail(file, ZRVINTL_ESYNTAX);
-  return !text.is_too_long() || fail(file, ZRVINTL_ENAME);
-}
 
 int hex_digit(char digit) noexcept {
   if (digit >= '0' && digit <= '9')
@@ -201,50 +198,71 @@ int hex_digit(char digit) noexcept {
 // Passes a backslash and what belongs to it: \xHH is one byte, anything else stands for itself. The
 // line's terminator is no digit, so nothing behind it is looked at.
 void read_escape(INTL_LOCFILE &file, Text &text) noexcept {
-  const char *const follows = file.line + file.linepos + 1;
+  const char *const escape = file.line + file.linepos;
   int high, low;
-  if (follows[0] == 'x' && (high = hex_digit(follows[1])) >= 0 &&
-      (low = hex_digit(follows[2])) >= 0) {
-    text.add(high << 4 | low);
+  if (escape[1] == 'x' && (high = hex_digit(escape[2])) >= 0 && (low = hex_digit(escape[3])) >= 0) {
+    const char byte = static_cast<char>(high << 4 | low);
+    text.add(&byte, 1);
     file.linepos += 4;
-    return;
+  } else {
+    text.add(escape, 2);
+    file.linepos += 2;
   }
-  text.add(file.escape);
-  text.add(follows[0]);
-  file.linepos += 2;
 }
 
-// Reads the bytes of a value up to `ending`, or up to the end of the line.
-void read_bytes(INTL_LOCFILE &file, Text &text, char ending) noexcept {
+enum class Kind { name, plain_value, quoted_value };
+
+// Reads bytes up to `ending`, or up to the end of the line. In a name a backslash is text.
+void read_text(INTL_LOCFILE &file, Text &text, char ending, Kind kind) noexcept {
   for (int byte; (byte = peek(file)) != ending && byte != line_end;) {
-    if (byte == file.escape) {
+    if (byte == file.escape && kind != Kind::name) {
       read_escape(file, text);
       continue;
     }
-    if (is_blank(byte) && file.isquoted == 0)
-      text.add_blank(byte);
+    // A backslash is looked at again: it may end the line.
+    const char *const run = file.line + file.linepos;
+    const char *const end =
+        std::find_if(run + 1, static_cast<const char *>(file.line + file.linelen),
+                     [ending, escape = file.escape](char c) { return c == ending || c == escape; });
+    const auto count = static_cast<size_t>(end - run);
+    if (kind == Kind::quoted_value)
+      text.add(run, count);
     else
-      text.add(byte);
-    ++file.linepos;
+      text.add_trimmed(run, count);
+    file.linepos += static_cast<int>(count);
   }
+}
+
+// Reads a name and the byte that ends it.
+template <size_t size>
+bool read_name(INTL_LOCFILE &file, char (&name)[size], char ending) noexcept {
+  Text text(name, size);
+  skip_blanks(file);
+  read_text(file, text, ending, Kind::name);
+  text.finish();
+  if (peek(file) == line_end || text.is_empty())
+    return fail(file, ZRVINTL_ESYNTAX);
+  ++file.linepos;
+  return !text.is_too_long() || fail(file, ZRVINTL_ENAME);
 }
 
 // Reads the value under the cursor and what separates it from the next one.
 bool read_value(INTL_LOCFILE &file) noexcept {
-  Text text(file.value);
+  Text text(file.value, input_of(file).value_used);
   skip_blanks(file);
   file.isquoted = peek(file) == file.quote_char;
   if (file.isquoted != 0) {
     ++file.linepos;
-    read_bytes(file, text, file.quote_char);
+    read_text(file, text, file.quote_char, Kind::quoted_value);
     if (peek(file) == line_end)
       return fail(file, ZRVINTL_ESYNTAX);
     ++file.linepos;
     skip_blanks(file);
   } else {
-    read_bytes(file, text, file.list_sep);
+    read_text(file, text, file.list_sep, Kind::plain_value);
   }
   text.finish();
+  input_of(file).value_used = text.used();
   const int separator = peek(file);
   if (separator != file.list_sep && separator != line_end)
     return fail(file, ZRVINTL_ESYNTAX);
@@ -334,7 +352,7 @@ int intl_open(const char *path, INTL_LOCFILE *ifile) noexcept {
     return ZRVINTL_EOPEN;
   }
   input->status = 0;
-  input->next = input->end = 0;
+  input->next = input->end = input->value_used = 0;
   ifile->version = record_version;
   ifile->file = input;
   ifile->end_of_list = 1;

@@ -390,6 +390,18 @@ TEST(CommapsTest, EndOfABitMapToLibrary) {
   }
 }
 
+// The bit of the sign is a bit like any other.
+TEST(CommapsTest, SignBitOfABitMap) {
+  const TDS_TOKENMAP map[] = {{lowest, 1}, {2, lowest}, {bit_end, bit_end}};
+  CS_INT destination = 77, unmapped = 77;
+  EXPECT_EQ(com__tds_cstotds_map(map, lowest | 2, &destination, &unmapped, 0), CS_SUCCEED);
+  EXPECT_EQ(destination, lowest | 1);
+  EXPECT_EQ(unmapped, 0);
+  EXPECT_EQ(com__tds_tdstocs_map(map, lowest | 1, &destination, &unmapped, 0), CS_SUCCEED);
+  EXPECT_EQ(destination, lowest | 2);
+  EXPECT_EQ(unmapped, 0);
+}
+
 // Zero that no row of a bit map has is a miss; what stands behind the end is not asked.
 TEST(CommapsTest, ZeroThroughABitMapWithoutARowForIt) {
   const TDS_TOKENMAP map[] = {{1, 2}, {4, 8}, {bit_end, bit_end}, {0, 0}, {0, 16}, {16, 0}};

@@ -365,3 +365,47 @@ TEST(Dlsym, SearchesTheProcess) {
   EXPECT_EQ(com_dlsym(absent), nullptr);
   EXPECT_NULL_POINTER_CHECK("com_util.cpp", static_cast<void *>(nullptr), com_dlsym(nullptr));
 }
+
+TEST(SanitizeName, FoldsUpToAndIncludingThePosition) {
+  const struct {
+    CS_INT sanitize, size;
+    const char *result;
+  } rows[] = {{1, 2, "abcDeF"},  {1, 20, "abcdef"}, {2, 0, "AbCDeF"},  {2, 5, "ABCDEF"},
+              {1, -1, "AbCDeF"}, {0, 20, "AbCDeF"}, {3, 20, "AbCDeF"}, {-1, 20, "AbCDeF"}};
+  for (const auto &row : rows) {
+    char name[] = "AbCDeF";
+    comn__sanitize_name(row.sanitize, name, row.size);
+    EXPECT_STREQ(name, row.result) << row.sanitize << ' ' << row.size;
+  }
+  char first[] = "ab";
+  comn__sanitize_name(2, first, 0);
+  EXPECT_STREQ(first, "Ab");
+}
+
+TEST(SanitizeName, EndsAtANul) {
+  char name[] = "AB\0CD";
+  comn__sanitize_name(1, name, 4);
+  EXPECT_EQ(std::string(name, 5), std::string("ab\0CD", 5));
+}
+
+TEST(SanitizeName, NullPointerIsChecked) {
+  for (const CS_INT sanitize : {0, 1}) {
+    const auto report = zrvtest::catch_check([=] { comn__sanitize_name(sanitize, nullptr, 4); });
+    EXPECT_TRUE(zrvtest::is_null_pointer_report(report, "com_util.cpp")) << report.text;
+  }
+}
+
+// Deliberate: other than a result, a name follows the locale of the application.
+TEST(SanitizeName, FollowsTheLocaleOfTheApplication) {
+  char plain[] = "\xC9\xE9";
+  comn__sanitize_name(1, plain, 2);
+  EXPECT_STREQ(plain, "\xC9\xE9");
+  const zrvtest::ForeignLocale locale("ISO-8859-1");
+  if (!locale.is_set())
+    GTEST_SKIP() << "no locale that folds accented bytes can be had";
+  char name[] = "\xC9\xE9";
+  comn__sanitize_name(1, name, 2);
+  EXPECT_STREQ(name, "\xE9\xE9");
+  comn__sanitize_name(2, name, 2);
+  EXPECT_STREQ(name, "\xC9\xC9");
+}

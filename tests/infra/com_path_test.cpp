@@ -581,22 +581,4 @@ TEST_F(ApplicationName, UnreadableLink) {
   EXPECT_STREQ(name.text(), "");
 }
 
-TEST(SanitizeName, FoldsUpToAndIncludingThePosition) {
-  const struct {
-    CS_INT sanitize, size;
-    const char *result;
-  } rows[] = {{1, 2, "abcDeF"},  {1, 20, "abcdef"}, {2, 0, "AbCDeF"}, {2, 5, "ABCDEF"},
-              {1, -1, "AbCDeF"}, {0, 20, "AbCDeF"}, {3, 20, "AbCDeF"}};
-  for (const auto &row : rows) {
-    char name[] = "AbCDeF";
-    comn__sanitize_name(row.sanitize, name, row.size);
-    EXPECT_STREQ(name, row.result) << row.sanitize << ' ' << row.size;
-  }
-  char with_nul[] = "AB\0CD";
-  comn__sanitize_name(1, with_nul, 4);
-  EXPECT_EQ(std::string(with_nul, 5), std::string("ab\0CD", 5));
-  const auto report = zrvtest::catch_check([] { comn__sanitize_name(1, nullptr, 4); });
-  EXPECT_TRUE(zrvtest::is_null_pointer_report(report, "com_util.cpp"));
-}
-
 } // namespace

@@ -113,8 +113,9 @@ ZRV_PRIVATE void *lm___malloc(void *user, size_t size) ZRV_NOEXCEPT;
 ZRV_PRIVATE void lm___free(void *user, void *block) ZRV_NOEXCEPT;
 
 /*
- * The hash of a key. Its bytes are signed and read as big-endian words, 37 is the multiplier. A
- * size of 0 gives 0. CS_SUCCEED; a negative size, or null with a size, is fatal.
+ * The hash of a key. Its bytes are signed and read as big-endian words, the last of which is filled
+ * up with 0x5A; 37 is the multiplier. A size of 0 gives 0. CS_SUCCEED; a negative size, or null with
+ * a size, is fatal.
  */
 ZRV_PRIVATE CS_RETCODE lm___api_key_to_uint(CS_CHAR *key, CS_INT key_size,
                                             CS_UINT *output) ZRV_NOEXCEPT;
@@ -129,12 +130,14 @@ ZRV_PRIVATE CS_RETCODE lm__api_key_to_hash2(CS_CHAR *key, CS_INT key_size, CS_IN
 /*
  * The node pool of a list.
  *
- * lm__get_dlinknode       a node from the pool, or a new one. CS_SUCCEED or CS_MEM_ERROR
- * lm__free_dlinknode      a node back to the pool if it has room, else to the allocator. CS_SUCCEED
+ * lm__get_dlinknode         a node from the pool, or a new one. CS_SUCCEED or CS_MEM_ERROR; a node of
+ *                           the pool that is LM_RELEASED is fatal
+ * lm__free_dlinknode        a node back to the pool if it has room, else to the allocator. CS_SUCCEED
  * lm__api_dlink_mpool_init  adds nodes up from `oldsize` to max_poolsize. CS_SUCCEED; CS_MEM_ERROR:
- *                         the whole pool is released then. Nothing to add is fatal
- * lm__api_dlink_mpool_drop  releases `oldsize` - max_poolsize free nodes, all of them if the two
- * are equal, at most as many as there are. CS_SUCCEED
+ *                           the whole pool is released then, and free_nodes stays as it was. Nothing
+ *                           to add is fatal
+ * lm__api_dlink_mpool_drop  releases `oldsize` - max_poolsize free nodes, all of them if the two are
+ *                           equal, at most as many as there are. CS_SUCCEED
  */
 ZRV_PRIVATE CS_RETCODE lm__get_dlinknode(LM_HANDLE *handle, DLinkNode **node) ZRV_NOEXCEPT;
 ZRV_PRIVATE CS_RETCODE lm__free_dlinknode(LM_HANDLE *handle, DLinkNode *node) ZRV_NOEXCEPT;

@@ -145,18 +145,24 @@ ZRV_API CS_RETCODE lm_list_alloc_ex(LM_CONTEXT *context, CS_INT list_type, CS_CH
  *
  * LM_DLINK. `key` is no key but the address of a cursor: a walk of the caller's own. If `*key` is
  * not null it is where the operation starts, else the list's own cursor is; at the end the cursor
- * goes to `*key` if `key` is not null, and to the list otherwise. Start a walk with null in `*key`,
- * and do not use it behind the back of a deletion of its entry.
+ * goes to `*key` if `key` is not null, and to the list otherwise. Start a walk with null in `*key`.
+ * The cursor counts for what starts at it alone: INSERT in front of it or behind it, DELETE, REPLACE,
+ * NEXT, PREV, CURRENT and PRINT. There it is fatal if its entry was deleted. To all others it may
+ * point anywhere, so that a walk can begin anew with the same variable; PRINTALL and APPLY leave it
+ * where it is, and deliver null for an entry that is gone.
  *   INSERT    adds `data_in` at the position in `key_size` (LM_POS_BEFORE and LM_POS_AFTER the
  *             cursor, LM_OP_FIRST, LM_OP_LAST; another one is fatal unless the list is empty); the
  *             new entry becomes the cursor
  *   DELETE    removes the cursor's entry; without one it is fatal. The cursor becomes the new head
- *             or tail at the ends, else the predecessor
+ *             or tail at the ends, else the predecessor; so does the list's own cursor if it stood on
+ *             the entry, under a cursor of the caller's too. Other cursors there are stale from now on
  *   REPLACE   stores `data_in` in the cursor's entry; CS_FAIL without one
  *   NEXT PREV step; CS_FAIL at the end or without a cursor, which then stays
  *   FIRST LAST CURRENT
- *   PRINT     calls the print function on the cursor's data; CS_FAIL without a function or cursor
- *   PRINTALL  calls it on all data, from the head; the first CS_FAIL stops and is the result
+ *   PRINT     calls the print function on the cursor's data; CS_FAIL without a function or cursor, or
+ *             if the function returns that
+ *   PRINTALL  calls it on all data, from the head; the first CS_FAIL stops and is the result. The
+ *             function may delete the entry that it is called with
  *   APPLY     the same with the function whose address is stored at `data_in`
  *
  * LM_QUEUE, LM_STACK. `key` and `key_size` are not read. INSERT at the tail (queue) or head
@@ -167,10 +173,17 @@ ZRV_API CS_RETCODE lm_list_alloc_ex(LM_CONTEXT *context, CS_INT list_type, CS_CH
  *   INSERT    adds an entry without a look for duplicates; the newest of a key is found first in an
  *             LM_CHASH. A full LM_DHASH is fatal
  *   SEARCH    makes the entry current. An LM_DHASH compares as many bytes as the search key has, so
- *             a prefix of a stored key finds it
- *   DELETE    REPLACE and PRINT work on the entry of the key, or on the current one if `key` is
- *             null or `key_size` is CS_UNUSED. Delete from an LM_CHASH by key: without, the head of
- *             a chain keeps its place in the table until the chain is used again
+ *             a prefix of a stored key finds it; it reads no stored key past its size, so one that is
+ *             shorter than the search key is never found
+ *   DELETE    removes the entry of the key, or the current one if `key` is null or `key_size` is
+ *             CS_UNUSED; without one it is fatal. Current is then, in an LM_CHASH, the predecessor in
+ *             the chain, else the successor; in an LM_DHASH the empty slot. Delete from an LM_CHASH
+ *             by key: without, the head of any chain but that of bucket 0 keeps its place in the
+ *             table, and its node counts against the pool, until the bucket is used again
+ *   REPLACE   stores `data_in` in the entry that DELETE would remove; CS_FAIL without one
+ *   PRINT     calls the print function on the data of that entry. CS_FAIL without a function, or if
+ *             the function returns that. Without an entry an LM_CHASH prints "NULL" on the debug
+ *             stream, in an LM_DHASH it is fatal
  *   PRINTALL  calls the print function on all keys and all data, with captions on the debug stream
  *   APPLY     calls the function stored at `data_in` on all data; in an LM_DHASH on that of every
  *             slot, null where there is none
@@ -179,8 +192,16 @@ ZRV_API CS_RETCODE lm_list_alloc_ex(LM_CONTEXT *context, CS_INT list_type, CS_CH
 ZRV_API CS_RETCODE lm_list_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
                               CS_VOID *data_in, CS_VOID **data_out) ZRV_NOEXCEPT;
 
-/* Releases a list, not its keys and data. LM_DROP_NORMAL: CS_FAIL while it has entries.
- * LM_DROP_FORCE: in any case. A null handle is CS_FAIL; another option is fatal. */
+/*
+ * Releases a list, not its keys and data.
+ *
+ * option  in   LM_DROP_NORMAL: CS_FAIL while it has entries. LM_DROP_FORCE: in any case. Another one
+ *              is fatal
+ *
+ * Everything is checked before anything is released: a list that its context does not know, a load
+ * that is not the number of its entries, a node pool beyond its bound are fatal, and nothing has
+ * changed then. Returns CS_SUCCEED; CS_FAIL, also for a null handle.
+ */
 ZRV_API CS_RETCODE lm_list_drop(LM_HANDLE *handle, CS_INT option) ZRV_NOEXCEPT;
 
 /*
@@ -195,7 +216,8 @@ ZRV_API CS_RETCODE lm_list_drop(LM_HANDLE *handle, CS_INT option) ZRV_NOEXCEPT;
  *   MAX_TABLESIZE      get set clear   of a list: resizes a hash table, CS_FAIL for other kinds and
  *                                      for an LM_DHASH with more entries. An LM_CHASH keeps its
  *                                      load, and of a chain only the head, once for each entry
- *   MAX_POOLSIZE       get set clear   of a list: resizes the node pool; CS_FAIL below 0
+ *   MAX_POOLSIZE       get set clear   of a list: resizes the node pool; CS_FAIL below 0. If it
+ *                                      cannot grow it is empty then, and the list goes on
  *   LIST_TYPE          get set clear   of a list: get only, CS_UNUSED
  *   PRINT_FUNC, COMP_FUNC  get set clear
  *   HANDLE_LOAD, CONTEXT_ADDR  get, CS_UNUSED

@@ -1,7 +1,7 @@
 #include "allocation_probe.h"
 
 #include <cstdlib>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "zrvcomn/zrvintl.h"
 
@@ -14,7 +14,8 @@ struct State {
   size_t last_size = 0;
   size_t countdown = 0; // 0: nothing is to fail
   zrvtest::AllocationProbe::Mode mode = zrvtest::AllocationProbe::fail_once;
-  std::unordered_set<void *> live;
+  std::unordered_map<void *, size_t> live; // with their sizes
+  std::string last_released;
 };
 
 State &state() {
@@ -41,36 +42,43 @@ bool meter(size_t size) {
   return true;
 }
 
-void *taken(void *block) {
+void *taken(void *block, size_t size) {
   if (state().counting && block != nullptr)
-    state().live.insert(block);
+    state().live[block] = size;
   return block;
 }
 
 void released(void *block) {
-  state().live.erase(block);
+  const auto found = state().live.find(block);
+  if (found == state().live.end())
+    return;
+  state().last_released.assign(static_cast<const char *>(block), found->second);
+  state().live.erase(found);
 }
 
 } // namespace
 
 void *comn_malloc(size_t size) noexcept {
-  return meter(size) ? nullptr : taken(std::malloc(size == 0 ? 1 : size));
+  return meter(size) ? nullptr : taken(std::malloc(size == 0 ? 1 : size), size);
 }
 
 void *comn_calloc(size_t count, size_t size) noexcept {
-  return meter(count * size) ? nullptr
-                             : taken(std::calloc(count == 0 ? 1 : count, size == 0 ? 1 : size));
+  return meter(count * size)
+             ? nullptr
+             : taken(std::calloc(count == 0 ? 1 : count, size == 0 ? 1 : size), count * size);
 }
 
 void *comn_realloc(void *block, size_t size) noexcept {
   if (meter(size))
     return nullptr;
-  const bool was_live = state().live.count(block) != 0;
+  const auto found = state().live.find(block);
+  const bool was_live = found != state().live.end();
+  const size_t old_size = was_live ? found->second : 0;
   released(block);
   void *const moved = std::realloc(block, size == 0 ? 1 : size);
   if (moved == nullptr && was_live)
-    state().live.insert(block);
-  return taken(moved);
+    state().live[block] = old_size;
+  return taken(moved, size);
 }
 
 void comn_free(void *block) noexcept {
@@ -108,6 +116,9 @@ size_t AllocationProbe::live_blocks() const {
 }
 size_t AllocationProbe::last_size() const {
   return state().last_size;
+}
+std::string AllocationProbe::last_released() const {
+  return state().last_released;
 }
 
 size_t fail_each_allocation(const std::function<void()> &setup,

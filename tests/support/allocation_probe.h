@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -30,6 +31,8 @@ public:
   size_t failures() const;    // allocations that were made to fail
   size_t live_blocks() const; // taken since the start and not released
   size_t last_size() const;   // bytes of the latest request
+  // What stood in the block that was released last, so that a test can see whether it was cleared.
+  std::string last_released() const;
 };
 
 // Fails each allocation of `operation` in turn, once and from then on, until a run makes no more of

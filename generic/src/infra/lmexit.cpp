@@ -1,7 +1,6 @@
 // The end of a list manager context.
 #include "checks.h"
 #include "lmlist.h"
-#include "zrvintl.h"
 
 using namespace comn::list;
 
@@ -20,13 +19,10 @@ CS_RETCODE lm_exit(LM_CONTEXT *context, CS_INT option) noexcept {
     if (dropped != CS_SUCCEED)
       return COMN_TRACE(dropped);
   }
-  if (context->context_name != nullptr) {
-    std::memset(context->context_name, 0, static_cast<size_t>(context->length));
-    comn_free(context->context_name);
-  }
+  release_name(context->context_name, context->length);
   const LM_RELEASER free = context->lmfree;
   void *const user = context->lmuser;
-  release(context->cxtprop, free, user);
-  release(context, free, user);
+  release_record(context->cxtprop, free, user);
+  release_record(context, free, user);
   return COMN_TRACE(CS_SUCCEED);
 }

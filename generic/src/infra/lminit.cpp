@@ -27,18 +27,18 @@ CS_RETCODE lm_initlm_ex(CS_INT version, CS_CHAR *context_name, CS_INT length,
   COMN_CHECK_PTR(lm_free, COMN_TRACE(CS_FAIL));
   COMN_CHECK(version >= LM_MIN_VERSION, COMN_TRACE(CS_FAIL));
 
-  auto *const context = make<LM_CONTEXT>(lm_alloc, userctx, LM_ALLOCATED);
+  auto *const context = make_record<LM_CONTEXT>(lm_alloc, userctx, LM_ALLOCATED);
   if (context == nullptr)
     return COMN_TRACE(CS_FAIL);
-  auto *const prop = make<LM_CXTPROP>(lm_alloc, userctx, LM_ALLOCATED);
+  auto *const prop = make_record<LM_CXTPROP>(lm_alloc, userctx, LM_ALLOCATED);
   if (prop == nullptr) {
-    release(context, lm_free, userctx);
+    release_record(context, lm_free, userctx);
     return COMN_TRACE(CS_FAIL);
   }
   if (lm__api_setdata(&context->context_name, &context->length, context_name, length) !=
       CS_SUCCEED) {
-    release(prop, lm_free, userctx);
-    release(context, lm_free, userctx);
+    release_record(prop, lm_free, userctx);
+    release_record(context, lm_free, userctx);
     return COMN_TRACE(CS_MEM_ERROR);
   }
   prop->list_type = default_kind;

@@ -2,7 +2,6 @@
 #ifndef COMN_INFRA_LMLIST_H
 #define COMN_INFRA_LMLIST_H
 
-#include <cstdint>
 #include <cstring>
 
 #include "checks.h"
@@ -15,20 +14,55 @@ constexpr CS_INT default_kind = LM_DLINK;
 constexpr CS_INT default_tablesize = 10;
 constexpr CS_INT default_poolsize = 0;
 
-// The kinds that exist; everything else is no list.
-constexpr bool is_linked(CS_INT type) noexcept {
-  return type == LM_DLINK || type == LM_QUEUE || type == LM_STACK;
+// ---- the kinds ----
+
+// The arguments of lm_list_op behind the handle.
+struct Request {
+  CS_INT operation;
+  CS_VOID *key;    // to a linked list the address of a cursor
+  CS_INT key_size; // to a linked list the position of an insertion
+  CS_VOID *data_in;
+  CS_VOID **data_out; // may be null
+};
+
+// What a kind of list does. `state` is the kind's own record, as list_state holds it.
+struct Kind {
+  // Makes an empty record in list_state. CS_FAIL, CS_MEM_ERROR: list_state is as it was.
+  CS_RETCODE (*make)(LM_HANDLE *handle) noexcept;
+  // The entries in a record.
+  CS_INT (*count)(const CS_VOID *state) noexcept;
+  // Releases a record and its nodes.
+  void (*drop)(LM_HANDLE *handle, CS_VOID *state) noexcept;
+  CS_RETCODE (*operate)(LM_HANDLE *handle, const Request &request) noexcept;
+  // Inserts the entries of an older record. Null where there is no table to resize.
+  CS_RETCODE (*refill)(LM_HANDLE *handle, const CS_VOID *state) noexcept;
+};
+
+// The record of every kind begins with its state.
+inline bool is_released(const CS_VOID *state) noexcept {
+  return *static_cast<const LM_NODE_STATE *>(state) == LM_RELEASED;
 }
-constexpr bool is_hashed(CS_INT type) noexcept {
-  return type == LM_CHASH || type == LM_DHASH;
-}
-constexpr bool is_kind(CS_INT type) noexcept {
-  return is_linked(type) || is_hashed(type);
-}
+
+// Null for what is no kind.
+const Kind *find_kind(CS_INT list_type) noexcept;
+
+// The linked list, on which queue and stack are built.
+CS_RETCODE dlink_make(LM_HANDLE *handle) noexcept;
+CS_INT dlink_count(const CS_VOID *state) noexcept;
+void dlink_drop(LM_HANDLE *handle, CS_VOID *state) noexcept;
+CS_RETCODE dlink_operate(LM_HANDLE *handle, const Request &request) noexcept;
+
+extern const Kind dlink_kind;
+extern const Kind queue_kind;
+extern const Kind stack_kind;
+extern const Kind chash_kind;
+extern const Kind dhash_kind;
+
+// ---- records and nodes ----
 
 // A cleared record, stamped; null on failure.
 template <class Record>
-Record *make(LM_ALLOCATOR allocate, void *user, LM_NODE_STATE state) noexcept {
+Record *make_record(LM_ALLOCATOR allocate, void *user, LM_NODE_STATE state) noexcept {
   auto *const record = static_cast<Record *>(allocate(user, sizeof(Record)));
   if (record != nullptr) {
     std::memset(record, 0, sizeof *record);
@@ -39,141 +73,45 @@ Record *make(LM_ALLOCATOR allocate, void *user, LM_NODE_STATE state) noexcept {
 
 // Clears a record, stamps it for those who still point at it, and releases it.
 template <class Record>
-void release(Record *record, LM_RELEASER free, void *user) noexcept {
+void release_record(Record *record, LM_RELEASER free, void *user) noexcept {
   std::memset(record, 0, sizeof *record);
   record->state = LM_RELEASED;
   free(user, record);
 }
 
+// The same from the allocator of a list.
 template <class Record>
-void release(LM_HANDLE *handle, Record *record) noexcept {
-  release(record, handle->lmhfree, handle->lmhuser);
+Record *make_record(LM_HANDLE *handle) noexcept {
+  return make_record<Record>(handle->lmhmalloc, handle->lmhuser, LM_INITIALIZED);
 }
 
-// The node pool. The first free node, null for none: the chain can be shorter than the count says,
-// after the pool failed to grow.
-inline DLinkNode *first_free(const LM_HANDLE *handle) noexcept {
-  return handle->free_nodes >= 1 ? handle->free_DLN_list : nullptr;
+template <class Record>
+void release_record(LM_HANDLE *handle, Record *record) noexcept {
+  release_record(record, handle->lmhfree, handle->lmhuser);
 }
 
-inline void take_first_free(LM_HANDLE *handle) noexcept {
-  handle->free_DLN_list = handle->free_DLN_list->next;
-  --handle->free_nodes;
-}
+// Clears the nodes of a chain and hands them to lm__free_dlinknode.
+void drop_chain(LM_HANDLE *handle, DLinkNode *first) noexcept;
 
-inline bool has_room(const LM_HANDLE *handle) noexcept {
-  return handle->free_nodes < handle->hdlprop->max_poolsize;
-}
+// The nodes of a chain, the free ones of a list for one.
+CS_INT chain_length(const DLinkNode *first) noexcept;
 
-inline void put_back(LM_HANDLE *handle, DLinkNode *node) noexcept {
-  node->state = LM_UNINITIALIZED;
-  node->next = handle->free_DLN_list;
-  handle->free_DLN_list = node;
-  ++handle->free_nodes;
-}
+// Clears and releases a name that lm__api_setdata made.
+void release_name(CS_CHAR *name, CS_INT length) noexcept;
 
-// The operations are written once and compiled for each pace. As a leaf they call no function, so
-// they need no frame and few registers: they do what an operation comes to as a rule, and give up
-// on all that needs a call, with nothing changed that the repetition would not change again in the
-// same way. That is a check that fails, a node that the pool does not have or has no room for, a
-// function of the caller's, and tracing. What was given up is done in full, from the start. A
-// sprint is a leaf that takes medium keys without signs alone, and gives up the others too.
-enum class Pace { sprint, leaf, full };
-
-// How a leaf says that it gave up; no return code is like it.
-constexpr CS_RETCODE gave_up = INT32_MIN;
-
-// A check that failed: the end of the operation.
-template <Pace pace, class Where>
-CS_RETCODE refuse([[maybe_unused]] Where where) noexcept {
-  if constexpr (pace == Pace::full)
-    return comn::raise_bomb(where);
-  else
-    return gave_up;
-}
-
-#define LM_CHECK(condition)                                                                        \
-  do {                                                                                             \
-    if (!(condition)) [[unlikely]]                                                                 \
-      return refuse<pace>(COMN_HERE);                                                              \
-  } while (0)
-
-// A node from the pool, or a new one.
-template <Pace pace>
-CS_RETCODE get_node(LM_HANDLE *handle, DLinkNode *&node) noexcept {
-  if constexpr (pace == Pace::full)
-    return lm__get_dlinknode(handle, &node);
-  node = first_free(handle);
-  if (node == nullptr || node->state == LM_RELEASED) [[unlikely]]
-    return gave_up;
-  take_first_free(handle);
-  return CS_SUCCEED;
-}
-
-// Whether put_node will take a node: asked before anything is changed.
-template <Pace pace>
-bool can_put_node(const LM_HANDLE *handle) noexcept {
-  return pace == Pace::full || has_room(handle);
-}
-
-template <Pace pace>
-void put_node(LM_HANDLE *handle, DLinkNode *node) noexcept {
-  if constexpr (pace == Pace::full)
-    lm__free_dlinknode(handle, node);
-  else
-    put_back(handle, node);
-}
-
-// Whether the initialiser of a kind fills the node pool: not when a table is made anew.
-enum class NodePool { fill, keep };
-
-// Makes an empty record of the kind in list_state. CS_SUCCEED; CS_MEM_ERROR or CS_FAIL, nothing
-// left behind.
-CS_RETCODE make_state(LM_HANDLE *handle, NodePool pool) noexcept;
-
-// What becomes of the nodes when a kind's record goes.
-enum class Nodes { release, recycle };
-
-// Releases the kind's record and its nodes; the load counts down. CS_FAIL if it does not end at 0.
-CS_RETCODE drop_state(LM_HANDLE *handle, Nodes nodes) noexcept;
-
-// The operations of the kinds, in full.
-CS_RETCODE chash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
-                    CS_VOID *data_in, CS_VOID **data_out) noexcept;
-CS_RETCODE dhash_op(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
-                    CS_VOID *data_in, CS_VOID **data_out) noexcept;
-
-// lm_list_op in full.
-[[gnu::noinline]] CS_RETCODE list_op_in_full(LM_HANDLE *handle, CS_INT operation, CS_VOID *key,
-                                             CS_INT key_size, CS_VOID *data_in,
-                                             CS_VOID **data_out) noexcept;
-
-// Does an operation at one pace, and at a slower one if that gives up.
-template <auto attempt, auto slower>
-CS_RETCODE attempt_or(LM_HANDLE *handle, CS_INT operation, CS_VOID *key, CS_INT key_size,
-                      CS_VOID *data_in, CS_VOID **data_out) noexcept {
-  const CS_RETCODE result = attempt(handle, operation, key, key_size, data_in, data_out);
-  if (result != gave_up) [[likely]]
-    return result;
-  return slower(handle, operation, key, key_size, data_in, data_out);
-}
-
-// An operation of a chained table as a leaf, once the checks of lm_list_op are passed and tracing
-// is off. It ends in lm_list_op in full if need be, and so takes the same arguments.
-template <CS_INT operation>
-CS_RETCODE chash_leaf(LM_HANDLE *handle, CS_INT, CS_VOID *key, CS_INT key_size, CS_VOID *data_in,
-                      CS_VOID **data_out) noexcept;
+// ---- the caller's functions ----
 
 // The function of a walk: the one of the list, or for LM_OP_APPLY the one stored at `data_in`.
-inline CS_PRINT_FUNC walk_function(const LM_HANDLE *handle, CS_INT operation,
-                                   const CS_VOID *data_in) noexcept {
-  if (operation != LM_OP_APPLY)
-    return handle->hdlprop->print_func;
-  CS_PRINT_FUNC function = nullptr;
-  if (data_in != nullptr)
-    std::memcpy(&function, data_in, sizeof function);
-  return function;
-}
+CS_PRINT_FUNC walk_function(const LM_HANDLE *handle, const Request &request) noexcept;
+
+// Calls the print function on the data of one entry. Anything but CS_FAIL is success.
+CS_RETCODE print_entry(const LM_HANDLE *handle, const DLinkNode *node) noexcept;
+
+// Calls a function on a member of each node of a chain; the first CS_FAIL stops and is the result.
+CS_RETCODE walk_chain(const DLinkNode *first, CS_PRINT_FUNC function,
+                      CS_VOID *DLinkNode::*member) noexcept;
+
+// ---- the context ----
 
 // Makes a list the current one of its context; null for none.
 inline void make_current(LM_CXTPROP *prop, LM_HANDLE *handle) noexcept {

@@ -7,76 +7,36 @@ using namespace comn::list;
 
 namespace {
 
-// Inserts the entries of an old table into the handle's new one.
-CS_RETCODE reinsert(LM_HANDLE *handle, const DHashInfo *old) noexcept {
-  for (CS_INT i = 0; i < old->table_size; ++i) {
-    const DLinkNode *const node = old->table[i];
-    if (node->state != LM_SET)
-      continue;
-    const CS_RETCODE result =
-        lm_list_op(handle, LM_OP_INSERT, node->key, node->key_size, node->data, nullptr);
-    if (result != CS_SUCCEED)
-      return result;
-  }
-  return CS_SUCCEED;
-}
-
-CS_RETCODE reinsert(LM_HANDLE *handle, const CHashInfo *old) noexcept {
-  for (CS_INT i = 0; i < old->table_size; ++i) {
-    const DLinkNode *head = old->table[i];
-    // Heads that were deleted without their keys may still stand there.
-    while (head != nullptr && head->state != LM_SET)
-      head = head->next;
-    // Deliberate: a chain comes out as copies of its head, and its other entries are lost.
-    for (const DLinkNode *node = head; node != nullptr; node = node->next) {
-      const CS_RETCODE result =
-          lm_list_op(handle, LM_OP_INSERT, head->key, head->key_size, head->data, nullptr);
-      if (result != CS_SUCCEED)
-        return result;
-    }
-  }
-  return CS_SUCCEED;
-}
-
 CS_RETCODE resize_table(LM_HANDLE *handle, CS_INT size) noexcept {
   LM_HDLPROP *const prop = handle->hdlprop;
-  const bool chained = prop->list_type == LM_CHASH;
-  if (!chained && prop->list_type != LM_DHASH)
+  const Kind *const kind = find_kind(prop->list_type);
+  if (kind == nullptr || kind->refill == nullptr)
     return CS_FAIL;
-  if (!chained && prop->handle_load > size)
-    return CS_FAIL;
-
-  void *const old_state = handle->list_state;
-  void *const old_cursor = handle->cur_ptr;
+  CS_VOID *const old_state = handle->list_state;
+  CS_VOID *const old_cursor = handle->cur_ptr;
   const CS_INT old_size = prop->max_tablesize;
   const CS_INT load = prop->handle_load;
   prop->max_tablesize = size;
-  const CS_RETCODE made = make_state(handle, NodePool::keep);
-  if (made != CS_SUCCEED) {
+  CS_RETCODE result = kind->make(handle);
+  if (result != CS_SUCCEED) {
     prop->max_tablesize = old_size;
-    handle->list_state = old_state;
-    return made;
+    return result;
   }
   prop->handle_load = 0;
   handle->cur_ptr = nullptr;
-  const CS_RETCODE moved = chained ? reinsert(handle, static_cast<CHashInfo *>(old_state))
-                                   : reinsert(handle, static_cast<DHashInfo *>(old_state));
-  if (moved != CS_SUCCEED) {
-    drop_state(handle, Nodes::recycle);
-    prop->max_tablesize = old_size;
-    prop->handle_load = load;
-    handle->list_state = old_state;
-    handle->cur_ptr = old_cursor;
-    return moved;
+  result = kind->refill(handle, old_state);
+  if (result == CS_SUCCEED && prop->handle_load != load)
+    result = comn::raise_bomb(COMN_HERE);
+  if (result == CS_SUCCEED) {
+    kind->drop(handle, old_state);
+    return CS_SUCCEED;
   }
-  COMN_CHECK(prop->handle_load == load, CS_FAIL);
-
-  void *const new_state = handle->list_state;
+  kind->drop(handle, handle->list_state);
   handle->list_state = old_state;
-  const CS_RETCODE dropped = drop_state(handle, Nodes::recycle);
-  handle->list_state = new_state;
+  handle->cur_ptr = old_cursor;
+  prop->max_tablesize = old_size;
   prop->handle_load = load;
-  return dropped;
+  return result;
 }
 
 CS_RETCODE resize_pool(LM_HANDLE *handle, CS_INT size) noexcept {
@@ -94,31 +54,31 @@ CS_RETCODE resize_pool(LM_HANDLE *handle, CS_INT size) noexcept {
   return result;
 }
 
-CS_RETCODE get(LM_HANDLE *handle, CS_INT property, CS_VOID *buffer, CS_INT buflen,
-               CS_INT *outlen) noexcept {
+CS_RETCODE get_from_list(LM_HANDLE *handle, CS_INT property, CS_VOID *buffer, CS_INT buflen,
+                         CS_INT *outlen) noexcept {
   const LM_HDLPROP *const prop = handle->hdlprop;
   switch (property) {
   case LM_HDL_LIST_TYPE:
-    return deliver_unsized(prop->list_type, buffer, buflen, outlen);
+    return deliver_fixed(prop->list_type, buffer, buflen, outlen);
   case LM_HDL_MAX_TABLESIZE:
-    return deliver(prop->max_tablesize, buffer, outlen);
+    return deliver_value(prop->max_tablesize, buffer, outlen);
   case LM_HDL_MAX_POOLSIZE:
-    return deliver(prop->max_poolsize, buffer, outlen);
+    return deliver_value(prop->max_poolsize, buffer, outlen);
   case LM_HDL_HANDLE_LOAD:
-    return deliver_unsized(prop->handle_load, buffer, buflen, outlen);
+    return deliver_fixed(prop->handle_load, buffer, buflen, outlen);
   case LM_HDL_CONTEXT_ADDR:
-    return deliver_unsized(prop->context, buffer, buflen, outlen);
+    return deliver_fixed(prop->context, buffer, buflen, outlen);
   case LM_HDL_HANDLE_NAME:
     return deliver_name(prop, buffer, buflen, outlen);
   case LM_HDL_PRINT_FUNC:
-    return deliver(prop->print_func, buffer, outlen);
+    return deliver_value(prop->print_func, buffer, outlen);
   default: // LM_HDL_COMP_FUNC
-    return deliver(prop->comp_func, buffer, outlen);
+    return deliver_value(prop->comp_func, buffer, outlen);
   }
 }
 
 // Null in `buffer` clears.
-CS_RETCODE change(LM_HANDLE *handle, CS_INT property, const CS_VOID *buffer) noexcept {
+CS_RETCODE change_list(LM_HANDLE *handle, CS_INT property, const CS_VOID *buffer) noexcept {
   LM_HDLPROP *const prop = handle->hdlprop;
   const LM_CXTPROP *const defaults = prop->context->cxtprop;
   switch (property) {
@@ -157,9 +117,9 @@ CS_RETCODE lm_list_prop(LM_HANDLE *handle, CS_INT action, CS_INT property, CS_VO
   COMN_CHECK(is_property(property), COMN_TRACE(CS_FAIL));
   COMN_CHECK(action >= LM_ACTION_GET && action <= LM_ACTION_CLEAR, COMN_TRACE(CS_FAIL));
   if (action == LM_ACTION_GET)
-    return COMN_TRACE(get(handle, property, buffer, buflen, outlen));
+    return COMN_TRACE(get_from_list(handle, property, buffer, buflen, outlen));
   if (action == LM_ACTION_CLEAR)
-    return COMN_TRACE(change(handle, property, nullptr));
+    return COMN_TRACE(change_list(handle, property, nullptr));
   COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
-  return COMN_TRACE(change(handle, property, buffer));
+  return COMN_TRACE(change_list(handle, property, buffer));
 }

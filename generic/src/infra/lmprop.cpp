@@ -7,29 +7,29 @@ using namespace comn::list;
 
 namespace {
 
-CS_RETCODE get(const LM_CXTPROP *prop, CS_INT property, CS_VOID *buffer, CS_INT buflen,
-               CS_INT *outlen) noexcept {
+CS_RETCODE get_from_context(const LM_CXTPROP *prop, CS_INT property, CS_VOID *buffer, CS_INT buflen,
+                            CS_INT *outlen) noexcept {
   const LM_HANDLE *const current = prop->cur_handleaddr;
   switch (property) {
   case LM_CXT_LIST_TYPE:
-    return deliver(prop->list_type, buffer, outlen);
+    return deliver_value(prop->list_type, buffer, outlen);
   case LM_CXT_MAX_TABLESIZE:
-    return deliver(prop->max_tablesize, buffer, outlen);
+    return deliver_value(prop->max_tablesize, buffer, outlen);
   case LM_CXT_MAX_POOLSIZE:
-    return deliver(prop->max_poolsize, buffer, outlen);
+    return deliver_value(prop->max_poolsize, buffer, outlen);
   case LM_CXT_VERSION:
-    return deliver_unsized(prop->version, buffer, buflen, outlen);
+    return deliver_fixed(prop->version, buffer, buflen, outlen);
   case LM_CXT_CONTEXT_LOAD:
-    return deliver_unsized(prop->context_load, buffer, buflen, outlen);
+    return deliver_fixed(prop->context_load, buffer, buflen, outlen);
   case LM_CXT_CURRENT_HANDLENAME:
     return deliver_name(current != nullptr ? current->hdlprop : nullptr, buffer, buflen, outlen);
   default: // LM_CXT_CURRENT_HANDLEADDR
-    return deliver_unsized(prop->cur_handleaddr, buffer, buflen, outlen);
+    return deliver_fixed(prop->cur_handleaddr, buffer, buflen, outlen);
   }
 }
 
 // Makes the first list current whose name begins with the bytes.
-CS_RETCODE find_by_name(LM_CONTEXT *context, const CS_VOID *bytes, CS_INT buflen) noexcept {
+CS_RETCODE choose_by_name(LM_CONTEXT *context, const CS_VOID *bytes, CS_INT buflen) noexcept {
   const CS_INT length = buflen == CS_LEN_NULLTERM
                             ? static_cast<CS_INT>(std::strlen(static_cast<const char *>(bytes)))
                             : buflen;
@@ -47,8 +47,8 @@ CS_RETCODE find_by_name(LM_CONTEXT *context, const CS_VOID *bytes, CS_INT buflen
 }
 
 // Null in `buffer` clears.
-CS_RETCODE change(LM_CONTEXT *context, CS_INT property, const CS_VOID *buffer,
-                  CS_INT buflen) noexcept {
+CS_RETCODE change_context(LM_CONTEXT *context, CS_INT property, const CS_VOID *buffer,
+                          CS_INT buflen) noexcept {
   LM_CXTPROP *const prop = context->cxtprop;
   switch (property) {
   case LM_CXT_LIST_TYPE:
@@ -62,7 +62,7 @@ CS_RETCODE change(LM_CONTEXT *context, CS_INT property, const CS_VOID *buffer,
     return CS_SUCCEED;
   case LM_CXT_CURRENT_HANDLENAME:
     if (buffer != nullptr)
-      return find_by_name(context, buffer, buflen);
+      return choose_by_name(context, buffer, buflen);
     make_current(prop, context->first_handle);
     return CS_SUCCEED;
   default: // get only
@@ -86,9 +86,9 @@ CS_RETCODE lm_property(LM_CONTEXT *context, CS_INT action, CS_INT property, CS_V
              COMN_TRACE(CS_FAIL));
   COMN_CHECK(action >= LM_ACTION_GET && action <= LM_ACTION_CLEAR, COMN_TRACE(CS_FAIL));
   if (action == LM_ACTION_GET)
-    return COMN_TRACE(get(context->cxtprop, property, buffer, buflen, outlen));
+    return COMN_TRACE(get_from_context(context->cxtprop, property, buffer, buflen, outlen));
   if (action == LM_ACTION_CLEAR)
-    return COMN_TRACE(change(context, property, nullptr, buflen));
+    return COMN_TRACE(change_context(context, property, nullptr, buflen));
   COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
-  return COMN_TRACE(change(context, property, buffer, buflen));
+  return COMN_TRACE(change_context(context, property, buffer, buflen));
 }

@@ -7,9 +7,9 @@
 
 namespace comn::list {
 
-// Stores an integer or a pointer at the caller's place. Either counts as one 32-bit word.
+// Stores an integer or a pointer at the caller's place. Either counts as 4 bytes.
 template <class T>
-CS_RETCODE deliver(T value, CS_VOID *buffer, CS_INT *outlen) noexcept {
+CS_RETCODE deliver_value(T value, CS_VOID *buffer, CS_INT *outlen) noexcept {
   COMN_CHECK_PTR(buffer, CS_FAIL);
   std::memcpy(buffer, &value, sizeof value);
   if (outlen != nullptr)
@@ -19,9 +19,9 @@ CS_RETCODE deliver(T value, CS_VOID *buffer, CS_INT *outlen) noexcept {
 
 // The properties that can only be read insist on a length that says so.
 template <class T>
-CS_RETCODE deliver_unsized(T value, CS_VOID *buffer, CS_INT buflen, CS_INT *outlen) noexcept {
+CS_RETCODE deliver_fixed(T value, CS_VOID *buffer, CS_INT buflen, CS_INT *outlen) noexcept {
   COMN_CHECK(buflen == CS_UNUSED, CS_FAIL);
-  return deliver(value, buffer, outlen);
+  return deliver_value(value, buffer, outlen);
 }
 
 // Delivers the name of a list with one terminator, whether or not it was given with one.

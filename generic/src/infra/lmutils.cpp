@@ -1,4 +1,4 @@
-// The node pool of a list, and the copies of names and bytes.
+// The node pool of a list, chains of nodes, walks, and the copies of names and bytes.
 #include <cstring>
 
 #include "checks.h"
@@ -6,6 +6,53 @@
 #include "zrvintl.h"
 
 using namespace comn::list;
+
+CS_INT comn::list::chain_length(const DLinkNode *first) noexcept {
+  CS_INT length = 0;
+  for (const DLinkNode *node = first; node != nullptr; node = node->next)
+    ++length;
+  return length;
+}
+
+void comn::list::drop_chain(LM_HANDLE *handle, DLinkNode *first) noexcept {
+  for (DLinkNode *node = first; node != nullptr;) {
+    DLinkNode *const next = node->next;
+    std::memset(node, 0, sizeof *node);
+    lm__free_dlinknode(handle, node);
+    node = next;
+  }
+}
+
+CS_RETCODE comn::list::walk_chain(const DLinkNode *first, CS_PRINT_FUNC function,
+                                  CS_VOID *DLinkNode::*member) noexcept {
+  for (const DLinkNode *node = first; node != nullptr;) {
+    const DLinkNode *const next = node->next; // the function may delete the entry
+    if (function(node->*member) == CS_FAIL)
+      return CS_FAIL;
+    node = next;
+  }
+  return CS_SUCCEED;
+}
+
+CS_PRINT_FUNC comn::list::walk_function(const LM_HANDLE *handle, const Request &request) noexcept {
+  if (request.operation != LM_OP_APPLY)
+    return handle->hdlprop->print_func;
+  CS_PRINT_FUNC function = nullptr;
+  if (request.data_in != nullptr)
+    std::memcpy(&function, request.data_in, sizeof function);
+  return function;
+}
+
+CS_RETCODE comn::list::print_entry(const LM_HANDLE *handle, const DLinkNode *node) noexcept {
+  const CS_PRINT_FUNC function = handle->hdlprop->print_func;
+  return function == nullptr || function(node->data) == CS_FAIL ? CS_FAIL : CS_SUCCEED;
+}
+
+void comn::list::release_name(CS_CHAR *name, CS_INT length) noexcept {
+  if (name != nullptr)
+    std::memset(name, 0, static_cast<size_t>(length));
+  comn_free(name);
+}
 
 namespace {
 
@@ -15,7 +62,7 @@ CS_INT release_free_nodes(LM_HANDLE *handle, CS_INT count) noexcept {
   while (released < count && handle->free_DLN_list != nullptr) {
     DLinkNode *const node = handle->free_DLN_list;
     handle->free_DLN_list = node->next;
-    release(handle, node);
+    release_record(handle, node);
     ++released;
   }
   return released;
@@ -26,24 +73,30 @@ CS_INT release_free_nodes(LM_HANDLE *handle, CS_INT count) noexcept {
 CS_RETCODE lm__get_dlinknode(LM_HANDLE *handle, DLinkNode **node) noexcept {
   COMN_CHECK_PTR(handle, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(node, COMN_TRACE(CS_FAIL));
-  if (DLinkNode *const free = first_free(handle)) {
-    COMN_CHECK(free->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
-    take_first_free(handle);
-    *node = free;
+  // The chain can be shorter than the count says, after the pool failed to grow.
+  DLinkNode *const pooled = handle->free_nodes >= 1 ? handle->free_DLN_list : nullptr;
+  if (pooled == nullptr) {
+    auto *const made = make_record<DLinkNode>(handle->lmhmalloc, handle->lmhuser, LM_ALLOCATED);
+    if (made == nullptr)
+      return COMN_TRACE(CS_MEM_ERROR);
+    *node = made;
     return COMN_TRACE(CS_SUCCEED);
   }
-  auto *const made = make<DLinkNode>(handle->lmhmalloc, handle->lmhuser, LM_ALLOCATED);
-  if (made == nullptr)
-    return COMN_TRACE(CS_MEM_ERROR);
-  *node = made;
+  COMN_CHECK(pooled->state != LM_RELEASED, COMN_TRACE(CS_FAIL));
+  handle->free_DLN_list = pooled->next;
+  --handle->free_nodes;
+  *node = pooled;
   return COMN_TRACE(CS_SUCCEED);
 }
 
 CS_RETCODE lm__free_dlinknode(LM_HANDLE *handle, DLinkNode *node) noexcept {
   COMN_CHECK_PTR(handle, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(node, COMN_TRACE(CS_FAIL));
-  if (has_room(handle)) {
-    put_back(handle, node);
+  if (handle->free_nodes < handle->hdlprop->max_poolsize) {
+    node->state = LM_UNINITIALIZED;
+    node->next = handle->free_DLN_list;
+    handle->free_DLN_list = node;
+    ++handle->free_nodes;
   } else {
     node->state = LM_RELEASED;
     handle->lmhfree(handle->lmhuser, node);
@@ -56,7 +109,7 @@ CS_RETCODE lm__api_dlink_mpool_init(LM_HANDLE *handle, CS_INT oldsize) noexcept 
   const CS_INT count = handle->hdlprop->max_poolsize - oldsize;
   COMN_CHECK(count >= 1, COMN_TRACE(CS_FAIL));
   for (CS_INT i = 0; i < count; ++i) {
-    auto *const node = make<DLinkNode>(handle->lmhmalloc, handle->lmhuser, LM_INITIALIZED);
+    auto *const node = make_record<DLinkNode>(handle);
     if (node == nullptr) {
       // Deliberate: all free nodes go, also the older ones, and the count stays as it was.
       while (handle->free_DLN_list != nullptr)

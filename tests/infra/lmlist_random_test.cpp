@@ -105,7 +105,8 @@ TEST_F(RandomLists, Linked) {
     LM_HANDLE *const handle = make(LM_DLINK, 10);
     std::list<CS_VOID *> model;
     auto at = model.end(); // end() for no cursor
-    // A second walk under a cursor of its own, restarted whenever an entry goes.
+    // A second walk under a cursor of its own, begun anew with the same variable whenever an entry
+    // goes, of which it may have been the cursor.
     DLinkNode *own = nullptr;
     auto own_at = model.end();
     const size_t most = 1 + upto(60);
@@ -143,7 +144,6 @@ TEST_F(RandomLists, Linked) {
       case LM_OP_DELETE: {
         if (at == model.end())
           continue;
-        own = nullptr;
         own_at = model.end();
         const bool head = at == model.begin();
         at = model.erase(at);
@@ -181,10 +181,10 @@ TEST_F(RandomLists, Linked) {
         ASSERT_EQ(out, delivered());
       }
       ASSERT_EQ(handle->hdlprop->handle_load, static_cast<CS_INT>(model.size()));
-      if (own == nullptr && !model.empty()) {
+      if (own_at == model.end() && !model.empty()) {
         ASSERT_EQ(lm_list_op(handle, LM_OP_FIRST, &own, 0, nullptr, &out), CS_SUCCEED);
         own_at = model.begin();
-      } else if (own != nullptr) {
+      } else if (!model.empty()) {
         const bool more = std::next(own_at) != model.end();
         ASSERT_EQ(lm_list_op(handle, LM_OP_NEXT, &own, 0, nullptr, &out),
                   more ? CS_SUCCEED : CS_FAIL);

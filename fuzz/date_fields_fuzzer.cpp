@@ -48,17 +48,35 @@ void check_time(CS_DATEREC fields) {
             record->datesecond == fields.datesecond);
 }
 
+// The text in so much room against the text without a limit, which never passes 40 bytes.
 void check_text(CS_DATEREC fields, CS_INT style, size_t room) {
   for (const auto engine : {com__daterectochar, com__timerectochar})
     for (const CS_INT secprec : {300, 1000000}) {
+      char whole[64];
+      const CS_INT full = engine(&fields, whole, -1, style, com__get_shortmonths(), secprec);
+      require(full == -1 || full == -2 || (full > 0 && full <= 40));
       // A heap block of exactly the room, for the sanitizers.
-      std::vector<char> text(room + 1);
+      std::vector<char> text(room + 1, '~');
       char *const start = text.data() + 1;
       const CS_INT length =
           engine(&fields, start, static_cast<CS_INT>(room), style, com__get_shortmonths(), secprec);
-      require(length >= -2 && length <= static_cast<CS_INT>(room));
+      const bool fits = full <= static_cast<CS_INT>(room);
+      require(length == (fits ? full : 0));
+      const size_t shown = full < 0 ? 0 : std::min(room, static_cast<size_t>(full));
+      require(std::memcmp(start, whole, shown) == 0);
+      require(std::all_of(text.begin() + 1 + static_cast<std::ptrdiff_t>(shown), text.end(),
+                          [](char rest) { return rest == '~'; }));
     }
+}
+
+// Months outside the year, and days inside the month, stay.
+void check_month(CS_DATEREC fields) {
+  const CS_DATEREC before = fields;
   monthcheck(&fields);
+  require(fields.datedmonth <= before.datedmonth);
+  require(fields.datedmonth == before.datedmonth || fields.datedmonth >= 28);
+  fields.datedmonth = before.datedmonth;
+  require(std::memcmp(&fields, &before, sizeof fields) == 0);
 }
 
 } // namespace
@@ -71,5 +89,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   check_date(fields);
   check_time(fields);
   check_text(fields, data[0], data[1] % 48);
+  check_month(fields);
   return 0;
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -207,7 +208,8 @@ TEST(DateAdd, TimesOfADayOrMoreAreRefused) {
     CS_DATETIME to{0, ticks_per_day - 1};
     EXPECT_EQ(com__date_add(part, 0, &to), 0);
     EXPECT_EQ(to.dttime, ticks_per_day - 1);
-    for (const CS_INT time : {ticks_per_day, 36000000, INT_MAX}) {
+    // The whole time is judged, not the low 25 bits that cracking looks at.
+    for (const CS_INT time : {ticks_per_day, 1 << 25, 1 << 25 | 300, 36000000, INT_MAX}) {
       to = {0, time};
       EXPECT_EQ(com__date_add(part, 0, &to), 1);
       EXPECT_EQ(to.dttime, time);
@@ -219,6 +221,8 @@ TEST(DateAdd, TimesOfADayOrMoreAreRefused) {
     EXPECT_EQ(to.dttime, ticks_per_day - 1);
     to = {5, INT_MIN};
     EXPECT_EQ(com__date_add(part, 0, &to), 0);
+    EXPECT_EQ(to.dtdays, 4); // one day, no more
+    EXPECT_EQ(to.dttime, INT_MIN + ticks_per_day);
   }
 }
 
@@ -357,6 +361,40 @@ TEST(DateAddBoth, DeliversByType) {
   EXPECT_TRUE(small.dest.is_untouched(4));
   EXPECT_EQ(small.result.len, 4);
 
+  // A CS_DATETIME4 is rounded to the minute, half up; from 4 bytes it is a date with midnight.
+  const auto add_small = [](CS_DATETIME from, CS_INT length, int part, CS_INT value) {
+    Both both(length, 58, 4);
+    both.source.set(from);
+    EXPECT_EQ(com__dateadd_both(part, value, &both.src, &both.result), 0);
+    EXPECT_TRUE(both.dest.is_untouched(4));
+    const auto result = both.dest.value<CS_DATETIME4>();
+    return std::pair<int, int>{result.days, result.minutes};
+  };
+  using Small = std::pair<int, int>;
+  EXPECT_EQ(add_small({0, 0}, 8, 8, 29), (Small{0, 0}));
+  EXPECT_EQ(add_small({0, 0}, 8, 8, 30), (Small{0, 1}));
+  EXPECT_EQ(add_small({36583, 25919999}, 8, 9, 0), (Small{36584, 0}));
+  EXPECT_EQ(add_small({65534, 0}, 8, 4, 1), (Small{65535, 0}));
+  EXPECT_EQ(add_small({1, 0}, 8, 4, -1), (Small{0, 0}));
+  EXPECT_EQ(add_small({36582, 77}, 4, 4, 1), (Small{36583, 0}));
+  EXPECT_EQ(add_small({36583, 77}, 4, 7, -1), (Small{36582, 1439}));
+
+  // A CS_DATE takes the day of a CS_DATETIME, and all the days that there are.
+  const auto add_date = [](CS_DATETIME from, CS_INT length, int part, CS_INT value) {
+    Both both(length, 49, 4);
+    both.source.set(from);
+    EXPECT_EQ(com__dateadd_both(part, value, &both.src, &both.result), 0);
+    EXPECT_TRUE(both.dest.is_untouched(4));
+    EXPECT_EQ(both.result.len, 4);
+    return both.dest.value<CS_DATE>();
+  };
+  EXPECT_EQ(add_date({36583, 25919999}, 8, 8, 1), 36584);
+  EXPECT_EQ(add_date({36583, 25919999}, 8, 8, 0), 36583);
+  EXPECT_EQ(add_date({36583, 25919999}, 4, 8, 1), 36583); // from midnight
+  EXPECT_EQ(add_date({-53690, 5}, 8, 4, -1), -53691);
+  EXPECT_EQ(add_date({-693594, 5}, 8, 4, -1), -693595);
+  EXPECT_EQ(add_date({2958462, 5}, 8, 4, 1), 2958463);
+
   // A date of 4 bytes has midnight.
   Both widened(4, 61, 8);
   widened.source.set(CS_DATE{7});
@@ -385,6 +423,22 @@ TEST(DateAddBoth, Failures) {
   run(8, 51, 4, day(2000, 1, 1), 4, 1); // a time has no room for 8 bytes
   run(8, 61, 8, day(9999, 12, 31), 4, 1);
   run(8, 61, 8, day(1753, 1, 1), 4, -1); // in the calendar, but before CS_DATETIME begins
+  for (const CS_INT maxlen : {-4, 0, 3, 5, 9}) {
+    run(8, 61, maxlen, day(2000, 1, 1), 4, 1);
+    run(8, 49, maxlen, day(2000, 1, 1), 4, 1);
+    run(4, 49, maxlen, day(2000, 1, 1), 4, 1);
+    run(4, 51, maxlen, {}, 4, 1);
+    run(8, 58, maxlen, day(2000, 1, 1), 4, 1);
+    run(4, 58, maxlen, day(2000, 1, 1), 4, 1);
+  }
+  for (const CS_INT length : {4, 8}) {
+    run(length, 49, 4, {2958463, 5}, 4, 1);
+    run(length, 49, 4, {-693595, 5}, 4, -1);
+    run(length, 58, 4, {65535, 5}, 4, 1);
+    run(length, 58, 4, {0, 5}, 4, -1);
+  }
+  run(8, 49, 4, {0, 25920000}, 6, 1);
+  run(8, 58, 4, {0, 25920000}, 6, 1);
   run(8, 58, 4, day(1900, 1, 1), 4, -1);
   run(8, 58, 4, make_datetime(2079, 6, 6, 23, 59, 29), 8, 1);
 }
@@ -484,6 +538,14 @@ TEST(ValidDateTime, FromEitherPlace) {
   EXPECT_EQ(valid({0, 25920000}), 0);
   EXPECT_EQ(valid({INT_MAX, 0}), 0);
   EXPECT_EQ(valid({INT_MIN, 0}), 0);
+  // Of any length but 4 it is the 8 bytes that count, and the source's are not looked at.
+  for (const CS_INT length : {0, 1, 3, 5, 7, 9, 16, -1, -4, INT_MIN, INT_MAX})
+    for (const bool is_valid : {false, true}) {
+      __CONSTANT src{};
+      src.len = length;
+      cast.set(CS_DATETIME{0, is_valid ? 25919999 : 25920000});
+      EXPECT_EQ(com__valid_datetime(&src, cast.data()), is_valid) << length;
+    }
   const auto valid4 = [](CS_DATETIME4 value) {
     GuardedBuffer bytes(4, 1);
     bytes.set(value);

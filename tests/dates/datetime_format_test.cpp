@@ -1,8 +1,11 @@
 // Dates and times as text.
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -93,6 +96,65 @@ CS_DATEREC sample_fields() {
   return fields;
 }
 
+// The last digits of a number, whose sign does not show, in so many places; filled with zeroes, or
+// with blanks before the number begins.
+std::string last_digits(int64_t value, size_t places, char fill = '0') {
+  std::string digits = std::to_string(value < 0 ? -value : value);
+  if (digits.size() < places)
+    digits.insert(0, places - digits.size(), fill);
+  return digits.substr(digits.size() - places);
+}
+
+// What a sample would be with other fields in the place of its own, which no two of its numbers
+// share. `is_year_blank` where the year is filled with blanks.
+std::string long_hand_text(std::string sample, const CS_DATEREC &fields, CS_INT secprec,
+                           bool is_year_blank = false) {
+  const int64_t hour = fields.datehour;
+  const int64_t hour_of_half = hour > 12 ? hour - 12 : hour == 0 ? 12 : hour;
+  const bool is_micros = secprec == 1000000;
+  const int64_t micros = is_micros ? fields.datesecfrac : int64_t{fields.datemsecond} * 1000;
+  const int64_t millis =
+      is_micros ? (int64_t{fields.datesecfrac} + 500) / 1000 : int64_t{fields.datemsecond};
+  const bool has_name = fields.datemonth >= 0 && fields.datemonth < 12;
+  const std::pair<std::string, std::string> replacements[] = {
+      {"1997", last_digits(fields.dateyear, 4, is_year_blank ? ' ' : '0')},
+      {"97", last_digits(fields.dateyear, 2)},
+      {"Mar", has_name ? Com__Shortmonths[fields.datemonth] : "none"},
+      {"03", last_digits(int64_t{fields.datemonth} + 1, 2)},
+      {"05", last_digits(fields.datedmonth, 2)},
+      {" 5", last_digits(fields.datedmonth, 2, ' ')},
+      {"16", last_digits(hour, 2)},
+      {" 4", last_digits(hour_of_half, 2, ' ')},
+      {"07", last_digits(fields.dateminute, 2)},
+      {"09", last_digits(fields.datesecond, 2)},
+      {"123456", last_digits(micros, 6)},
+      {"123", last_digits(millis, 3)},
+      {"PM", hour > 11 ? "PM" : "AM"},
+  };
+  if (sample.find("Mar") != std::string::npos && !has_name)
+    return "result -2";
+  std::string text;
+  while (!sample.empty()) {
+    const auto found =
+        std::find_if(std::begin(replacements), std::end(replacements),
+                     [&](const auto &entry) { return sample.rfind(entry.first, 0) == 0; });
+    const bool is_field = found != std::end(replacements);
+    text += is_field ? found->second : sample.substr(0, 1);
+    sample.erase(0, is_field ? found->first.size() : 1);
+  }
+  return text;
+}
+
+std::string long_hand_date(const Sample &sample, const CS_DATEREC &fields, CS_INT secprec) {
+  return long_hand_text(sample.date, fields, secprec);
+}
+
+// The time engine fills the year with blanks in two styles: deliberate.
+std::string long_hand_time(const Sample &sample, const CS_DATEREC &fields, CS_INT secprec) {
+  const bool is_year_blank = sample.style == 100 || sample.style == 109;
+  return long_hand_text(text_of(sample.time), fields, secprec, is_year_blank);
+}
+
 using Engine = decltype(&com__daterectochar);
 
 std::string run_engine(Engine engine, CS_DATEREC fields, CS_INT style, CS_INT secprec,
@@ -127,6 +189,16 @@ std::string show(CS_INT (*formatter)(Value *, CS_CHAR *, CS_INT, CS_INT, CS_CHAR
   return buffer.contents();
 }
 
+// Every style of both engines, with the fraction in microseconds and as any other precision has it.
+void expect_every_style(const CS_DATEREC &fields) {
+  for (const Sample &sample : samples)
+    for (const CS_INT secprec : {1000000, 300, 0, 1000, 999999, 1000001, -1000000}) {
+      SCOPED_TRACE(testing::Message() << "style " << sample.style << ", precision " << secprec);
+      EXPECT_EQ(show_date(fields, sample.style, secprec), long_hand_date(sample, fields, secprec));
+      EXPECT_EQ(show_time(fields, sample.style, secprec), long_hand_time(sample, fields, secprec));
+    }
+}
+
 const CS_DATETIME afternoon = make_datetime(2001, 1, 5, 13, 30, 15, 123);
 
 } // namespace
@@ -156,6 +228,27 @@ TEST(Format, EveryStyleInBothEngines) {
     EXPECT_EQ(show_date(fields, style), "result -1");
     EXPECT_EQ(show_time(fields, style), "result -1");
   }
+}
+
+TEST(Format, YearsBelowAThousand) {
+  for (const CS_INT year : {0, 1, 9, 10, 45, 99, 100, 345, 999, 1000, 1005}) {
+    CS_DATEREC fields = sample_fields();
+    fields.dateyear = year;
+    SCOPED_TRACE(testing::Message() << "year " << year);
+    expect_every_style(fields);
+  }
+  CS_DATEREC fields = sample_fields();
+  fields.dateyear = 45;
+  EXPECT_EQ(show_date(fields, 100), "Mar  5 0045  4:07PM");
+  EXPECT_EQ(show_time(fields, 100), "Mar  5   45  4:07PM"); // blanks: deliberate
+  EXPECT_EQ(show_date(fields, 109), "Mar  5 0045  4:07:09:123PM");
+  EXPECT_EQ(show_time(fields, 109), "Mar  5   45  4:07:09:123PM");
+  EXPECT_EQ(show_time(fields, 116), "Mar  5 0045 16:07:09");
+  EXPECT_EQ(show_date(fields, 23), "0045-03-05T16:07:09");
+  EXPECT_EQ(show_date(fields, 1), "03/05/45");
+  fields.dateyear = 5;
+  EXPECT_EQ(show_date(fields, 1), "03/05/05");
+  EXPECT_EQ(show_date(fields, 112), "00050305");
 }
 
 TEST(Format, CutAtEveryLength) {
@@ -282,22 +375,27 @@ TEST(Format, FieldsOutsideTheirRange) {
   EXPECT_EQ(show_date(fields, 40), "05-03-07 08:09:10.011000");
   EXPECT_EQ(show_date(fields, 20, 1000000), "08:09:10:001");
   EXPECT_EQ(show_date(fields, 17), " 8:09AM");
-  for (const CS_INT extreme : {INT_MIN, INT_MAX}) {
-    fields = make_fields(extreme, 1, extreme, extreme, extreme, extreme, extreme);
-    fields.datemonth = extreme;
-    fields.datesecfrac = extreme;
-    for (const Sample &sample : samples)
-      for (const CS_INT secprec : {300, 1000000}) {
-        CS_DATEREC copy = fields;
-        GuardedBuffer buffer(35);
-        EXPECT_GE(com__daterectochar(&copy, buffer.text(), 35, sample.style, com__get_shortmonths(),
-                                     secprec),
-                  -2);
-        EXPECT_GE(com__timerectochar(&copy, buffer.text(), 35, sample.style, com__get_shortmonths(),
-                                     secprec),
-                  -2);
-      }
+  for (const CS_INT extreme : {INT_MIN, INT_MAX})
+    for (const bool has_month : {false, true}) {
+      fields = make_fields(extreme, 12, extreme, extreme, extreme, extreme, extreme);
+      fields.datesecfrac = extreme;
+      if (!has_month)
+        fields.datemonth = extreme;
+      SCOPED_TRACE(testing::Message() << "fields of " << extreme);
+      expect_every_style(fields);
+    }
+  uint32_t state = 777;
+  for (int i = 0; i < 40; ++i) {
+    const auto any = [&] { return static_cast<CS_INT>(next_random(state)) >> (i % 32); };
+    CS_DATEREC random{any(), any(), any(), any(), any(), any(),
+                      any(), any(), any(), any(), any(), any()};
+    if (i % 2 == 0)
+      random.datemonth = i % 12;
+    SCOPED_TRACE(testing::Message() << "random fields " << i);
+    expect_every_style(random);
   }
+  fields = make_fields(INT_MAX, 12, INT_MAX, INT_MAX, INT_MAX, INT_MAX, INT_MAX);
+  fields.datemonth = fields.datesecfrac = INT_MAX;
   EXPECT_EQ(show_date(fields, 140, 1000000), "3647-48-47 47:47:47.483647");
   EXPECT_EQ(show_date(fields, 20, 1000000), "47:47:47:484");
 }
@@ -367,6 +465,11 @@ TEST(FormatValue, DateAlone) {
   EXPECT_EQ(show(com__dateatochar, value, 9), "Jan  5 2001");
   EXPECT_EQ(show(com__dateatochar, value, 100), "Jan  5 2001 12:00AM");
   EXPECT_EQ(show(com__dateatochar, value, 121), "2001/01/05 00:00:00");
+  EXPECT_EQ(show(com__dateatochar, value, 19), "12:00:00:000AM");
+  EXPECT_EQ(show(com__dateatochar, value, 20), "00:00:00:000");
+  EXPECT_EQ(show(com__dateatochar, value, 37), "00:00:00.000000");
+  EXPECT_EQ(show(com__dateatochar, value, 109), "Jan  5 2001 12:00:00:000AM");
+  EXPECT_EQ(show(com__dateatochar, value, 140), "2001-01-05 00:00:00.000000");
   EXPECT_EQ(show(com__dateatochar, CS_DATE{-693595}, 23), "0001-01-01T00:00:00");
   EXPECT_EQ(show(com__dateatochar, value, 0, nullptr), "result -2");
   EXPECT_EQ(show(com__dateatochar, value, 99), "result -1");
@@ -377,6 +480,35 @@ TEST(FormatValue, DateAlone) {
               len < 11 ? 0 : 11);
     const auto shown = static_cast<size_t>(std::min(len, 11));
     EXPECT_EQ(buffer.contents(shown), std::string("Jan  5 2001").substr(0, shown));
+  }
+}
+
+// The values show as their fields do, in every style; a date has midnight.
+TEST(FormatValue, EveryStyle) {
+  const CS_DATEREC fields = make_fields(2001, 1, 5, 13, 30, 15, 123);
+  CS_DATEREC micro_fields = fields;
+  micro_fields.datesecfrac = 123456;
+  const CS_DATEREC midnight = make_fields(2001, 1, 5);
+  const CS_DATEREC minutes = make_fields(2001, 1, 5, 13, 30);
+  const CS_DATEREC time = make_fields(1900, 1, 1, 13, 30, 15, 123);
+  CS_DATEREC bigtime = make_fields(1, 1, 1, 13, 30, 15);
+  bigtime.datesecfrac = 123456;
+  const CS_BIGDATETIME big = make_big(2001, 1, 5, 13, 30, 15, 123456);
+  const auto days = static_cast<CS_USHORT>(afternoon.dtdays);
+  for (const Sample &sample : samples) {
+    SCOPED_TRACE(testing::Message() << "style " << sample.style);
+    const CS_INT style = sample.style;
+    EXPECT_EQ(show(com__datetochar, afternoon, style), long_hand_date(sample, fields, 300));
+    EXPECT_EQ(show(com__bigdatetimetochar, big, style),
+              long_hand_date(sample, micro_fields, 1000000));
+    EXPECT_EQ(show(com__date4tochar, CS_DATETIME4{days, 810}, style),
+              long_hand_date(sample, minutes, 300));
+    EXPECT_EQ(show(com__timeatochar, afternoon.dttime, style), long_hand_time(sample, time, 300));
+    EXPECT_EQ(show(com__bigtimetochar, big % micros_per_day, style),
+              long_hand_time(sample, bigtime, 1000000));
+    const bool is_date_only = style == 0 || style == 9;
+    EXPECT_EQ(show(com__dateatochar, afternoon.dtdays, style),
+              is_date_only ? "Jan  5 2001" : long_hand_date(sample, midnight, 300));
   }
 }
 
@@ -405,7 +537,13 @@ TEST(LegacyText, RoomAndNullValues) {
   GuardedBuffer dest(26);
   EXPECT_EQ(com_date2char(nullptr, 8, dest.data(), 26, nullptr), 0);
   EXPECT_EQ(com_date2char(source.data(), 0, dest.data(), 26, nullptr), 0);
-  EXPECT_EQ(com_date2char_ex(source.data(), 8, dest.data(), 26, nullptr, 30), -1);
+  // An unknown style writes nothing, blanks neither.
+  for (const CS_INT style : {30, -1, 142, INT_MIN, INT_MAX})
+    for (const CS_INT room : {26, 0, -1})
+      EXPECT_EQ(com_date2char_ex(source.data(), 8, dest.data(), room, nullptr, style), -1);
+  // Nor does a list without the name.
+  CS_CHAR *holes[12] = {};
+  EXPECT_EQ(com_date2char(source.data(), 8, dest.data(), 26, holes), -2);
   EXPECT_TRUE(dest.is_untouched());
   // A negative capacity has no limit, and nothing is filled.
   EXPECT_EQ(com_date2char(source.data(), 8, dest.data(), -1, nullptr), 26);

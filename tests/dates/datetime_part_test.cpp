@@ -1,6 +1,7 @@
 // Differences, parts and names of dates.
 #include <climits>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -105,8 +106,21 @@ TEST(DateDiff, ElapsedTimes) {
   EXPECT_EQ(diff(9, {0, 0}, {0, 1}), 3);
   EXPECT_EQ(diff(9, {0, 1}, {0, 0}), -3);
   EXPECT_EQ(diff(9, {0, 25919999}, {1, 0}), 4); // 86400000 - 86399996
-  // Only the low 25 bits of a time are looked at.
-  EXPECT_EQ(diff(8, {0, INT_MIN}, {0, INT_MIN | 600}), 2);
+}
+
+// Of each time only the low 25 bits are looked at, whatever stands above them in the other.
+TEST(DateDiff, HighBitsOfTheTimesAreIgnored) {
+  constexpr CS_INT hour = 1080000;
+  constexpr CS_INT highs[] = {0, 1 << 25, 1 << 30, INT_MIN, INT_MIN | 3 << 26};
+  for (const CS_INT high : highs)
+    for (const CS_INT other : highs) {
+      const CS_DATETIME early{0, high | hour}, late{0, other | 3 * hour};
+      EXPECT_EQ(diff(6, early, late), 2) << high << " " << other;
+      EXPECT_EQ(diff(7, early, late), 120) << high << " " << other;
+      EXPECT_EQ(diff(8, early, late), 7200) << high << " " << other;
+      EXPECT_EQ(diff(9, early, late), 7200000) << high << " " << other;
+      EXPECT_EQ(diff(6, late, early), -2) << high << " " << other;
+    }
 }
 
 // Against one long count of ticks, wherever a CS_INT holds the result well.
@@ -145,19 +159,28 @@ TEST(DateDiff, WhereTheLimitsAre) {
   // Whole days decide where the time works against them, though this one would fit: deliberate.
   EXPECT_EQ(diff(7, from_ticks(25919999), {1491309, 0}), std::nullopt);
   EXPECT_EQ(diff(7, from_ticks(18000), {1491308, 0}), 2147483519);
+  EXPECT_EQ(diff(7, from_ticks(25919999), {1491308, 0}), 2147482080);
   EXPECT_EQ(diff(7, zero, {-1491308, 0}), -2147483520);
   EXPECT_EQ(diff(7, from_ticks(128 * 18000), {-1491308, 0}), INT_MIN);
   EXPECT_EQ(diff(7, from_ticks(129 * 18000), {-1491308, 0}), std::nullopt);
   EXPECT_EQ(diff(7, zero, {-1491309, 25919999}), std::nullopt);
   EXPECT_EQ(diff(7, zero, {-1491308, 18000}), -2147483519);
+  EXPECT_EQ(diff(7, zero, {-1491308, 25919999}), -2147482080);
   // Seconds: 24855 days are 2147472000.
   EXPECT_EQ(diff(8, zero, {24855, 11647 * 300 + 299}), INT_MAX);
   EXPECT_EQ(diff(8, zero, {24855, 11648 * 300}), std::nullopt);
+  EXPECT_EQ(diff(8, zero, {24855, 0}), 2147472000);
   EXPECT_EQ(diff(8, zero, {24856, 0}), std::nullopt);
-  EXPECT_EQ(diff(8, from_ticks(25919999), {24856, 0}), std::nullopt);
+  EXPECT_EQ(diff(8, from_ticks(300), {24855, 0}), 2147471999);
+  EXPECT_EQ(diff(8, from_ticks(25919999), {24855, 0}), 2147385600);
+  EXPECT_EQ(diff(8, from_ticks(25919999), {24856, 0}), std::nullopt); // 2147472000 would fit
   EXPECT_EQ(diff(8, from_ticks(11648 * 300), {-24855, 0}), INT_MIN);
   EXPECT_EQ(diff(8, from_ticks(11649 * 300), {-24855, 0}), std::nullopt);
+  EXPECT_EQ(diff(8, zero, {-24855, 0}), -2147472000);
+  EXPECT_EQ(diff(8, zero, {-24855, 300}), -2147471999);
+  EXPECT_EQ(diff(8, zero, {-24855, 25919999}), -2147385600);
   EXPECT_EQ(diff(8, zero, {-24856, 300}), std::nullopt);
+  EXPECT_EQ(diff(8, zero, {-24856, 25919999}), std::nullopt); // -2147472000 would fit
   // Milliseconds: 24 days are 2073600000.
   EXPECT_EQ(diff(9, zero, {24, 22165094}), 2147483646);
   EXPECT_EQ(diff(9, zero, {24, 22165095}), std::nullopt);
@@ -167,11 +190,20 @@ TEST(DateDiff, WhereTheLimitsAre) {
   EXPECT_EQ(diff(9, from_ticks(22165094), {-24, 0}), -2147483646);
   EXPECT_EQ(diff(9, from_ticks(22165095), {-24, 0}), std::nullopt);
   EXPECT_EQ(diff(9, zero, {-25, 1}), std::nullopt);
+  EXPECT_EQ(diff(9, zero, {-25, 25919999}), std::nullopt); // -2073600004 would fit
+  EXPECT_EQ(diff(9, zero, {-24, 25919999}), -2073600000 + 86399996);
   EXPECT_EQ(diff(9, zero, {-24, 3}), -2073599990); // no day is borrowed
   // Days that no date has.
   EXPECT_EQ(diff(4, {INT_MIN, 0}, {INT_MAX, 0}), std::nullopt);
   EXPECT_EQ(diff(4, {INT_MIN, 0}, {-1, 0}), INT_MAX);
   EXPECT_EQ(diff(6, {INT_MIN, 0}, {INT_MAX, 0}), std::nullopt);
+  // Whole days do not decide about hours.
+  EXPECT_EQ(diff(6, zero, {89478485, 7 * 1080000}), INT_MAX);
+  EXPECT_EQ(diff(6, zero, {89478485, 8 * 1080000}), std::nullopt);
+  EXPECT_EQ(diff(6, from_ticks(17 * 1080000), {89478486, 0}), INT_MAX);
+  EXPECT_EQ(diff(6, from_ticks(16 * 1080000), {89478486, 0}), std::nullopt);
+  EXPECT_EQ(diff(6, zero, {-89478486, 16 * 1080000}), INT_MIN);
+  EXPECT_EQ(diff(6, zero, {-89478486, 15 * 1080000}), std::nullopt);
   EXPECT_EQ(diff(3, {INT_MIN, 0}, {INT_MAX, 0}), 613566756);
 }
 
@@ -213,6 +245,30 @@ TEST(BigDateDiff, Parts) {
   EXPECT_EQ(big_diff(14, 0, UINT64_MAX), -1);
 }
 
+// Days and weeks of the big difference come from whole days: the time of day does not count.
+TEST(BigDateDiff, DaysAndWeeks) {
+  const CS_BIGDATETIME saturday = make_big(2001, 1, 6, 23, 59, 59, 999999);
+  const CS_BIGDATETIME sunday = make_big(2001, 1, 21); // 15 days and 3 Sundays later
+  for (const int part : {3, 13}) {
+    EXPECT_EQ(big_diff(part, saturday, sunday), 2);
+    EXPECT_EQ(big_diff(part, sunday, saturday), -2);
+    EXPECT_EQ(big_diff(part, saturday, make_big(2001, 1, 13)), 1);
+    EXPECT_EQ(big_diff(part, saturday, make_big(2001, 1, 12, 23, 59, 59, 999999)), 0);
+  }
+  for (const int part : {10, 12}) {
+    EXPECT_EQ(big_diff(part, saturday, sunday), 3);
+    EXPECT_EQ(big_diff(part, sunday, saturday), -3);
+    EXPECT_EQ(big_diff(part, saturday, make_big(2001, 1, 7)), 1);
+    EXPECT_EQ(big_diff(part, make_big(2001, 1, 7), sunday), 2);
+  }
+  for (const int part : {4, 5}) {
+    EXPECT_EQ(big_diff(part, saturday, sunday), 15);
+    EXPECT_EQ(big_diff(part, sunday, saturday), -15);
+  }
+  EXPECT_EQ(big_diff(11, make_big(2005, 1, 2), make_big(2008, 12, 29)), 5);
+  EXPECT_EQ(big_diff(11, make_big(2008, 12, 29), make_big(2005, 1, 2)), -5);
+}
+
 TEST(DatePart, EveryPart) {
   const CS_DATETIME value = make_datetime(2001, 8, 5, 13, 14, 15, 163); // a Sunday
   const CS_INT expected[] = {2001, 3, 8, 1, 5, 217, 13, 14, 15, 163, 32, 2001, 31, 7, 0};
@@ -240,8 +296,70 @@ TEST(DatePart, Weekdays) {
   // Nothing enforces the range of the first day.
   EXPECT_EQ(part_of(3, monday, 20), -11);
   EXPECT_EQ(part_of(3, monday, -5), 7);
-  part_of(3, monday, INT_MIN);
-  part_of(3, monday, INT_MAX);
+  EXPECT_EQ(part_of(3, monday, INT_MIN), -2147483646); // 2 + 2147483648, in 32 bits
+  EXPECT_EQ(part_of(3, monday, INT_MAX), -2147483638); // 2 - 2147483647, and 7 as it is below 1
+}
+
+namespace {
+
+// A day at the end of a month, of February or of a year, or behind one: its parts in the order of
+// `end_parts`, and its names. Weekdays count from Sunday in part 3.
+constexpr int end_parts[] = {0, 1, 2, 3, 4, 5, 10, 11, 12, 13};
+
+struct End {
+  CS_INT year, month, day;
+  CS_INT parts[10];
+  const char *month_name, *day_name;
+};
+
+constexpr End ends[] = {
+    {1, 1, 1, {1, 1, 1, 2, 1, 1, 1, 1, 1, 1}, "January", "Monday"},
+    {1900, 2, 28, {1900, 1, 2, 4, 28, 59, 9, 1900, 9, 3}, "February", "Wednesday"},
+    {1900, 3, 1, {1900, 1, 3, 5, 1, 60, 9, 1900, 9, 4}, "March", "Thursday"},
+    {1999, 12, 31, {1999, 4, 12, 6, 31, 365, 53, 1999, 52, 5}, "December", "Friday"},
+    {2000, 1, 1, {2000, 1, 1, 7, 1, 1, 1, 1999, 52, 6}, "January", "Saturday"},
+    {2000, 1, 31, {2000, 1, 1, 2, 31, 31, 6, 2000, 5, 1}, "January", "Monday"},
+    {2000, 2, 28, {2000, 1, 2, 2, 28, 59, 10, 2000, 9, 1}, "February", "Monday"},
+    {2000, 2, 29, {2000, 1, 2, 3, 29, 60, 10, 2000, 9, 2}, "February", "Tuesday"},
+    {2000, 3, 1, {2000, 1, 3, 4, 1, 61, 10, 2000, 9, 3}, "March", "Wednesday"},
+    {2000, 12, 31, {2000, 4, 12, 1, 31, 366, 54, 2000, 52, 7}, "December", "Sunday"},
+    {2001, 1, 1, {2001, 1, 1, 2, 1, 1, 1, 2001, 1, 1}, "January", "Monday"},
+    {2001, 2, 28, {2001, 1, 2, 4, 28, 59, 9, 2001, 9, 3}, "February", "Wednesday"},
+    {2001, 3, 1, {2001, 1, 3, 5, 1, 60, 9, 2001, 9, 4}, "March", "Thursday"},
+    {2001, 4, 30, {2001, 2, 4, 2, 30, 120, 18, 2001, 18, 1}, "April", "Monday"},
+    {2001, 9, 30, {2001, 3, 9, 1, 30, 273, 40, 2001, 39, 7}, "September", "Sunday"},
+    {2001, 10, 1, {2001, 4, 10, 2, 1, 274, 40, 2001, 40, 1}, "October", "Monday"},
+    {2004, 12, 31, {2004, 4, 12, 6, 31, 366, 53, 2004, 53, 5}, "December", "Friday"},
+    {2005, 1, 1, {2005, 1, 1, 7, 1, 1, 1, 2004, 53, 6}, "January", "Saturday"},
+    {2005, 1, 3, {2005, 1, 1, 2, 3, 3, 2, 2005, 1, 1}, "January", "Monday"},
+    {2008, 12, 29, {2008, 4, 12, 2, 29, 364, 53, 2009, 1, 1}, "December", "Monday"},
+    {9999, 12, 31, {9999, 4, 12, 6, 31, 365, 53, 9999, 52, 5}, "December", "Friday"},
+};
+
+} // namespace
+
+// From the first to the last moment of the day.
+TEST(DatePart, MonthLeapDayAndYearEnds) {
+  for (const End &end : ends)
+    for (size_t i = 0; i < std::size(end_parts); ++i) {
+      const int part = end_parts[i];
+      SCOPED_TRACE(testing::Message()
+                   << "part " << part << " of " << end.year << "-" << end.month << "-" << end.day);
+      EXPECT_EQ(part_of(part, at(end.year, end.month, end.day)), end.parts[i]);
+      EXPECT_EQ(part_of(part, make_datetime(end.year, end.month, end.day, 23, 59, 59, 996)),
+                end.parts[i]);
+      EXPECT_EQ(big_part_of(part, make_big(end.year, end.month, end.day)), end.parts[i]);
+      EXPECT_EQ(big_part_of(part, make_big(end.year, end.month, end.day, 23, 59, 59, 999999)),
+                end.parts[i]);
+    }
+  const CS_INT last[] = {23, 59, 59, 996};
+  for (int part = 6; part <= 9; ++part) {
+    EXPECT_EQ(part_of(part, make_datetime(2000, 2, 29, 23, 59, 59, 996)), last[part - 6]);
+    EXPECT_EQ(part_of(part, at(2000, 3, 1)), 0);
+    EXPECT_EQ(big_part_of(part, make_big(2000, 2, 29, 23, 59, 59, 996999)), last[part - 6]);
+    EXPECT_EQ(big_part_of(part, make_big(2000, 3, 1)), 0);
+  }
+  EXPECT_EQ(big_part_of(14, make_big(2000, 2, 29, 23, 59, 59, 999999)), 999999);
 }
 
 // ISO weeks and years, and the weeks from Sunday, of every day of four centuries.
@@ -296,14 +414,90 @@ TEST(DatePart, IsoWeeksAtYearEnds) {
     EXPECT_EQ(week_one_offset[i], offsets[i]);
 }
 
+namespace {
+
+// The value of a part by the rules, in numbers that have room for them.
+int64_t long_hand_part(int part, const CS_DATEREC &fields, int64_t firstday, int64_t days,
+                       bool is_big) {
+  const auto weekday_of = [](int64_t day) { return ((day + 693596) % 7 + 7) % 7; };
+  const auto first_iso_day = [&](int64_t january_1) {
+    const int64_t offsets[] = {1, 0, -1, -2, -3, 3, 2};
+    return january_1 + offsets[weekday_of(january_1)];
+  };
+  const auto year_length = [](int64_t year) { return slow_is_leap(year) ? 366 : 365; };
+  const int64_t january_1 = days - fields.datedyear + 1;
+  const int64_t next_january_1 = january_1 + year_length(fields.dateyear);
+  const int64_t last_january_1 = january_1 - year_length(int64_t{fields.dateyear} - 1);
+  const int64_t into_year = days - first_iso_day(january_1);
+  const bool is_next_year = into_year / 7 + 1 > 51 && days >= first_iso_day(next_january_1);
+  switch (part) {
+  case 0:
+    return fields.dateyear;
+  case 1:
+    return fields.datemonth / 3 + 1;
+  case 2:
+    return int64_t{fields.datemonth} + 1;
+  case 3: {
+    const int64_t number = weekday_of(days) + 1 - firstday;
+    return number < 1 ? number + 7 : number;
+  }
+  case 4:
+    return fields.datedmonth;
+  case 5:
+    return fields.datedyear;
+  case 6:
+    return fields.datehour;
+  case 7:
+    return fields.dateminute;
+  case 8:
+    return fields.datesecond;
+  case 9:
+    return is_big ? fields.datesecfrac / 1000 : fields.datemsecond;
+  case 10:
+    return (fields.datedyear + weekday_of(january_1) + 6) / 7;
+  case 11:
+    if (into_year < 0)
+      return int64_t{fields.dateyear} - 1;
+    return int64_t{fields.dateyear} + is_next_year;
+  case 12:
+    if (into_year < 0)
+      return (days - first_iso_day(last_january_1)) / 7 + 1;
+    return is_next_year ? 1 : into_year / 7 + 1;
+  case 13:
+    return weekday_of(days) == 0 ? 7 : weekday_of(days);
+  default:
+    return is_big ? fields.datesecfrac : 0;
+  }
+}
+
+} // namespace
+
+// Fields and days need not belong together, nor to any date: the arithmetic is the same, and what
+// leaves 32 bits is cut to them.
 TEST(DatePart, FieldsThatNoDateHas) {
+  const auto expect_parts = [](CS_DATEREC fields, CS_INT firstday, CS_INT days) {
+    for (int part = 0; part <= 14; ++part)
+      for (const CS_INT type : {12, 35}) {
+        const int64_t expected = long_hand_part(part, fields, firstday, days, type == 35);
+        ASSERT_EQ(com__daterecpart(part, &fields, firstday, days, type),
+                  static_cast<CS_INT>(expected))
+            << "part " << part << " of day " << days << " of a value of type " << type;
+      }
+  };
   for (const CS_INT extreme : {INT_MIN, INT_MAX}) {
     CS_DATEREC fields = make_fields(extreme, 1, extreme, extreme, extreme, extreme, extreme);
     fields.datemonth = fields.datedyear = fields.datesecfrac = extreme;
-    for (int part = 0; part <= 14; ++part)
-      for (const CS_INT days : {INT_MIN, 0, INT_MAX})
-        for (const CS_INT type : {12, 35})
-          com__daterecpart(part, &fields, extreme, days, type);
+    for (const CS_INT days : {INT_MIN, 0, INT_MAX})
+      expect_parts(fields, extreme, days);
+  }
+  uint32_t state = 5489;
+  for (int i = 0; i < 20000; ++i) {
+    const auto any = [&] { return static_cast<CS_INT>(next_random(state)) >> (i % 32); };
+    CS_DATEREC random{any(), any(), any(), any(), any(), any(),
+                      any(), any(), any(), any(), any(), any()};
+    expect_parts(random, any(), any());
+    random.datedyear = static_cast<CS_INT>(next_random(state) % 366) + 1;
+    expect_parts(random, any() % 8, any() % 3652059);
   }
   CS_DATEREC fields{};
   fields.datemsecond = 7;
@@ -390,6 +584,42 @@ TEST(DateName, EveryPart) {
   for (CS_INT offset = 0; offset < 7; ++offset)
     EXPECT_EQ(name(13, {offset, 0}, nullptr, com__get_days()),
               com__get_days()[static_cast<size_t>(offset + 1) % 7]);
+}
+
+TEST(DateName, MonthLeapDayAndYearEnds) {
+  CS_CHAR **const days = const_cast<CS_CHAR **>(Com__WeekDay);
+  for (const End &end : ends)
+    for (size_t i = 0; i < std::size(end_parts); ++i) {
+      const int part = end_parts[i];
+      const std::string expected = part == 2                 ? end.month_name
+                                   : part == 3 || part == 13 ? end.day_name
+                                                             : std::to_string(end.parts[i]);
+      SCOPED_TRACE(testing::Message()
+                   << "part " << part << " of " << end.year << "-" << end.month << "-" << end.day);
+      EXPECT_EQ(name(part, at(end.year, end.month, end.day), com__get_months(), days), expected);
+      EXPECT_EQ(name(part, make_datetime(end.year, end.month, end.day, 23, 59, 59, 996),
+                     com__get_months(), days),
+                expected);
+      EXPECT_EQ(big_name(part, make_big(end.year, end.month, end.day)), expected);
+      EXPECT_EQ(big_name(part, make_big(end.year, end.month, end.day, 23, 59, 59, 999999)),
+                expected);
+    }
+}
+
+// Every day of a common and of a leap year, and the days beside them.
+TEST(DateName, EveryDayOfTwoYears) {
+  CS_CHAR **const days = const_cast<CS_CHAR **>(Com__WeekDay);
+  SlowCalendar today;
+  while (today.year < 1999 || today.day_of_year < 365)
+    today.next();
+  for (; today.year < 2002 || today.day_of_year < 2; today.next()) {
+    const CS_DATETIME value{today.days, ticks_per_day - 1};
+    ASSERT_EQ(name(2, value, com__get_months(), days), Com__Months[today.month]) << today.days;
+    ASSERT_EQ(name(3, value, com__get_months(), days), days[today.weekday]) << today.days;
+    ASSERT_EQ(name(4, value, nullptr, nullptr), std::to_string(today.day)) << today.days;
+    ASSERT_EQ(name(5, value, nullptr, nullptr), std::to_string(today.day_of_year)) << today.days;
+    ASSERT_EQ(name(13, value, com__get_months(), days), days[today.weekday]) << today.days;
+  }
 }
 
 TEST(DateName, Lists) {

@@ -459,6 +459,33 @@ TEST(Make, EveryMillisecond) {
   EXPECT_EQ(make_ticks(clock(0, 0, 0, 1)).value, 0);
 }
 
+// The fraction is datesecfrac with the precision 1000000 alone; with any other it is datemsecond.
+TEST(Make, OtherPrecisionsHaveMilliseconds) {
+  for (const CS_INT precision :
+       {0, 1, 300, 1000, 100000, 999999, 1000001, 10000000, -1000000, INT_MIN, INT_MAX})
+    for (const CS_INT fraction : {654321, INT_MAX, INT_MIN}) {
+      CS_DATEREC fields = make_fields(2001, 1, 1, 1, 2, 3, 500);
+      fields.datesecprec = precision;
+      fields.datesecfrac = fraction;
+      EXPECT_EQ(make_ticks(fields), (Made{0, 1080000 + 2 * 18000 + 3 * 300 + 150})) << precision;
+      CS_BIGTIME time = 77;
+      EXPECT_EQ(com__bigtimemake(&time, &fields), 0) << precision;
+      EXPECT_EQ(time, 3723500000U) << precision;
+      CS_BIGDATETIME both = 77;
+      EXPECT_EQ(com_bigdatetimemake(&both, &fields), 0) << precision;
+      EXPECT_EQ(both, make_big(2001, 1, 1, 1, 2, 3, 500000)) << precision;
+      fields.datemsecond = 1000;
+      EXPECT_EQ(make_ticks(fields), (Made{7, 1080000 + 2 * 18000 + 3 * 300})) << precision;
+      EXPECT_EQ(com__bigtimemake(&time, &fields), 7) << precision;
+    }
+  CS_DATEREC fields = micro_clock(1, 2, 3, 654321);
+  fields.datemsecond = INT_MAX;
+  EXPECT_EQ(make_ticks(fields), (Made{0, 1080000 + 2 * 18000 + 3 * 300 + 196}));
+  CS_BIGTIME time = 77;
+  EXPECT_EQ(com__bigtimemake(&time, &fields), 0);
+  EXPECT_EQ(time, 3723654321U);
+}
+
 TEST(Make, BigTimeStatuses) {
   const auto make = [](const CS_DATEREC &from) {
     CS_DATEREC fields = from;

@@ -189,7 +189,10 @@ TEST(Narrow, BigTimeToDateTime) {
   EXPECT_DATETIME(-113, 0, 300, com__bigtimetodate, CS_BIGTIME{1000001});
   EXPECT_DATETIME(-113, 0, 25919999, com__bigtimetodate, CS_BIGTIME{86399999999});
   EXPECT_DATETIME(-102, 0, 0, com__bigtimetodate, CS_BIGTIME{86400000000});
-  EXPECT_DATETIME(-102, 0, 0, com__bigtimetodate, CS_BIGTIME{86400000001});
+  // Too large decides over a lost fraction; the time of day is in place, days or not.
+  EXPECT_DATETIME(-102, 0, 300, com__bigtimetodate, CS_BIGTIME{86401000001});
+  EXPECT_DATETIME(-102, 0, 12960001, com__bigtimetodate, CS_BIGTIME{302400002000});
+  EXPECT_DATETIME(-102, 0, 25919999, com__bigtimetodate, CS_BIGTIME{172799999000});
 }
 
 TEST(Widen, Date) {

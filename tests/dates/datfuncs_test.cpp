@@ -208,6 +208,29 @@ TEST(PublicChecks, NullPointers) {
   };
   EXPECT_TRUE(traps([&] { com_timecrack(nullptr, &fields); }));
   EXPECT_TRUE(traps([&] { com_timecrack(&value, nullptr); }));
+  // A null record is as fatal as a null value; the forms that forward report from the calendar.
+  const auto forwards_trap = [](auto call) {
+    return is_null_pointer_report(catch_check(call), "datetime.cpp");
+  };
+  EXPECT_TRUE(forwards_trap([&] { com_datecrack(nullptr, &fields); }));
+  EXPECT_TRUE(forwards_trap([&] { com_datecrack(&value, nullptr); }));
+  EXPECT_TRUE(forwards_trap([&] { com_bigdatecrack(nullptr, &fields); }));
+  EXPECT_TRUE(forwards_trap([&] { com_bigdatecrack(&big, nullptr); }));
+  EXPECT_TRUE(forwards_trap([&] { com_bigtimecrack(nullptr, &fields); }));
+  EXPECT_TRUE(forwards_trap([&] { com_bigtimecrack(&big, nullptr); }));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 1, com_datemake(nullptr, &fields));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 1, com_datemake(&value, nullptr));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 4, com_timemake(nullptr, &fields));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 4, com_timemake(&value, nullptr));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 1, com_bigdatemake(nullptr, &fields));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 1, com_bigdatemake(&big, nullptr));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 4, com_bigtimemake(nullptr, &fields));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 4, com_bigtimemake(&big, nullptr));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 1, com_bigdatetimemake(nullptr, &fields));
+  EXPECT_NULL_POINTER_CHECK("datetime.cpp", 1, com_bigdatetimemake(&big, nullptr));
+  EXPECT_EQ(value.dtdays, 1);
+  EXPECT_EQ(value.dttime, 2);
+  EXPECT_EQ(big, 1U);
   EXPECT_TRUE(traps([&] { com_datezero(nullptr); }));
   EXPECT_TRUE(traps([&] { com_date4zero(nullptr); }));
   EXPECT_TRUE(traps([&] { com_setdatetime(nullptr, 1, 2); }));

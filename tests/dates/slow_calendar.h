@@ -4,7 +4,7 @@
 
 namespace zrvtest {
 
-inline bool slow_is_leap(int year) {
+inline bool slow_is_leap(long long year) {
   if (year % 400 == 0)
     return true;
   if (year % 100 == 0)

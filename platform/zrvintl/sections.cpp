@@ -17,7 +17,7 @@
 namespace {
 
 constexpr int record_version = 1;
-constexpr int line_end = -1; // what peek() says behind the last byte
+constexpr char line_end = '\0'; // what peek() says behind the last byte: no line has a NUL in it
 constexpr char entry_sign = '=';
 constexpr size_t longest_line = INTL_LINE_SIZE - 1;
 
@@ -38,8 +38,15 @@ bool is_open(const INTL_LOCFILE *file) noexcept {
   return file != nullptr && file->version == record_version && file->file != nullptr;
 }
 
-bool is_blank(int byte) noexcept {
+bool is_blank(char byte) noexcept {
   return byte == ' ' || byte == '\t';
+}
+
+// Puts the cursor behind the last line, where it stays.
+void end_lines(INTL_LOCFILE &file) noexcept {
+  file.linelen = file.linepos = 0;
+  file.line[0] = line_end;
+  file.eof = 1;
 }
 
 // Puts the file at an error, unless it is at one already. Always false.
@@ -47,8 +54,8 @@ bool fail(INTL_LOCFILE &file, int status) noexcept {
   Input &input = input_of(file);
   if (input.status == 0)
     input.status = status;
-  file.linelen = file.linepos = 0;
-  file.end_of_list = file.end_of_section = file.eof = 1;
+  file.end_of_list = file.end_of_section = 1;
+  end_lines(file);
   return false;
 }
 
@@ -69,59 +76,65 @@ ssize_t refill(Input &input) noexcept {
   return count;
 }
 
+// The end of the first line in the block, or null.
+const char *find_newline(const Input &input) noexcept {
+  return static_cast<const char *>(
+      std::memchr(input.bytes + input.next, '\n', input.end - input.next));
+}
+
+// Reads until the block has a whole line, more than a line can have, or the rest of the file. False
+// when reading fails.
+bool load_line(Input &input) noexcept {
+  // The longest line and the CR of its end are not too much yet.
+  while (find_newline(input) == nullptr && input.end - input.next <= longest_line + 1) {
+    const ssize_t count = refill(input);
+    if (count <= 0)
+      return count == 0;
+  }
+  return true;
+}
+
 // Brings the next line into the record. False at the end of the file and after an error.
 bool read_line(INTL_LOCFILE &file) noexcept {
   if (file.eof != 0)
     return false;
   Input &input = input_of(file);
-  const char *newline;
-  // A line and the CR of its end are in the block before they are too many.
-  while ((newline = static_cast<const char *>(
-              std::memchr(input.bytes + input.next, '\n', input.end - input.next))) == nullptr &&
-         input.end - input.next <= longest_line + 1) {
-    const ssize_t count = refill(input);
-    if (count == 0 && input.end == 0) {
-      file.linelen = file.linepos = 0;
-      file.eof = 1;
-      return false;
-    }
-    if (count < 0) {
-      ++file.linenum;
-      return fail(file, ZRVINTL_EREAD);
-    }
-    if (count == 0)
-      break;
+  const bool loaded = load_line(input);
+  if (loaded && input.next == input.end) {
+    end_lines(file);
+    return false;
   }
   ++file.linenum;
+  if (!loaded)
+    return fail(file, ZRVINTL_EREAD);
   const char *const line = input.bytes + input.next;
+  const char *const newline = find_newline(input);
   size_t length = newline != nullptr ? static_cast<size_t>(newline - line) : input.end - input.next;
   input.next += length + (newline != nullptr ? 1 : 0);
   if (newline != nullptr && length > 0 && line[length - 1] == '\r')
     --length;
   if (length > longest_line)
     return fail(file, ZRVINTL_ELINE);
-  if (std::memchr(line, '\0', length) != nullptr)
+  if (std::memchr(line, line_end, length) != nullptr)
     return fail(file, ZRVINTL_ESYNTAX);
   std::memcpy(file.line, line, length);
-  file.line[length] = '\0';
+  file.line[length] = line_end;
   file.linelen = static_cast<int>(length);
   file.linepos = 0;
   return true;
 }
 
 // The byte under the cursor where the line may end: a backslash that ends it joins the next line.
-[[gnu::noinline]] int peek_at_end(INTL_LOCFILE &file) noexcept {
+[[gnu::noinline]] char peek_at_end(INTL_LOCFILE &file) noexcept {
   while (file.linepos + 1 == file.linelen && file.line[file.linepos] == file.escape)
     if (!read_line(file))
       fail(file, ZRVINTL_ESYNTAX); // there is none
-  return file.linepos < file.linelen ? static_cast<unsigned char>(file.line[file.linepos])
-                                     : line_end;
+  return file.line[file.linepos];
 }
 
 // The byte under the cursor, or line_end.
-int peek(INTL_LOCFILE &file) noexcept {
-  return file.linepos + 1 < file.linelen ? static_cast<unsigned char>(file.line[file.linepos])
-                                         : peek_at_end(file);
+char peek(INTL_LOCFILE &file) noexcept {
+  return file.linepos + 1 < file.linelen ? file.line[file.linepos] : peek_at_end(file);
 }
 
 void skip_blanks(INTL_LOCFILE &file) noexcept {
@@ -133,7 +146,7 @@ void skip_blanks(INTL_LOCFILE &file) noexcept {
 bool find_line(INTL_LOCFILE &file) noexcept {
   while (read_line(file)) {
     skip_blanks(file);
-    const int first = peek(file);
+    const char first = peek(file);
     if (first != line_end && first != file.comment_char)
       return true;
   }
@@ -214,7 +227,7 @@ enum class Kind { name, plain_value, quoted_value };
 
 // Reads bytes up to `ending`, or up to the end of the line. In a name a backslash is text.
 void read_text(INTL_LOCFILE &file, Text &text, char ending, Kind kind) noexcept {
-  for (int byte; (byte = peek(file)) != ending && byte != line_end;) {
+  for (char byte; (byte = peek(file)) != ending && byte != line_end;) {
     if (byte == file.escape && kind != Kind::name) {
       read_escape(file, text);
       continue;
@@ -263,7 +276,7 @@ bool read_value(INTL_LOCFILE &file) noexcept {
   }
   text.finish();
   input_of(file).value_used = text.used();
-  const int separator = peek(file);
+  const char separator = peek(file);
   if (separator != file.list_sep && separator != line_end)
     return fail(file, ZRVINTL_ESYNTAX);
   if (text.is_too_long())
@@ -311,10 +324,10 @@ bool read_section(INTL_LOCFILE &file) noexcept {
   return input_of(file).status == 0;
 }
 
-// What a call answers: what `read` brought into the record, or null.
-template <class Read>
-char *answer(INTL_LOCFILE *file, int *status, Read read) noexcept {
-  char *const text = is_open(file) ? read(*file) : nullptr;
+// What a call answers: what `find` brought into the record, or null.
+template <class Find>
+char *answer(INTL_LOCFILE *file, int *status, Find find) noexcept {
+  char *const text = is_open(file) ? find(*file) : nullptr;
   if (status != nullptr)
     *status = is_open(file) ? input_of(*file).status : ZRVINTL_ECLOSED;
   return text;

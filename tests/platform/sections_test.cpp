@@ -620,6 +620,8 @@ TEST(SectionCalls, FileThatIsNotOpen) {
   expect_closed(nullptr);
   INTL_LOCFILE file{};
   expect_closed(&file);
+  std::memset(&file, 0xA5, sizeof file);
+  expect_closed(&file);
   const TextFile text("[s]\n");
   ASSERT_EQ(intl_open(text.path(), &file), 0);
   ASSERT_EQ(intl_close(&file), 0);

@@ -38,7 +38,7 @@ Exit status: 0 no survivor, 1 survivors, 2 wrong usage, 3 the unchanged unit doe
 130 interrupted.
 """
 MEMORY_KIB = 4 << 20       # address space of a test program; a sanitized one has no limit
-FILE_BLOCKS = 1 << 18      # 512 bytes each
+OUTPUT_BYTES = 4 << 20     # a test program that prints without end is killed for it
 REMEMBERED_KILLERS = 6
 
 
@@ -312,19 +312,20 @@ class Workshop:
     def link(self):
         return all(self.shell(link) for link in self.links)
 
-    def test(self, program, test_filter, cpu_seconds, memory_kib):
+    def test(self, program, test_filter, cpu_seconds):
         """The exit status of a test program, None when it took too long; what it printed is in the log."""
-        limits = f"ulimit -c 0; ulimit -f {FILE_BLOCKS}; "
+        limits = "ulimit -c 0; "
         if cpu_seconds:
             limits += f"ulimit -t {cpu_seconds}; "
-        if memory_kib and not self.is_sanitized:
-            limits += f"ulimit -v {memory_kib}; "
-        command = [f"./{program}", "--gtest_fail_fast", f"--gtest_filter={test_filter}"]
-        with open(self.log, "wb") as log:
-            status = self.processes.run(
-                ["/bin/sh", "-c", limits + 'exec "$@"', "sh", *command], cwd=self.build, stdout=log, stderr=log,
-                timeout=10 * cpu_seconds if cpu_seconds else None,
-                env=self.environment(LD_LIBRARY_PATH=self.library_path))
+        if not self.is_sanitized:
+            limits += f"ulimit -v {MEMORY_KIB}; "
+        command = ["/bin/sh", "-c", limits + 'exec "$@"', "sh", f"./{program}", "--gtest_fail_fast",
+                   f"--gtest_filter={test_filter}"]
+        with open(self.log, "wb") as log, \
+                subprocess.Popen(["head", "-c", str(OUTPUT_BYTES)], stdin=subprocess.PIPE, stdout=log) as head:
+            status = self.processes.run(command, cwd=self.build, stdout=head.stdin, stderr=head.stdin,
+                                        timeout=10 * cpu_seconds if cpu_seconds else None,
+                                        env=self.environment(LD_LIBRARY_PATH=self.library_path))
         return None if status in (-signal.SIGXCPU, -signal.SIGKILL) else status
 
     def output(self):
@@ -362,9 +363,10 @@ class Trial:
         slowest = 0
         for program in self.programs:
             before = cpu_time_of_children()
-            status = self.idle[0].test(program, self.options.filter, None, MEMORY_KIB)
+            status = self.idle[0].test(program, self.options.filter, None)
             if status != 0:
-                raise Trouble(f"{program} fails without a change:\n" + self.idle[0].output()[-4000:])
+                raise Trouble(f"{program} fails without a change (exit status {status}):\n" +
+                              self.idle[0].output()[-2000:])
             slowest = max(slowest, cpu_time_of_children() - before)
         if not self.cpu_seconds:
             self.cpu_seconds = int(3 * slowest) + 3
@@ -409,7 +411,7 @@ class Trial:
         return Verdict("survived", "")
 
     def run_program(self, workshop, program, test_filter):
-        status = workshop.test(program, test_filter, self.cpu_seconds, MEMORY_KIB)
+        status = workshop.test(program, test_filter, self.cpu_seconds)
         if status == 0:
             return None
         killer = failed_test(workshop.output())

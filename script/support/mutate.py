@@ -152,44 +152,53 @@ class Processes:
     """The processes that run now, so that an interrupt can end them."""
 
     def __init__(self):
-        self.lock = threading.Lock()
+        self.lock = threading.RLock()  # the signal that stops all may come in the thread that holds it
         self.running = set()
         self.stopped = False
 
     def run(self, command, timeout=None, **options):
-        """The exit status, negative for a signal; None after the time-out."""
+        """The exit status, negative for a signal; None after the time-out. Raises Interrupted once all
+        is stopped, for no result counts then."""
         with self.lock:
             if self.stopped:
                 raise Interrupted
             process = subprocess.Popen(command, stdin=subprocess.DEVNULL, start_new_session=True, **options)
             self.running.add(process)
+            if self.stopped:
+                kill_group(process)
         try:
-            return process.wait(timeout)
+            status = process.wait(timeout)
         except subprocess.TimeoutExpired:
-            return None
-        finally:
-            self.end(process)
-            with self.lock:
-                self.running.discard(process)
+            status = None
+        self.end(process)
+        with self.lock:
+            self.running.discard(process)
+            if self.stopped:
+                raise Interrupted
+        return status
 
     @staticmethod
     def end(process):
-        """Ends a process and those that it started."""
-        try:
-            os.killpg(process.pid, signal.SIGKILL)
-        except (ProcessLookupError, PermissionError):
-            pass
-        process.wait()
+        """Ends a process and those that it started, which may still be writing files."""
+        deadline = time.monotonic() + 5
+        while kill_group(process) and time.monotonic() < deadline:
+            process.poll()
+            time.sleep(0.01)
 
     def stop(self):
         with self.lock:
             self.stopped = True
-            running = list(self.running)
-        for process in running:
-            try:
-                os.killpg(process.pid, signal.SIGKILL)
-            except (ProcessLookupError, PermissionError):
-                pass
+            for process in self.running:
+                kill_group(process)
+
+
+def kill_group(process):
+    """False when nothing is left to kill."""
+    try:
+        os.killpg(process.pid, signal.SIGKILL)
+    except (ProcessLookupError, PermissionError):
+        return False
+    return True
 
 
 class Workshop:
@@ -517,49 +526,48 @@ def run(options):
         build.bring_up_to_date(program)
     with tempfile.TemporaryDirectory(prefix="mutate-", ignore_cleanup_errors=True) as folder:
         trial = Trial(options, build, unit, programs, Path(folder))
-        try:
-            slowest = trial.prepare()
-            begin = f"mutate: {name}, {len(chosen)} changes, {', '.join(programs)} takes {slowest:.1f} s"
-            return report(options, trial, name, chosen, begin)
-        finally:
-            trial.processes.stop()
+        # From here on nothing is torn away; what runs comes to its end soon.
+        on_interrupt(trial.processes.stop)
+        slowest = trial.prepare()
+        say(f"mutate: {name}, {len(chosen)} changes, {', '.join(programs)} takes {slowest:.1f} s")
+        return report(options, trial, name, chosen)
 
 
-def report(options, trial, name, chosen, begin):
+def report(options, trial, name, chosen):
     """Tries the changes, in order, and prints the survivors as they are found."""
     count = collections.Counter()
     started = time.monotonic()
-    status = None
-    pool = concurrent.futures.ThreadPoolExecutor(options.jobs)
-    try:
-        say(begin)
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         tries = [pool.submit(trial.try_mutant, mutant) for mutant in chosen]
         for mutant, result in zip(chosen, tries):
-            verdict = result.result()
+            try:
+                verdict = result.result()
+            except Interrupted:
+                continue
             count[verdict.what] += 1
             if verdict.what == "survived" or options.verbose:
                 fate = f" [{' by '.join(filter(None, verdict))}]" if options.verbose else ""
                 print(f"{name}:{mutant.line}: {mutant.kind}: {mutant.note}{fate}", flush=True)
-    except KeyboardInterrupt:
-        status = 130
-    trial.processes.stop()
-    pool.shutdown(cancel_futures=True)
     rest = len(chosen) - sum(count.values())
     parts = [f"{count[what]} {what}" for what in
              ("killed", "survived", "timed out", "did not compile", "same code")]
     if rest:
         parts.append(f"{rest} not tried")
     print(f"{name}: {', '.join(parts)} ({time.monotonic() - started:.0f} s)", flush=True)
-    return status if status is not None else int(count["survived"] > 0)
+    return 130 if trial.processes.stopped else int(count["survived"] > 0)
 
 
-def interrupt(*_):
-    raise KeyboardInterrupt
+def on_interrupt(react):
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        signal.signal(number, lambda *_: react())
+
+
+def give_up():
+    raise Interrupted
 
 
 def main(arguments):
-    for number in (signal.SIGTERM, signal.SIGHUP):
-        signal.signal(number, interrupt)
+    on_interrupt(give_up)
     try:
         return run(parse_options(arguments))
     except Usage as trouble:
@@ -568,7 +576,7 @@ def main(arguments):
     except Trouble as trouble:
         say(f"mutate: {trouble}")
         return 3
-    except KeyboardInterrupt:
+    except Interrupted:
         return 130
 
 

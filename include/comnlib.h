@@ -269,8 +269,9 @@ ZRV_API CS_RETCODE comn_dbg_stack(CS_VOID *tid, CS_VOID *fp, CS_INT depth,
  */
 
 /* Home, the value of ZARVEK_NCL (below 512 bytes) if `ncl` is 1 and it is set, `directory` and
- * `filename` where they are not null; each below the size, and the home by one byte more. The
- * buffer is cleared first. */
+ * `filename` where they are not null; each below the size. The home directory may take the size
+ * less one, its NUL counted in: one byte less than the other functions leave it. The buffer is
+ * cleared first. */
 ZRV_API CS_RETCODE com_path_anyfile(CS_CHAR *pathname, CS_INT pathsize, CS_CHAR *directory,
                                     CS_CHAR *filename, CS_INT ncl) ZRV_NOEXCEPT;
 
@@ -318,8 +319,8 @@ ZRV_PRIVATE CS_RETCODE comn__path_locdata(CS_CONTEXT *context, CS_INT type, CS_C
 #define COM_TCLCFG_SIZE 513
 extern ZRV_PRIVATE CS_CHAR tclcfgpath[COM_TCLCFG_SIZE];
 
-/* Sets the override to a copy of `path`, or clears it if that is null. CS_SUCCEED; CS_FAIL, the old
- * one kept, for a path of 512 bytes or more. */
+/* Sets the override to a copy of `path`, or clears it if that is null or empty. CS_SUCCEED; CS_FAIL,
+ * the old one kept, for a path of 512 bytes or more. */
 ZRV_API CS_RETCODE com_set_tclcfg(CS_CHAR *path) ZRV_NOEXCEPT;
 
 /* Delivers the path of the driver configuration file: the override, else ZRVNCL_TCL_CFG, else

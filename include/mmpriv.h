@@ -71,14 +71,27 @@ typedef struct _mm_uniform_pool {
 } MmUniformPool;
 
 /* The chunks of an alloc-only pool are blocks that begin with a region record, whose `free` points
- * to a cursor in its fifth word: bytes left, and the next free byte. Its `status` tells how many
- * bytes of the chunk are in use or cleared ahead. */
+ * to a cursor in its fifth word: bytes left, and the next free byte. Its `status` is not used. */
 typedef struct _mm_alloconly_pool {
   MmHeap *free; /* the chunks, newest first */
 } MmAllocOnlyPool;
 
-/* What the last search of the general heap that failed has shown: no region from `first` on has
- * `size` bytes in one piece. For handles that give nothing back to the heap. */
+/*
+ * A remembered search of the general heap: as the last one that failed has shown, no region from
+ * `first` on has `size` bytes in one piece. Regions that are added stand in front of `first`, so the
+ * next search for as much ends there. That holds until something goes back to the heap. Whoever is
+ * alone and gives nothing back while it works can rely on it, which is a handle that
+ *
+ *   1. has MM_ST_READY: its strategy has been set up, and has cleared this record;
+ *   2. is of a type that gives nothing back, uniform or alloc-only; the record of a buddy pool
+ *      takes up this place besides;
+ *   3. has no parent, with which it would share the heap;
+ *   4. has no sub-pool.
+ *
+ * For any other handle the record is neither looked at nor kept. com___putheap, for a handle that
+ * fulfils all four, forgets the search; the drop of the last sub-pool goes through it when the
+ * sub-pool is no longer among the children.
+ */
 typedef struct _mm_search {
   MmHeap *first;
   CS_UINT size;
@@ -91,8 +104,9 @@ typedef struct _mm_pool_notes {
     MmUniformPool u;
     MmAllocOnlyPool a;
   } pool;
-  CS_UINT older_left; /* alloc-only: no chunk but the newest has more bytes left */
   MmSearch search;
+  CS_UINT older_left; /* alloc-only: no chunk but the newest has more bytes left */
+  CS_CHAR *cleared;   /* alloc-only: the newest chunk is clear from its cursor up to here */
 } MmPoolNotes;
 
 /* Bits of mmh_status and mph_status. READY: an allocation has succeeded, so type and block size are
@@ -154,8 +168,8 @@ struct _mmpoolhead {
  * com___unsbreak     gives a region back. CS_SUCCEED; CS_FAIL without a function for it.
  * com___getheap      `size` bytes, rounded up to the pool word. CS_SUCCEED or CS_MEM_ERROR.
  * com___putheap      gives a payload back, and its region if that is wholly free and came from the
- *                    break function. CS_SUCCEED; CS_FAIL when the region cannot go back. Fatal: a
- *                    payload outside the regions.
+ *                    break function. CS_SUCCEED; CS_FAIL when the payload is free and the region
+ *                    has no way back: it stays and serves on. Fatal: a payload outside the regions.
  * com___insert_block puts a block among the free blocks of its region and merges neighbours.
  *                    CS_SUCCEED. Fatal: a block outside the region, or free already. The inner
  *                    step of com___putheap, which lets the handle know: what goes back without it
@@ -177,10 +191,11 @@ ZRV_PRIVATE CS_RETCODE com___putblock(MM_HANDLE *mmh, CS_VOID *block) ZRV_NOEXCE
  * The strategies, without the lock and without clearing; see comn_mmalloc and its kin for their
  * results. An allocation on a handle without MM_ST_READY sets its strategy up first.
  *
- * com___buddy_split    makes a free block of an order out of one of a higher order. CS_SUCCEED or
- *                      CS_FAIL. Fatal: another type, an order out of range, a list that has one.
- * com___buddy_compact  merges free buddies below an order. CS_SUCCEED when a block of that order
- *                      came out of it, else CS_FAIL. Fatal: headers that contradict each other.
+ * com___buddy_split       makes a free block of an order out of one of a higher order. CS_SUCCEED or
+ *                         CS_FAIL. Fatal: another type, an order out of range, a list that has one.
+ * com___buddy_compact     merges free buddies below an order. CS_SUCCEED when a block of that order
+ *                         came out of it, else CS_FAIL. Fatal: headers that contradict each other.
+ * com___alloconly_malloc  does not pass its success through the trace, alone in the manager.
  */
 ZRV_PRIVATE CS_RETCODE com___buddy_malloc(MM_HANDLE *mmh, CS_UINT size,
                                           CS_VOID **buffer) ZRV_NOEXCEPT;

@@ -162,18 +162,25 @@ ZRV_API CS_RETCODE comn_mmalloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) 
  * last pool word of it are reported as done although that word is not the caller's. Callers must
  * not write there; comn_mmalloc of the new size is the way to be sure of it.
  *
- * Returns CS_SUCCEED, `*buffer` is the new place; CS_MEM_ERROR, the allocation stands; CS_FAIL in a
- * uniform or alloc-only pool. Another type, a pool that never allocated, and a pointer that is not
- * a live allocation of the pool are fatal.
+ * Returns CS_SUCCEED, `*buffer` is the new place, and the old region may remain as for comn_mmfree;
+ * CS_MEM_ERROR, the allocation stands; CS_FAIL in a uniform or alloc-only pool, whatever `*buffer`
+ * holds. In a pool of another type, or a buddy pool that never allocated, the call is fatal, and so
+ * is a `*buffer` that is null or not a live allocation of the pool.
  */
 ZRV_API CS_RETCODE comn_mmrealloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) ZRV_NOEXCEPT;
 
 /*
  * Releases an allocation. Returns CS_SUCCEED; CS_FAIL in an alloc-only pool, which does nothing.
- * Fatal: a pool that never allocated, a lock that fails, a pointer outside the pool's regions, in a
- * buddy pool also a block that is free already. A uniform pool does not inspect the pointer. An
- * allocation of 0 bytes in an alloc-only pool may lie at the very end of a region, which is
- * outside.
+ *
+ * Fatal: a pool that never allocated, a lock that fails, a pointer outside the pool's regions. An
+ * allocation of 0 bytes in an alloc-only pool may lie at the very end of a region, which is outside.
+ * Also fatal, but for an alloc-only pool: a pointer among a region's first bytes, which are its
+ * record and one pool word more (24 bytes under ILP32); in a buddy pool a pointer that is no block's
+ * or that of a block which is free already. A uniform pool does not inspect the pointer further.
+ *
+ * A region that is wholly free then goes back to the break function it came from. When there is no
+ * function to take it, the region stays with the pool and serves on, and the call succeeds all the
+ * same.
  *
  * The cost of finding the region grows with the number of regions, newest first.
  */
@@ -188,9 +195,11 @@ ZRV_API CS_RETCODE comn_mmdiag(MM_HANDLE *mmh) ZRV_NOEXCEPT;
  * option  in  MM_DROP_NORMAL: CS_BUSY while the handle has sub-pools. MM_DROP_FORCE: the whole pool
  *             goes, also when the handle is a sub-pool. Another option is fatal.
  *
- * Regions of the break function go back to it, regions of the caller are left alone, and so is a
- * handle in the caller's storage. Returns CS_SUCCEED or CS_BUSY. Fatal: a handle that is not one; a
- * pool whose records were carved out of a buffer by comn_mmmanage, after its regions have gone.
+ * Regions of the break function go back to it, if there is a function to take them. Regions of the
+ * caller are left alone, and so is a handle in the caller's storage. The pool is locked during the
+ * call and unlocked at its end, also after CS_BUSY. Returns CS_SUCCEED or CS_BUSY. Fatal: a handle
+ * that is not one; a pool whose records were carved out of a buffer by comn_mmmanage, after its
+ * regions have gone.
  */
 ZRV_API CS_RETCODE comn_mmdrop(MM_HANDLE *mmh, CS_INT option) ZRV_NOEXCEPT;
 

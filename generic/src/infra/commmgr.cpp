@@ -3,7 +3,8 @@
 #include <cstring>
 
 #include "checks.h"
-#include "commmgr.h"
+#include "commmgr_alloconly.h"
+#include "commmgr_uniform.h"
 
 using namespace comn::pool;
 
@@ -117,41 +118,6 @@ CS_RETCODE drop_pool(MM_HANDLE *root) noexcept {
 
 // ---- the entry points below the lock ----
 
-// True when a call has nothing to do around its work: no lock, no trace, a strategy that is set up.
-// With a lock, nothing but the lock functions is looked at before it is held.
-bool is_unguarded(const MM_HANDLE *mmh) noexcept {
-  return mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing() && is_ready(mmh);
-}
-
-// A block of the strategies that take blocks back.
-void *take(MM_HANDLE *mmh, CS_UINT size) noexcept {
-  if (mmh->mmh_type == MM_POOL_UNIFORM)
-    return take_node(mmh->mmh_pool.u, size);
-  return mmh->mmh_type == MM_POOL_BUDDY ? take_block(mmh->mmh_pool.af, size) : nullptr;
-}
-
-bool put(MM_HANDLE *mmh, void *buf) noexcept {
-  if (mmh->mmh_type == MM_POOL_UNIFORM) {
-    put_node(mmh->mmh_pool.u, buf);
-    return true;
-  }
-  return mmh->mmh_type == MM_POOL_BUDDY && put_block(mmh->mmh_pool.af, buf);
-}
-
-CS_RETCODE allocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
-  switch (mmh->mmh_type) {
-  case MM_POOL_BUDDY:
-    return com___buddy_malloc(mmh, size, buffer);
-  case MM_POOL_ALLOCONLY:
-    return com___alloconly_malloc(mmh, size, buffer);
-  case MM_POOL_UNIFORM:
-    return com___uniform_malloc(mmh, size, buffer);
-  default:
-    comn::raise_bomb(COMN_HERE);
-    return CS_FAIL;
-  }
-}
-
 // True when the pointer lies in a region, newest first, and not among its first bytes.
 bool is_inside(const MM_HANDLE *mmh, void *buf, CS_UINT first_bytes) noexcept {
   for (const MmHeap *heap = mmh->mmh_head->mph_heap; heap != nullptr; heap = heap->next) {
@@ -165,7 +131,23 @@ bool is_inside(const MM_HANDLE *mmh, void *buf, CS_UINT first_bytes) noexcept {
 // Where the first block that a strategy can have handed out may begin.
 constexpr CS_UINT before_blocks = region_overhead + word;
 
-CS_RETCODE release(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
+// ---- the work of the entry points, under the lock ----
+
+CS_RETCODE allocate_by_type(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
+  switch (mmh->mmh_type) {
+  case MM_POOL_BUDDY:
+    return com___buddy_malloc(mmh, size, buffer);
+  case MM_POOL_ALLOCONLY:
+    return com___alloconly_malloc(mmh, size, buffer);
+  case MM_POOL_UNIFORM:
+    return com___uniform_malloc(mmh, size, buffer);
+  default:
+    comn::raise_bomb(COMN_HERE);
+    return CS_FAIL;
+  }
+}
+
+CS_RETCODE free_by_type(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   // An alloc-only pool touches nothing: any address in its regions will do.
   COMN_CHECK(is_inside(mmh, buf, mmh->mmh_type == MM_POOL_ALLOCONLY ? 0 : before_blocks), CS_FAIL);
   switch (mmh->mmh_type) {
@@ -181,9 +163,10 @@ CS_RETCODE release(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   }
 }
 
-CS_RETCODE reallocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
+CS_RETCODE reallocate_by_type(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   switch (mmh->mmh_type) {
   case MM_POOL_BUDDY:
+    COMN_CHECK_PTR(*buffer, CS_FAIL);
     COMN_CHECK(is_inside(mmh, *buffer, before_blocks), CS_FAIL);
     return com___buddy_realloc(mmh, size, buffer);
   case MM_POOL_ALLOCONLY:
@@ -195,76 +178,60 @@ CS_RETCODE reallocate(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   }
 }
 
-// ---- clearing what is handed out ----
+// ---- the short way ----
+//
+// In a uniform or alloc-only pool without a lock nearly every call is a pop, a push or a bump, which
+// costs less than the checks, the dispatch and the trace around it. comn_mmalloc and comn_mmfree try
+// that first. When it is not to be had nothing has been done, and the call goes the whole way.
 
-// Up to here a few stores are faster than a call.
-constexpr CS_UINT inline_clear = 128;
-
-template <size_t Size>
-void clear_ends(char *begin, CS_UINT size) noexcept {
-  std::memset(begin, 0, Size);
-  std::memset(begin + size - Size, 0, Size);
+// With a lock, nothing but the lock functions is looked at before it is held.
+bool is_short_way_open(const MM_HANDLE *mmh) noexcept {
+  return mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing() && is_ready(mmh);
 }
 
-void clear_short(void *block, CS_UINT size) noexcept {
-  char *const begin = bytes(block);
-  if (size > 64)
-    clear_ends<64>(begin, size);
-  else if (size > 32)
-    clear_ends<32>(begin, size);
-  else if (size > 16)
-    clear_ends<16>(begin, size);
-  else if (size >= 8)
-    clear_ends<8>(begin, size);
-  else
-    for (CS_UINT i = 0; i < size; ++i)
-      begin[i] = 0;
+// A cleared block; null for the whole way.
+void *allocate_shortly(MM_HANDLE *mmh, CS_UINT size) noexcept {
+  if (mmh->mmh_type == MM_POOL_ALLOCONLY)
+    return take_cleared_bytes(mmh->mmh_pool.notes, size);
+  void *const node = mmh->mmh_type == MM_POOL_UNIFORM ? take_node(mmh->mmh_pool.u, size) : nullptr;
+  return node != nullptr ? std::memset(node, 0, size) : nullptr;
 }
 
-[[gnu::noinline]] CS_RETCODE clear_long(void *block, CS_UINT size) noexcept {
-  std::memset(block, 0, size);
-  return CS_SUCCEED;
+// False for the whole way.
+bool free_shortly(MM_HANDLE *mmh, void *buf) noexcept {
+  if (mmh->mmh_type != MM_POOL_UNIFORM || !is_inside(mmh, buf, before_blocks))
+    return false;
+  put_node(mmh->mmh_pool.u, buf);
+  return true;
 }
 
-// Clears the newest block of an alloc-only chunk and some of what is behind it, so that the next
-// blocks come cleared.
-[[gnu::noinline]] CS_RETCODE clear_ahead(MmHeap *chunk, void *block) noexcept {
-  constexpr CS_UINT most = 2048;
-  const CS_UINT left = chunk->free->size;
-  const CS_UINT end = used(chunk) + (left < most ? left : most);
-  chunk->status = static_cast<CS_INT>(end);
-  std::memset(block, 0, static_cast<size_t>(bytes(chunk) + end - bytes(block)));
-  return CS_SUCCEED;
-}
+// ---- the whole way; out of line, so that the short one needs no frame ----
 
-// ---- the entry points with all that there is around them ----
-
-[[gnu::noinline]] CS_RETCODE allocate_guarded(MM_HANDLE *mmh, CS_UINT size,
-                                              CS_VOID **buffer) noexcept {
+[[gnu::noinline]] CS_RETCODE allocate_wholly(MM_HANDLE *mmh, CS_UINT size,
+                                             CS_VOID **buffer) noexcept {
   COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
   const CS_RETCODE locked = lock(mmh);
   if (locked != CS_SUCCEED)
     return COMN_TRACE(locked);
   void *block = nullptr;
-  const CS_RETCODE result = allocate(mmh, size, &block);
+  const CS_RETCODE result = allocate_by_type(mmh, size, &block);
   // Once only: comn_mmfree looks at it before it takes the lock.
   if (result == CS_SUCCEED && !is_ready(mmh))
     mmh->mmh_status |= MM_ST_READY;
   unlock(mmh);
-  if (result != CS_SUCCEED)
-    return COMN_TRACE(result);
   // The memory is the caller's by now: no need to hold the lock.
-  *buffer = block;
-  return COMN_TRACE(clear_long(block, size));
+  if (result == CS_SUCCEED)
+    *buffer = std::memset(block, 0, size);
+  return COMN_TRACE(result);
 }
 
-[[gnu::noinline]] CS_RETCODE release_guarded(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
+[[gnu::noinline]] CS_RETCODE free_wholly(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(buf, COMN_TRACE(CS_FAIL));
   COMN_CHECK(is_ready(mmh), COMN_TRACE(CS_FAIL));
   COMN_CHECK(lock(mmh) == CS_SUCCEED, COMN_TRACE(CS_FAIL));
-  const CS_RETCODE result = release(mmh, buf);
+  const CS_RETCODE result = free_by_type(mmh, buf);
   unlock(mmh);
   return COMN_TRACE(result);
 }
@@ -344,44 +311,30 @@ CS_RETCODE comn_mmmanage(CS_VOID *buffer, CS_UINT buflen, MM_HANDLE **mmh) noexc
   return COMN_TRACE(CS_SUCCEED);
 }
 
-// The two hot entry points call nothing but these, last, so that they need no frame of their own.
-
 CS_RETCODE comn_mmalloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
-  if (mmh == nullptr || buffer == nullptr || !is_unguarded(mmh)) [[unlikely]]
-    return allocate_guarded(mmh, size, buffer);
-  if (mmh->mmh_type == MM_POOL_ALLOCONLY) {
-    MmAllocOnlyPool &pool = mmh->mmh_pool.a;
-    if (void *const block = take_bytes(pool, size)) [[likely]] {
+  if (mmh != nullptr && buffer != nullptr && is_short_way_open(mmh))
+    if (void *const block = allocate_shortly(mmh, size)) {
       *buffer = block;
-      return is_cleared(pool.free) ? CS_SUCCEED : clear_ahead(pool.free, block);
+      return CS_SUCCEED;
     }
-  } else if (void *const block = take(mmh, size)) [[likely]] {
-    *buffer = block;
-    if (size > inline_clear)
-      return clear_long(block, size);
-    clear_short(block, size);
-    return CS_SUCCEED;
-  }
-  return allocate_guarded(mmh, size, buffer);
+  return allocate_wholly(mmh, size, buffer);
 }
 
 CS_RETCODE comn_mmrealloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(*buffer, COMN_TRACE(CS_FAIL));
   const CS_RETCODE locked = lock(mmh);
   if (locked != CS_SUCCEED)
     return COMN_TRACE(locked);
-  const CS_RETCODE result = reallocate(mmh, size, buffer);
+  const CS_RETCODE result = reallocate_by_type(mmh, size, buffer);
   unlock(mmh);
   return COMN_TRACE(result);
 }
 
 CS_RETCODE comn_mmfree(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
-  if (mmh != nullptr && buf != nullptr && is_unguarded(mmh) && is_inside(mmh, buf, before_blocks) &&
-      put(mmh, buf)) [[likely]]
+  if (mmh != nullptr && buf != nullptr && is_short_way_open(mmh) && free_shortly(mmh, buf))
     return CS_SUCCEED;
-  return release_guarded(mmh, buf);
+  return free_wholly(mmh, buf);
 }
 
 CS_RETCODE comn_mmdiag(MM_HANDLE *) noexcept {

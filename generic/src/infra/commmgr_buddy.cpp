@@ -14,6 +14,56 @@ using namespace comn::pool;
 
 namespace {
 
+// A buddy block of order 0 is four words: its header and two links, rounded up to a power of two.
+constexpr CS_INT order_shift = static_cast<CS_INT>(std::bit_width(4 * word)) - 1;
+constexpr CS_UINT smallest_request = 3 * word;
+constexpr CS_INT top_order = MM_BUDDY_ORDERS - 1;
+
+// What one unit of the identity field stands for, and how it is aligned in the header.
+constexpr int identity_shift = 4;
+constexpr CS_UINT identity_mask = MM_BUDDY_CHUNK >> identity_shift;
+
+// The order of the smallest block whose payload holds a request, which is not below the smallest.
+constexpr CS_INT order_for(CS_UINT size) noexcept {
+  return static_cast<CS_INT>(std::bit_width(size + word - 1)) - order_shift;
+}
+static_assert(order_for(smallest_request) == 0 && order_for(smallest_request + 1) == 1);
+
+constexpr CS_UINT block_bytes(CS_INT order) noexcept {
+  return 1U << (order + order_shift);
+}
+constexpr CS_UINT block_words(CS_INT order) noexcept {
+  return block_bytes(order) / word;
+}
+
+constexpr CS_INT order_of(CS_UINT header) noexcept {
+  return (header & MM_BUDDY_TOPORDER) != 0 ? top_order
+                                           : static_cast<CS_INT>(header & MM_BUDDY_ORDER);
+}
+
+CS_UINT address_in_words(const void *address) noexcept {
+  return static_cast<CS_UINT>(reinterpret_cast<std::uintptr_t>(address) / word);
+}
+
+// The words between the start of its chunk and a block, as its header tells.
+CS_UINT words_into_chunk(const MmDList *block) noexcept {
+  return (address_in_words(block) - (block->size >> identity_shift)) & identity_mask;
+}
+
+// True when a block of this order can begin where this one does.
+bool is_plausible(const MmDList *block, CS_INT order) noexcept {
+  return (words_into_chunk(block) & (block_words(order) - 1)) == 0;
+}
+
+void push_block(MmBuddyPool &pool, CS_INT order, MmDList *block) noexcept {
+  MmDList *&head = pool.free[order];
+  block->next = head;
+  block->prev = nullptr;
+  if (head != nullptr)
+    head->prev = block;
+  head = block;
+}
+
 constexpr CS_UINT with_order(CS_UINT header, CS_INT order) noexcept {
   const CS_UINT cleared = header & ~(MM_BUDDY_ORDER | MM_BUDDY_TOPORDER);
   return cleared | (order == top_order ? MM_BUDDY_TOPORDER : static_cast<CS_UINT>(order));
@@ -31,7 +81,7 @@ bool is_upper(const MmDList *block, CS_INT order) noexcept {
   return (words_into_chunk(block) & block_words(order)) != 0;
 }
 
-void unlink(MmBuddyPool &pool, CS_INT order, MmDList *block) noexcept {
+void unlink_block(MmBuddyPool &pool, CS_INT order, MmDList *block) noexcept {
   if (block->prev != nullptr)
     block->prev->next = block->next;
   else
@@ -42,7 +92,7 @@ void unlink(MmBuddyPool &pool, CS_INT order, MmDList *block) noexcept {
 
 // Runs at every allocation before the first that succeeds, each time from the block size that the
 // last one stored.
-void set_up(MM_HANDLE *mmh) noexcept {
+void set_up_orders(MM_HANDLE *mmh) noexcept {
   MmBuddyPool &pool = mmh->mmh_pool.af;
   const auto blocksize = static_cast<CS_UINT>(mmh->mmh_blocksize);
   const CS_INT order = static_cast<CS_INT>(std::bit_width(blocksize - 1)) - order_shift;
@@ -52,7 +102,8 @@ void set_up(MM_HANDLE *mmh) noexcept {
     pool.free[i] = i <= pool.bpmax ? nullptr : reinterpret_cast<MmDList *>(std::intptr_t{-1});
 }
 
-CS_RETCODE oversize_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
+// A block for a request beyond the largest order: one block of the heap, with a header of its own.
+CS_RETCODE allocate_oversize(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept {
   void *block = nullptr;
   const CS_RETCODE result = com___getblock(mmh, size + word, &block);
   if (result != CS_SUCCEED)
@@ -62,7 +113,8 @@ CS_RETCODE oversize_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexc
   return CS_SUCCEED;
 }
 
-CS_RETCODE add_chunk(MM_HANDLE *mmh) noexcept {
+// Takes a chunk, which is one free block of the largest order.
+CS_RETCODE add_top_block(MM_HANDLE *mmh) noexcept {
   MmBuddyPool &pool = mmh->mmh_pool.af;
   void *block = nullptr;
   const CS_RETCODE result = com___getblock(mmh, static_cast<CS_UINT>(mmh->mmh_blocksize), &block);
@@ -71,7 +123,7 @@ CS_RETCODE add_chunk(MM_HANDLE *mmh) noexcept {
   auto *const chunk = static_cast<MmDList *>(block);
   const CS_UINT identity = (address_in_words(chunk) & identity_mask) << identity_shift;
   chunk->size = with_order(identity | MM_BUDDY_FREE, pool.bpmax);
-  push(pool, pool.bpmax, chunk);
+  push_block(pool, pool.bpmax, chunk);
   return CS_SUCCEED;
 }
 
@@ -82,23 +134,26 @@ CS_RETCODE com___buddy_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) no
   COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
   COMN_CHECK(mmh->mmh_type == MM_POOL_BUDDY, COMN_TRACE(CS_FAIL));
   if (!is_ready(mmh))
-    set_up(mmh);
+    set_up_orders(mmh);
   if (size > largest_request)
     return COMN_TRACE(CS_MEM_ERROR);
   MmBuddyPool &pool = mmh->mmh_pool.af;
   const CS_INT order = order_for(size < smallest_request ? smallest_request : size);
   if (order > pool.bpmax)
-    return COMN_TRACE(oversize_malloc(mmh, size, buffer));
+    return COMN_TRACE(allocate_oversize(mmh, size, buffer));
 
   if (pool.free[order] == nullptr && com___buddy_split(mmh, order) != CS_SUCCEED &&
       com___buddy_compact(mmh, order) != CS_SUCCEED) {
-    const CS_RETCODE result = add_chunk(mmh);
+    const CS_RETCODE result = add_top_block(mmh);
     if (result != CS_SUCCEED)
       return COMN_TRACE(result);
     if (pool.bpmax > order)
       COMN_CHECK(com___buddy_split(mmh, order) == CS_SUCCEED, COMN_TRACE(CS_FAIL));
   }
-  *buffer = pop(pool, order);
+  MmDList *const block = pool.free[order];
+  unlink_block(pool, order, block);
+  block->size &= ~MM_BUDDY_FREE;
+  *buffer = payload_of(block);
   return COMN_TRACE(CS_SUCCEED);
 }
 
@@ -113,12 +168,12 @@ CS_RETCODE com___buddy_split(MM_HANDLE *mmh, CS_INT order) noexcept {
     return COMN_TRACE(CS_FAIL);
 
   MmDList *const lower = pool.free[order + 1];
-  unlink(pool, order + 1, lower);
+  unlink_block(pool, order + 1, lower);
   auto *const upper = at<MmDList>(lower, static_cast<std::ptrdiff_t>(block_bytes(order)));
   lower->size = with_order(lower->size, order);
   upper->size = order == top_order - 1 ? lower->size | MM_BUDDY_UPPERHALF : lower->size;
-  push(pool, order, upper);
-  push(pool, order, lower);
+  push_block(pool, order, upper);
+  push_block(pool, order, lower);
   return COMN_TRACE(CS_SUCCEED);
 }
 
@@ -142,12 +197,12 @@ CS_RETCODE com___buddy_compact(MM_HANDLE *mmh, CS_INT order) noexcept {
         block = block->next;
         continue;
       }
-      unlink(pool, i, buddy);
+      unlink_block(pool, i, buddy);
       MmDList *const before = block->prev;
-      unlink(pool, i, block);
+      unlink_block(pool, i, block);
       MmDList *const lower = upper ? buddy : block;
       lower->size = with_order(lower->size, i + 1);
-      push(pool, i + 1, lower);
+      push_block(pool, i + 1, lower);
       merged = true;
       block = before != nullptr ? before->next : pool.free[i];
     }
@@ -161,11 +216,19 @@ CS_RETCODE com___buddy_free(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   COMN_CHECK(is_ready(mmh) && mmh->mmh_type == MM_POOL_BUDDY, COMN_TRACE(CS_FAIL));
   COMN_CHECK(is_aligned(buf), COMN_TRACE(CS_FAIL));
   auto *const block = header_of<MmDList>(buf);
-  if ((block->size & MM_BUDDY_OVERSIZE) != 0)
-    return COMN_TRACE(com___putblock(mmh, block));
+  if ((block->size & MM_BUDDY_OVERSIZE) != 0) {
+    const Freed freed = free_chained_block(mmh, block);
+    return COMN_TRACE(freed == Freed::nothing ? CS_FAIL : CS_SUCCEED);
+  }
 
   // A double free, or no block of this pool.
-  COMN_CHECK(put_block(mmh->mmh_pool.af, buf), COMN_TRACE(CS_FAIL));
+  MmBuddyPool &pool = mmh->mmh_pool.af;
+  const CS_INT order = order_of(block->size);
+  COMN_CHECK((block->size & MM_BUDDY_FREE) == 0, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(order <= pool.bpmax && is_plausible(block, order), COMN_TRACE(CS_FAIL));
+  // No merging here: it waits until a request cannot be met.
+  block->size |= MM_BUDDY_FREE;
+  push_block(pool, order, block);
   return COMN_TRACE(CS_SUCCEED);
 }
 
@@ -194,6 +257,7 @@ CS_RETCODE com___buddy_realloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) n
     return COMN_TRACE(result);
   std::memcpy(moved, *buffer, capacity);
   const CS_RETCODE freed = com___buddy_free(mmh, *buffer);
-  *buffer = moved;
+  if (freed == CS_SUCCEED)
+    *buffer = moved;
   return COMN_TRACE(freed);
 }

@@ -27,7 +27,7 @@ bool is_wholly_free(const MmHeap *heap) noexcept {
 }
 
 // Takes `size` bytes from the first block of a region that has them; null if none has.
-void *take(MmHeap *heap, CS_UINT size) noexcept {
+void *take_first_fit(MmHeap *heap, CS_UINT size) noexcept {
   for (MmList **slot = &heap->free; *slot != nullptr; slot = &(*slot)->link) {
     MmList *const block = *slot;
     if (block->size < size)
@@ -49,13 +49,12 @@ void *take(MmHeap *heap, CS_UINT size) noexcept {
   return nullptr;
 }
 
-// What a handle keeps of its searches; null if somebody else could give something back to the
-// regions meanwhile, or it does so all the time itself.
-MmSearch *search_of(MM_HANDLE *mmh) noexcept {
-  if (!is_ready(mmh) || mmh->mmh_parent != nullptr || mmh->mmh_child != nullptr)
-    return nullptr;
-  const bool gives_back = mmh->mmh_type != MM_POOL_UNIFORM && mmh->mmh_type != MM_POOL_ALLOCONLY;
-  return gives_back ? nullptr : &mmh->mmh_pool.notes.search;
+// The search that a handle may rely on; null unless it fulfils the four conditions of MmSearch.
+MmSearch *remembered_search(MM_HANDLE *mmh) noexcept {
+  const bool gives_nothing_back =
+      mmh->mmh_type == MM_POOL_UNIFORM || mmh->mmh_type == MM_POOL_ALLOCONLY;
+  const bool is_alone = mmh->mmh_parent == nullptr && mmh->mmh_child == nullptr;
+  return is_ready(mmh) && gives_nothing_back && is_alone ? &mmh->mmh_pool.notes.search : nullptr;
 }
 
 } // namespace
@@ -116,13 +115,13 @@ CS_RETCODE com___getheap(MM_HANDLE *mmh, CS_UINT size, CS_VOID **payload) noexce
   // No block is without payload: that is the mark of a remainder.
   const CS_UINT rounded = size == 0 ? word : round_up(size);
   MmPoolHead *const head = mmh->mmh_head;
-  MmSearch *const last = search_of(mmh);
+  MmSearch *const last = remembered_search(mmh);
   for (;;) {
     const MmHeap *const end = last != nullptr && rounded >= last->size ? last->first : nullptr;
     for (MmHeap *heap = head->mph_heap; heap != end; heap = heap->next) {
       if (static_cast<CS_UINT>(heap->size) < rounded)
         continue;
-      if (void *const found = take(heap, rounded)) {
+      if (void *const found = take_first_fit(heap, rounded)) {
         *payload = found;
         return COMN_TRACE(CS_SUCCEED);
       }
@@ -136,31 +135,34 @@ CS_RETCODE com___getheap(MM_HANDLE *mmh, CS_UINT size, CS_VOID **payload) noexce
   }
 }
 
-CS_RETCODE com___putheap(MM_HANDLE *mmh, CS_VOID *payload) noexcept {
-  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(payload, COMN_TRACE(CS_FAIL));
+Freed comn::pool::free_payload(MM_HANDLE *mmh, void *payload) noexcept {
   auto *const block = header_of<MmList>(payload);
   MmPoolHead *const head = mmh->mmh_head;
-  if (MmSearch *const last = search_of(mmh))
+  if (MmSearch *const last = remembered_search(mmh))
     *last = {};
   for (MmHeap **slot = &head->mph_heap; *slot != nullptr; slot = &(*slot)->next) {
     MmHeap *const heap = *slot;
     const size_t offset = offset_in(heap, block);
     if (offset == 0 || offset >= static_cast<CS_UINT>(heap->size))
       continue;
-    const CS_RETCODE inserted = com___insert_block(heap, block);
-    if (inserted != CS_SUCCEED)
-      return COMN_TRACE(inserted);
+    if (com___insert_block(heap, block) != CS_SUCCEED)
+      return Freed::nothing;
     if (heap->status == MM_HEAP_BREAK && is_wholly_free(heap)) {
       MmHeap *const next = heap->next;
       if (com___unsbreak(mmh, heap) != CS_SUCCEED)
-        return COMN_TRACE(CS_FAIL);
+        return Freed::block_alone;
       *slot = next;
     }
-    return COMN_TRACE(CS_SUCCEED);
+    return Freed::all;
   }
   comn::raise_bomb(COMN_HERE);
-  return COMN_TRACE(CS_FAIL);
+  return Freed::nothing;
+}
+
+CS_RETCODE com___putheap(MM_HANDLE *mmh, CS_VOID *payload) noexcept {
+  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(payload, COMN_TRACE(CS_FAIL));
+  return COMN_TRACE(free_payload(mmh, payload) == Freed::all ? CS_SUCCEED : CS_FAIL);
 }
 
 CS_RETCODE com___insert_block(MmHeap *heap, MmList *block) noexcept {
@@ -217,16 +219,20 @@ CS_RETCODE com___getblock(MM_HANDLE *mmh, CS_UINT size, CS_VOID **block) noexcep
   return COMN_TRACE(CS_SUCCEED);
 }
 
-CS_RETCODE com___putblock(MM_HANDLE *mmh, CS_VOID *block) noexcept {
-  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(block, COMN_TRACE(CS_FAIL));
+Freed comn::pool::free_chained_block(MM_HANDLE *mmh, void *block) noexcept {
   for (MmBlock **slot = &mmh->mmh_blocks; *slot != nullptr; slot = &(*slot)->next) {
     MmBlock *const record = *slot;
     if (&record->block != block)
       continue;
     *slot = record->next;
-    return COMN_TRACE(com___putheap(mmh, record));
+    return free_payload(mmh, record);
   }
   comn::raise_bomb(COMN_HERE);
-  return COMN_TRACE(CS_FAIL);
+  return Freed::nothing;
+}
+
+CS_RETCODE com___putblock(MM_HANDLE *mmh, CS_VOID *block) noexcept {
+  COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(block, COMN_TRACE(CS_FAIL));
+  return COMN_TRACE(free_chained_block(mmh, block) == Freed::all ? CS_SUCCEED : CS_FAIL);
 }

@@ -12,7 +12,7 @@ static_assert(sizeof(void *) != 4 || overhead == 156);
 
 // Delivers a property, an integer or a pointer, at the place that the caller gave.
 template <class T>
-CS_RETCODE deliver(CS_VOID *buffer, T value) noexcept {
+CS_RETCODE store_value(CS_VOID *buffer, T value) noexcept {
   COMN_CHECK_PTR(buffer, CS_FAIL);
   comn::store(buffer, value);
   return CS_SUCCEED;
@@ -56,29 +56,29 @@ CS_RETCODE get_subpool(MM_HANDLE *mmh, CS_VOID *buffer, CS_INT tagid) noexcept {
   return found != nullptr ? CS_SUCCEED : com___subpool(mmh, tagid, slot);
 }
 
-CS_RETCODE get(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT buflen) noexcept {
+CS_RETCODE get_property(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT buflen) noexcept {
   const MmPoolHead *const head = mmh->mmh_head;
   switch (property) {
   case MM_PROP_POOLTYPE:
-    return deliver(buffer, mmh->mmh_type);
+    return store_value(buffer, mmh->mmh_type);
   case MM_PROP_SBREAK:
-    return deliver(buffer, head->mph_sbreak);
+    return store_value(buffer, head->mph_sbreak);
   case MM_PROP_UNSBREAK:
-    return deliver(buffer, head->mph_unsbreak);
+    return store_value(buffer, head->mph_unsbreak);
   case MM_PROP_LOCK:
-    return deliver(buffer, head->mph_lock);
+    return store_value(buffer, head->mph_lock);
   case MM_PROP_UNLOCK:
-    return deliver(buffer, head->mph_unlock);
+    return store_value(buffer, head->mph_unlock);
   case MM_PROP_PARAM:
   case MM_PROP_LOCKARG:
     // Deliberate: these two succeed and deliver nothing.
     return CS_SUCCEED;
   case MM_PROP_CHUNKSIZE:
-    return deliver(buffer, head->mph_chunksize);
+    return store_value(buffer, head->mph_chunksize);
   case MM_PROP_MAXSIZE:
-    return deliver(buffer, head->mph_maxsize);
+    return store_value(buffer, head->mph_maxsize);
   case MM_PROP_BLOCKSIZE:
-    return deliver(buffer, mmh->mmh_blocksize);
+    return store_value(buffer, mmh->mmh_blocksize);
   case MM_PROP_SUBPOOL:
     return get_subpool(mmh, buffer, buflen);
   default:
@@ -87,7 +87,7 @@ CS_RETCODE get(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT buflen) 
   }
 }
 
-CS_RETCODE set(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT buflen) noexcept {
+CS_RETCODE set_property(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT buflen) noexcept {
   MmPoolHead *const head = mmh->mmh_head;
   switch (property) {
   case MM_PROP_POOLTYPE:
@@ -137,12 +137,12 @@ CS_RETCODE clear_locking(MM_HANDLE *mmh) noexcept {
   return result;
 }
 
-CS_RETCODE act(MM_HANDLE *mmh, CS_INT action, CS_INT property, CS_VOID *buffer,
-               CS_INT buflen) noexcept {
+CS_RETCODE act_on_property(MM_HANDLE *mmh, CS_INT action, CS_INT property, CS_VOID *buffer,
+                           CS_INT buflen) noexcept {
   if (action == MM_ACTION_GET)
-    return get(mmh, property, buffer, buflen);
+    return get_property(mmh, property, buffer, buflen);
   if (action == MM_ACTION_SET)
-    return set(mmh, property, buffer, buflen);
+    return set_property(mmh, property, buffer, buflen);
   if (property == MM_PROP_LOCK || property == MM_PROP_LOCKARG || property == MM_PROP_UNLOCK)
     return clear_locking(mmh);
   comn::raise_bomb(COMN_HERE);
@@ -152,7 +152,7 @@ CS_RETCODE act(MM_HANDLE *mmh, CS_INT action, CS_INT property, CS_VOID *buffer,
 // The one property without a pool: how much storage to give comn_mmmanage.
 CS_RETCODE act_on_overhead(CS_INT action, CS_VOID *buffer) noexcept {
   COMN_CHECK(action != MM_ACTION_CLEAR, MM_BAD_PROPERTY);
-  return action == MM_ACTION_GET ? deliver(buffer, overhead) : CS_FAIL;
+  return action == MM_ACTION_GET ? store_value(buffer, overhead) : CS_FAIL;
 }
 
 } // namespace
@@ -170,7 +170,7 @@ CS_RETCODE comn_mmproperty(MM_HANDLE *mmh, CS_INT action, CS_INT property, CS_VO
     result = lock(mmh);
     if (result != CS_SUCCEED)
       return COMN_TRACE(result);
-    result = act(mmh, action, property, buffer, buflen);
+    result = act_on_property(mmh, action, property, buffer, buflen);
     // Setting the lock function came in without a lock, and so holds nothing.
     const bool set_lock =
         action == MM_ACTION_SET && property == MM_PROP_LOCK && result == CS_SUCCEED;

@@ -1,6 +1,6 @@
 // The uniform strategy: a free list of equal nodes. The first request fixes their size.
+#include "commmgr_uniform.h"
 #include "checks.h"
-#include "commmgr.h"
 
 using namespace comn::pool;
 
@@ -12,7 +12,7 @@ CS_UINT node_size_for(CS_UINT size) noexcept {
 }
 
 // Runs at every allocation before the first that succeeds.
-void set_up(MM_HANDLE *mmh, CS_UINT size) noexcept {
+void set_up_nodes(MM_HANDLE *mmh, CS_UINT size) noexcept {
   MmUniformPool &pool = mmh->mmh_pool.u;
   const CS_UINT node_size = node_size_for(size);
   const CS_UINT nodes = static_cast<CS_UINT>(mmh->mmh_blocksize) / node_size;
@@ -54,7 +54,7 @@ CS_RETCODE com___uniform_malloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) 
   } else {
     if (size > largest_request)
       return COMN_TRACE(CS_MEM_ERROR);
-    set_up(mmh, size);
+    set_up_nodes(mmh, size);
   }
   if (pool.free == nullptr) {
     void *block = nullptr;

@@ -17,6 +17,7 @@
 
 #include "check_trap.h"
 #include "guarded_buffer.h"
+#include "traced_exit.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
 
@@ -28,6 +29,7 @@ struct Shim {
   bool link_fails = false;
   bool link_is_empty = false;
   int opened = 0; // calls of opendir
+  int closed = 0; // calls of closedir
 } shim;
 
 } // namespace
@@ -56,6 +58,12 @@ extern "C" DIR *opendir(const char *name) {
   ++shim.opened;
   static const auto real = reinterpret_cast<DIR *(*)(const char *)>(dlsym(RTLD_NEXT, "opendir"));
   return real(name);
+}
+
+extern "C" int closedir(DIR *entries) {
+  ++shim.closed;
+  static const auto real = reinterpret_cast<int (*)(DIR *)>(dlsym(RTLD_NEXT, "closedir"));
+  return real(entries);
 }
 
 namespace {
@@ -392,6 +400,56 @@ TEST_F(PathTest, SizesThatAreNone) {
     }
 }
 
+// Each exit passes through the trace, and so does the length that com_get_tclcfg returns.
+TEST_F(PathTest, EveryExitIsTraced) {
+  char path[64];
+  const std::string succeed = "(CS_SUCCEED) file com_path.cpp",
+                    fail = "(CS_FAIL) file com_path.cpp";
+  for (const auto &build : builders()) {
+    shim.home_result = 0;
+    EXPECT_EQ(zrvtest::exit_of(CS_SUCCEED, [&] { return build(&context, path, sizeof path); }),
+              succeed);
+    EXPECT_EQ(zrvtest::exit_of(CS_FAIL, [&] { return build(&context, nullptr, sizeof path); }),
+              fail);
+    EXPECT_EQ(zrvtest::exit_of(CS_FAIL, [&] { return build(&context, path, 9); }), fail);
+    shim.home_result = 65;
+    EXPECT_EQ(zrvtest::exit_of(CS_FAIL, [&] { return build(&context, path, sizeof path); }), fail);
+    shim.home_result = -42;
+    EXPECT_EQ(zrvtest::exit_of(COM_INTL_ERROR, [&] { return build(&context, path, sizeof path); }),
+              "(-301) file com_path.cpp");
+  }
+  EXPECT_EQ(zrvtest::exit_of(0, [&] { return com_get_tclcfg(path, sizeof path); }), fail);
+  shim.home_result = 0;
+  const std::string too_long(512, 'x');
+  EXPECT_EQ(zrvtest::exit_of(24, [&] { return com_get_tclcfg(path, sizeof path); }),
+            "(24) file com_path.cpp");
+  set("ZARVEK_TCL_CFG", "/a");
+  EXPECT_EQ(zrvtest::exit_of(2, [&] { return com_get_tclcfg(path, sizeof path); }),
+            "(2) file com_path.cpp");
+  EXPECT_EQ(zrvtest::exit_of(CS_FAIL, [&] { return com_set_tclcfg(arg(too_long.c_str())); }), fail);
+  EXPECT_EQ(zrvtest::exit_of(CS_SUCCEED, [&] { return com_set_tclcfg(arg("/a/b")); }), succeed);
+  EXPECT_EQ(zrvtest::exit_of(4, [&] { return com_get_tclcfg(path, sizeof path); }),
+            "(4) file com_path.cpp");
+  EXPECT_EQ(zrvtest::exit_of(0, [&] { return com_get_tclcfg(path, 4); }), fail);
+  EXPECT_EQ(zrvtest::exit_of(0, [&] { return com_get_tclcfg(nullptr, 4); }), fail);
+  char suffix[COM_LDAPVERSION_SIZE];
+  CS_INT found = 0;
+  EXPECT_EQ(zrvtest::exit_of(CS_SUCCEED, [&] { return com_get_ldapversionsuffix(suffix, 0); }),
+            succeed);
+  EXPECT_EQ(zrvtest::exit_of(CS_FAIL, [&] { return com_get_ldapversionsuffix(suffix, 1); }), fail);
+  EXPECT_EQ(zrvtest::exit_of(CS_FAIL, [&] { return com_get_ldapversionsuffix(nullptr, 1); }), fail);
+  EXPECT_EQ(zrvtest::exit_of(CS_FAIL, [&] { return com__find_latest_ldapversion(suffix, &found); }),
+            fail);
+  char name[256];
+  EXPECT_EQ(
+      zrvtest::exit_of(CS_SUCCEED,
+                       [&] { return comn__genappname_from_exec(&context, name, sizeof name, 0); }),
+      "(CS_SUCCEED) file comexecappnm.cpp");
+  EXPECT_EQ(
+      zrvtest::exit_of(CS_FAIL, [&] { return comn__genappname_from_exec(&context, name, 0, 0); }),
+      "(CS_FAIL) file comexecappnm.cpp");
+}
+
 TEST_F(PathTest, NullPointers) {
   char path[64];
   for (const auto &build : builders())
@@ -423,6 +481,18 @@ TEST_F(PathTest, TclcfgOverride) {
   EXPECT_EQ(tclcfgpath, longest);
   EXPECT_EQ(com_set_tclcfg(nullptr), CS_SUCCEED);
   EXPECT_STREQ(tclcfgpath, "");
+}
+
+// An empty override is none.
+TEST_F(PathTest, EmptyTclcfgOverride) {
+  char path[64];
+  set("ZRVNCL_TCL_CFG", "/e");
+  ASSERT_EQ(com_set_tclcfg(arg("/a/b.cfg")), CS_SUCCEED);
+  EXPECT_EQ(com_get_tclcfg(path, sizeof path), 8);
+  EXPECT_EQ(com_set_tclcfg(arg("")), CS_SUCCEED);
+  EXPECT_EQ(std::string(tclcfgpath, 1), std::string(1, '\0'));
+  EXPECT_EQ(com_get_tclcfg(path, sizeof path), 2);
+  EXPECT_STREQ(path, "/e");
 }
 
 // Deliberate: an override that does not fit gives 0 and hides the environment.
@@ -498,6 +568,7 @@ TEST_F(LdapTest, MissingDirectory) {
   EXPECT_EQ(com_get_ldapversionsuffix(suffix.text(), 1), CS_FAIL);
   EXPECT_TRUE(suffix.is_untouched());
   EXPECT_EQ(shim.opened, 1);
+  EXPECT_EQ(shim.closed, 0);
   shim.home_result = -1;
   EXPECT_EQ(com_get_ldapversionsuffix(suffix.text(), 1), CS_FAIL);
   EXPECT_EQ(shim.opened, 1);
@@ -516,6 +587,8 @@ TEST_F(LdapTest, NothingNewer) {
   ASSERT_EQ(com__find_latest_ldapversion(version.text(), &found), CS_SUCCEED);
   EXPECT_EQ(found, 0);
   EXPECT_TRUE(version.is_untouched());
+  EXPECT_EQ(shim.opened, 2);
+  EXPECT_EQ(shim.closed, 2);
 }
 
 // Deliberate: the result is the file name, and versions are no numbers.
@@ -529,6 +602,8 @@ TEST_F(LdapTest, NewerByBytes) {
   ASSERT_EQ(com__find_latest_ldapversion(version.text(), &found), CS_SUCCEED);
   EXPECT_EQ(found, 1);
   EXPECT_STREQ(version.text(), "libzarvekldap.so.2.4.9_ccl");
+  EXPECT_EQ(shim.opened, 2);
+  EXPECT_EQ(shim.closed, 2);
 }
 
 TEST_F(LdapTest, LongestFileName) {

@@ -327,4 +327,130 @@ TEST_F(RandomPools, HeapAddresses) {
   }
 }
 
+// A root with sub-pools, all of any type, beside a model of the heap that they share: every block
+// that one of them takes from the heap must lie where first fit puts it, whatever the root remembers
+// of its searches.
+class PoolTree {
+public:
+  PoolTree(Source &a_source, MM_HANDLE *root) : source(a_source) { members.push_back({root}); }
+
+  size_t size() const { return members.size(); }
+
+  void make_subpool(size_t which, CS_INT type, CS_INT blocksize) {
+    MM_HANDLE *const parent = members[which].handle;
+    const size_t breaks = source.asked.size();
+    MM_HANDLE *sub = parent;
+    ASSERT_EQ(com___subpool(parent, 1, &sub), CS_SUCCEED);
+    expect_at(sub, sizeof(MM_HANDLE), source.asked.size() - breaks);
+    ASSERT_EQ(set_integer(sub, MM_PROP_POOLTYPE, type), CS_SUCCEED);
+    ASSERT_EQ(set_integer(sub, MM_PROP_BLOCKSIZE, blocksize), CS_SUCCEED);
+    members.push_back({sub});
+  }
+
+  // A uniform pool is asked for the size that it had first.
+  void allocate(size_t which, CS_UINT wanted, bool failing) {
+    Member &member = members[which];
+    MM_HANDLE *const pool = member.handle;
+    if (pool->mmh_type == MM_POOL_UNIFORM && (pool->mmh_status & MM_ST_READY) != 0)
+      wanted = static_cast<CS_UINT>(pool->mmh_pool.u.uniform_size);
+    const MmBlock *const newest = pool->mmh_blocks;
+    const size_t breaks = source.asked.size(), refused = source.refused;
+    source.fail(failing ? 1 : 0);
+    void *block = nullptr;
+    const CS_RETCODE result = comn_mmalloc(pool, wanted, &block);
+    source.fail(0);
+    ASSERT_EQ(result, source.refused != refused ? CS_MEM_ERROR : CS_SUCCEED);
+    if (result != CS_SUCCEED)
+      return;
+    std::memset(block, 0xFF, wanted);
+    const bool oversize =
+        pool->mmh_type == MM_POOL_BUDDY && (header_of(block) & MM_BUDDY_OVERSIZE) != 0;
+    if (oversize)
+      member.oversize.push_back(block);
+    if (pool->mmh_blocks == newest) {
+      ASSERT_EQ(source.asked.size(), breaks);
+      return;
+    }
+    const auto chunk = static_cast<CS_UINT>(
+        pool->mmh_type == MM_POOL_ALLOCONLY ? pool->mmh_pool.a.free->size : pool->mmh_blocksize);
+    expect_at(pool->mmh_blocks, W + (oversize ? W + wanted : chunk), source.asked.size() - breaks);
+  }
+
+  // Gives the oldest large allocation of a buddy pool back.
+  void release(size_t which) {
+    Member &member = members[which];
+    if (member.oversize.empty())
+      return;
+    char *const block = static_cast<char *>(member.oversize.front());
+    member.oversize.erase(member.oversize.begin());
+    ASSERT_EQ(comn_mmfree(member.handle, block), CS_SUCCEED);
+    model.put(block - 2 * W);
+    ASSERT_EQ(source.live(), model.regions.size());
+  }
+
+  void drop(size_t which) {
+    MM_HANDLE *const pool = members[which].handle;
+    if (which == 0 || pool->mmh_child != nullptr)
+      return;
+    std::vector<void *> payloads;
+    for (MmBlock *block = pool->mmh_blocks; block != nullptr; block = block->next)
+      payloads.push_back(block);
+    payloads.push_back(pool);
+    ASSERT_EQ(comn_mmdrop(pool, MM_DROP_NORMAL), CS_SUCCEED);
+    for (void *const payload : payloads)
+      model.put(static_cast<char *>(payload));
+    ASSERT_EQ(source.live(), model.regions.size());
+    members.erase(members.begin() + static_cast<std::ptrdiff_t>(which));
+  }
+
+private:
+  struct Member {
+    MM_HANDLE *handle;
+    std::vector<void *> oversize = {};
+  };
+
+  void expect_at(void *payload, CS_UINT size, size_t breaks) {
+    char *expected = model.get(size);
+    ASSERT_EQ(breaks, expected == nullptr ? 1U : 0U);
+    if (expected == nullptr) {
+      model.add(members[0].handle->mmh_head->mph_heap);
+      expected = model.get(size);
+    }
+    ASSERT_EQ(payload, expected);
+  }
+
+  Source &source;
+  HeapModel model;
+  std::vector<Member> members;
+};
+
+TEST_F(RandomPools, AddressesUnderSubpools) {
+  SCOPED_TRACE(testing::Message() << "seed " << seed);
+  constexpr CS_INT types[] = {MM_POOL_BUDDY, MM_POOL_UNIFORM, MM_POOL_ALLOCONLY};
+  Source source;
+  for (size_t step = 0, round = 0; step < steps / 4; ++round) {
+    Pool pool(source, types[round % 3]);
+    ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, static_cast<CS_INT>(1 + upto(600))), CS_SUCCEED);
+    ASSERT_EQ(set_integer(pool, MM_PROP_CHUNKSIZE, static_cast<CS_INT>(1 + upto(3000))),
+              CS_SUCCEED);
+    PoolTree tree(source, pool);
+    for (const size_t end = step + 300; step < end && !HasFailure(); ++step) {
+      // The root is alone for some time, and again.
+      const bool grows = step / 50 % 2 == 1;
+      const size_t which = upto(static_cast<CS_UINT>(tree.size() - 1));
+      const CS_UINT what = upto(9);
+      if (what == 0 && grows && tree.size() < 6)
+        tree.make_subpool(which, types[upto(2)], static_cast<CS_INT>(1 + upto(600)));
+      else if (what < (grows ? 2 : 4))
+        tree.drop(tree.size() - 1 - which);
+      else if (what < 5)
+        tree.release(which);
+      else
+        tree.allocate(which, upto(chance(4) ? 1200 : 100), chance(30));
+    }
+    ASSERT_FALSE(HasFailure()) << "step " << step;
+    check_heap(pool);
+  }
+}
+
 } // namespace

@@ -219,6 +219,33 @@ TEST_F(PoolTest, NoWayBack) {
   EXPECT_EQ(com___putheap(pool, payload), CS_SUCCEED);
 }
 
+// A call that has freed or moved a block succeeds all the same; the layers below tell.
+TEST_F(PoolTest, NoWayBackAndTheBlockIsFree) {
+  Pool pool(source);
+  void *const block = pool.allocate(5000);
+  pool.head()->mph_unsbreak = nullptr;
+  EXPECT_EQ(comn_mmfree(pool, block), CS_SUCCEED);
+  EXPECT_EQ(source.live(), 1U);
+  EXPECT_EQ(pool->mmh_blocks, nullptr);
+  check_heap(pool);
+  EXPECT_ASSERTION(heap_unit, CS_FAIL, comn_mmfree(pool, block)); // freed twice
+  void *moved = pool.allocate(5000);
+  EXPECT_EQ(moved, block) << "the region serves on";
+  std::memset(moved, 'm', 5000);
+  EXPECT_EQ(comn_mmrealloc(pool, 9000, &moved), CS_SUCCEED);
+  EXPECT_NE(moved, block);
+  EXPECT_EQ(std::string(static_cast<char *>(moved), 5000), std::string(5000, 'm'));
+  EXPECT_EQ(source.live(), 2U);
+  EXPECT_EQ(pool.allocate(5000), block) << "the old place is free";
+  EXPECT_EQ(com___putblock(pool, static_cast<char *>(block) - W), CS_FAIL);
+  EXPECT_EQ(com___buddy_free(pool, moved), CS_SUCCEED);
+  EXPECT_EQ(source.live(), 2U);
+  pool.head()->mph_unsbreak = &Source::unsbreak;
+  void *const again = pool.allocate(5000);
+  EXPECT_EQ(comn_mmfree(pool, again), CS_SUCCEED);
+  EXPECT_EQ(source.live(), 1U);
+}
+
 CS_VOID *misaligned_break(MM_HANDLE *, CS_VOID *param, CS_UINT) {
   return static_cast<char *>(param) + 1;
 }
@@ -503,6 +530,40 @@ TEST_F(BuddyTest, ReallocationOfOversizeBlocks) {
   EXPECT_EQ(header_of(moved), 5001U | 0x80000000U);
 }
 
+// What is added stays as the memory was.
+TEST_F(BuddyTest, ReallocationDoesNotClear) {
+  Pool pool(source);
+  const CS_UINT small = 16 * W - W, large = 64 * W - W; // whole blocks
+  auto *const block = static_cast<char *>(pool.allocate(small - 3));
+  auto *const dirty = static_cast<char *>(pool.allocate(large));
+  std::memset(block, 'a', small);
+  std::memset(dirty, 'z', large);
+  void *moved = block;
+  ASSERT_EQ(comn_mmrealloc(pool, small, &moved), CS_SUCCEED);
+  ASSERT_EQ(moved, block);
+  EXPECT_EQ(std::string(block, small), std::string(small, 'a'));
+  ASSERT_EQ(comn_mmfree(pool, dirty), CS_SUCCEED);
+  ASSERT_EQ(comn_mmrealloc(pool, large, &moved), CS_SUCCEED);
+  ASSERT_EQ(moved, dirty);
+  EXPECT_EQ(std::string(dirty, small), std::string(small, 'a'));
+  EXPECT_EQ(std::string(dirty + small + W, large - small - W), std::string(large - small - W, 'z'));
+}
+
+// The pointer is stored when the old block has gone, not before.
+TEST_F(BuddyTest, ReallocationOfABlockThatIsNone) {
+  Pool pool(source);
+  pool.allocate(2 * W); // where the chunk begins, which is on the chain of blocks
+  void *const block = pool.allocate(2 * W);
+  auto *const header = reinterpret_cast<CS_UINT *>(static_cast<char *>(block) - W);
+  const CS_UINT saved = *header;
+  *header = 2 * W | MM_BUDDY_OVERSIZE;
+  void *moved = block;
+  EXPECT_ASSERTION(heap_unit, CS_FAIL, comn_mmrealloc(pool, 100, &moved));
+  EXPECT_EQ(moved, block);
+  *header = saved;
+  EXPECT_EQ(comn_mmfree(pool, block), CS_SUCCEED);
+}
+
 TEST_F(BuddyTest, FailedReallocation) {
   Pool pool(source);
   void *const block = pool.allocate(100);
@@ -728,15 +789,33 @@ TEST_F(AllocOnlyTest, OlderChunksServe) {
   for (CS_UINT i = 0; i < 3; ++i) // leaves 10, 20 and 30 words
     starts[i] = static_cast<char *>(pool.allocate(room - (i + 1) * 10 * W));
   const auto rest = [&](CS_UINT i) { return starts[i] + room - (i + 1) * 10 * W; };
-  EXPECT_EQ(pool.allocate(31 * W) == nullptr, false); // a fourth chunk
-  pool.allocate(room - 31 * W);                       // which is full now
+  pool.allocate(31 * W);        // a fourth chunk
+  pool.allocate(room - 31 * W); // which is full now
   EXPECT_EQ(pool.allocate(25 * W), rest(2));
   EXPECT_EQ(pool.allocate(10 * W), rest(1));
   EXPECT_EQ(pool.allocate(10 * W), rest(1) + 10 * W);
   EXPECT_EQ(pool.allocate(6 * W), rest(0));
   EXPECT_EQ(pool.allocate(5 * W), rest(2) + 25 * W);
   EXPECT_EQ(pool.allocate(4 * W), rest(0) + 6 * W);
-  EXPECT_EQ(source.asked.size(), 1U + (4 * 1024 > 4000 ? 1U : 0U));
+  EXPECT_EQ(source.asked.size(), 2U) << "three chunks in a region of 4120 bytes, then one";
+}
+
+// Allocations of the other strategies are not resized, whatever they are said to be.
+TEST_F(PoolTest, ReallocationIsForBuddyPoolsAlone) {
+  for (const CS_INT type : {MM_POOL_UNIFORM, MM_POOL_ALLOCONLY}) {
+    Pool pool(source, type);
+    int outside = 0;
+    for (const bool first : {true, false}) {
+      for (void *const pointer : {static_cast<void *>(nullptr), static_cast<void *>(&outside),
+                                  first ? nullptr : pool.allocate(8)}) {
+        void *buffer = pointer;
+        const auto report =
+            zrvtest::catch_check([&] { EXPECT_EQ(comn_mmrealloc(pool, 8, &buffer), CS_FAIL); });
+        EXPECT_EQ(report.signals, 0);
+        EXPECT_EQ(buffer, pointer);
+      }
+    }
+  }
 }
 
 // Deliberate: nothing is reserved for an empty allocation, so that one in a full chunk lies at the
@@ -795,6 +874,65 @@ TEST_F(AllocOnlyTest, ClearedWithAndWithoutALock) {
       for (CS_UINT at = 0; at < live[i].second; ++at)
         ASSERT_EQ(live[i].first[at], i + 1) << "cleared while in use";
     own.check_guards();
+  }
+}
+
+// Without a lock up to 2 KB behind the cursor are cleared in one go, and what comes from there is
+// not cleared again.
+TEST_F(AllocOnlyTest, ClearingAhead) {
+  constexpr unsigned char fresh = 0xE7; // what the source fills its regions with
+  Pool pool(source, MM_POOL_ALLOCONLY);
+  ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, 6000), CS_SUCCEED);
+  const auto allocate = [&](CS_UINT size) {
+    void *block = nullptr;
+    EXPECT_EQ(comn_mmalloc(pool, size, &block), CS_SUCCEED);
+    return static_cast<unsigned char *>(block);
+  };
+  unsigned char *const first = allocate(8); // takes the chunk, and clears no more than it must
+  EXPECT_EQ(first[7], 0);
+  EXPECT_EQ(first[8], fresh);
+  unsigned char *const second = allocate(16);
+  EXPECT_EQ(second, first + 8);
+  unsigned char *const cursor = second + 16;
+  for (int i = 0; i < 2048; ++i)
+    ASSERT_EQ(cursor[i], 0) << i;
+  EXPECT_EQ(cursor[2048], fresh);
+  cursor[3] = 1; // as nobody should
+  EXPECT_EQ(allocate(2048)[3], 1);
+  EXPECT_EQ(cursor[2048], fresh);
+  EXPECT_EQ(allocate(0), cursor + 2048);
+  EXPECT_EQ(cursor[2048], fresh);
+  EXPECT_EQ(allocate(8)[7], 0);
+  EXPECT_EQ(cursor[2048 + 8 + 2047], 0);
+  EXPECT_EQ(cursor[2048 + 8 + 2048], fresh);
+
+  // Up to the end of the chunk and no further; the guards of the region watch.
+  const auto left = [&] { return pool->mmh_pool.a.free->free->size; };
+  allocate(left() - 104);
+  unsigned char *const rest = allocate(0);
+  EXPECT_EQ(rest[103], 0);
+  source.check_guards();
+  // While an older chunk serves nothing is cleared ahead, neither there nor in the newest one.
+  unsigned char *const other = allocate(5000);
+  std::memset(other, 0x55, 5000);
+  allocate(left() - 8);
+  unsigned char *const end = allocate(0);
+  rest[103] = 1;
+  end[7] = 1;
+  EXPECT_EQ(allocate(56), rest);
+  EXPECT_EQ(rest[103], 1);
+  EXPECT_EQ(end[7], 1);
+}
+
+// With a lock nothing but the block itself is touched, when the lock is free again.
+TEST_F(AllocOnlyTest, NoClearingAheadUnderALock) {
+  const MM_LOCK_FUNC always = +[](MM_HANDLE *, CS_VOID *) -> CS_RETCODE { return CS_SUCCEED; };
+  Pool pool(source, MM_POOL_ALLOCONLY);
+  ASSERT_EQ(set_pointer(pool, MM_PROP_UNLOCK, MM_UNLOCK_FUNC{always}), CS_SUCCEED);
+  ASSERT_EQ(set_pointer(pool, MM_PROP_LOCK, always), CS_SUCCEED);
+  for (int i = 0; i < 3; ++i) {
+    const auto *const block = static_cast<unsigned char *>(pool.allocate(16));
+    EXPECT_EQ(block[16], 0xE7);
   }
 }
 

@@ -8,6 +8,7 @@
 #include "check_trap.h"
 #include "guarded_buffer.h"
 #include "pool_source.h"
+#include "traced_exit.h"
 
 using namespace zrvtest;
 
@@ -240,11 +241,35 @@ TEST_F(ContextPool, FailedLock) {
 TEST_F(ContextPool, LockWithoutContext) {
   context.ctxthread = &thread;
   ASSERT_EQ(comn_mminit(&context, &mmh), CS_SUCCEED);
-  mmh->mmh_head->mph_ctx = nullptr;
+  MmPoolHead *const head = mmh->mmh_head;
+  head->mph_ctx = nullptr;
+  the_world.calls.clear();
   void *block = nullptr;
   EXPECT_ASSERTION(unit, CS_FAIL, comn_mmalloc(mmh, 8, &block));
-  mmh->mmh_head->mph_ctx = &context;
+  EXPECT_ASSERTION(unit, CS_FAIL, head->mph_lock(mmh, head->mph_lockarg));
+  EXPECT_ASSERTION(unit, CS_FAIL, head->mph_unlock(mmh, head->mph_lockarg));
+  EXPECT_TRUE(the_world.calls.empty());
+  head->mph_ctx = &context;
   EXPECT_EQ(comn_mmdrop(mmh, MM_DROP_FORCE), CS_SUCCEED);
+}
+
+TEST_F(ContextPool, NoFunctionThatDeletesTheMutex) {
+  context.ctxthread = &thread;
+  thread.delete_mutex_fn = nullptr;
+  ASSERT_EQ(comn_mminit(&context, &mmh), CS_SUCCEED);
+  EXPECT_EQ(comn_mmdrop(mmh, MM_DROP_NORMAL), CS_SUCCEED);
+  EXPECT_EQ(the_world.calls, Calls({"create", "take", "release"}));
+  EXPECT_TRUE(the_world.live.empty());
+}
+
+// A thread table that has gone by then does not hold up the drop.
+TEST_F(ContextPool, NoThreadTableAtTheDrop) {
+  context.ctxthread = &thread;
+  ASSERT_EQ(comn_mminit(&context, &mmh), CS_SUCCEED);
+  context.ctxthread = nullptr;
+  EXPECT_EQ(comn_mmdrop(mmh, MM_DROP_NORMAL), CS_SUCCEED);
+  EXPECT_EQ(the_world.calls, Calls({"create"}));
+  EXPECT_TRUE(the_world.live.empty());
 }
 
 // Deliberate: clearing takes the bit from the handle, which does not have it, so the drop still
@@ -632,39 +657,123 @@ TEST_F(Locking, SettingTheUnlockLastUnlocks) {
   EXPECT_EQ(unlocks, 1);
 }
 
+// The functions of the lock can be read back, and null is not one.
+TEST_F(Locking, LockFunctionsAreReadAndNeverNull) {
+  MM_LOCK_FUNC function = &count_lock;
+  for (const CS_INT property : {MM_PROP_LOCK, MM_PROP_UNLOCK}) {
+    EXPECT_EQ(get(property, &function), CS_SUCCEED);
+    EXPECT_EQ(function, nullptr);
+    EXPECT_EQ(outlen, 4);
+    EXPECT_ASSERTION(prop_unit, CS_FAIL, set_pointer(pool, property, MM_LOCK_FUNC{}));
+    EXPECT_EQ(pool.head()->mph_lock, nullptr);
+    EXPECT_EQ(pool.head()->mph_unlock, nullptr);
+  }
+  install();
+  EXPECT_EQ(get(MM_PROP_LOCK, &function), CS_SUCCEED);
+  EXPECT_EQ(function, &count_lock);
+  EXPECT_EQ(get(MM_PROP_UNLOCK, &function), CS_SUCCEED);
+  EXPECT_EQ(function, &count_unlock);
+  for (const CS_INT property : {MM_PROP_LOCK, MM_PROP_UNLOCK}) {
+    EXPECT_ASSERTION(prop_unit, CS_FAIL, set_pointer(pool, property, MM_LOCK_FUNC{}));
+    EXPECT_EQ(pool.head()->mph_lock, &count_lock);
+    EXPECT_EQ(pool.head()->mph_unlock, &count_unlock);
+  }
+  EXPECT_EQ(set_pointer(pool, MM_PROP_LOCK, &count_unlock), CS_FAIL);
+  EXPECT_EQ(pool.head()->mph_lock, &count_lock);
+}
+
+// Whatever a call comes to, it takes the lock once and lets it go once.
 TEST_F(Locking, EveryPathOfAPropertyReleases) {
   install();
-  CS_VOID *value = nullptr;
-  int calls = 0;
-  const auto balanced = [&] {
-    ++calls;
-    return locks == calls && unlocks == calls;
+  CS_VOID *value = nullptr, *block = nullptr;
+  MM_HANDLE *sub = pool;
+  ASSERT_EQ(com___subpool(pool, 3, &sub), CS_SUCCEED);
+  const auto calls = [&](CS_RETCODE result, int signals, auto call) {
+    locks = unlocks = 0;
+    const auto report = catch_check([&] { EXPECT_EQ(call(), result); });
+    EXPECT_EQ(report.signals, signals);
+    EXPECT_EQ(locks, 1);
+    EXPECT_EQ(unlocks, 1);
   };
-  catch_check([&] { set_integer(pool, MM_PROP_MAXSIZE, 0); });
-  EXPECT_TRUE(balanced());
-  catch_check([&] { set_integer(pool, MM_PROP_POOLTYPE, 0); });
-  EXPECT_TRUE(balanced());
-  catch_check([&] { get(MM_PROP_SUBPOOL, &value, 3); });
-  EXPECT_TRUE(balanced());
-  catch_check([&] { get(MM_PROP_MAXSIZE, nullptr); });
-  EXPECT_TRUE(balanced());
-  catch_check([&] { get(MM_PROP_ADDHEAP, &value); });
-  EXPECT_TRUE(balanced());
-  catch_check([&] { clear(MM_PROP_MAXSIZE); });
-  EXPECT_TRUE(balanced());
-  catch_check([&] { set_pointer(pool, MM_PROP_LOCK, MM_LOCK_FUNC{}); });
-  EXPECT_TRUE(balanced());
-  EXPECT_EQ(set_pointer(pool, MM_PROP_LOCK, &count_lock), CS_FAIL);
-  EXPECT_TRUE(balanced());
-  EXPECT_EQ(get_integer(pool, MM_PROP_MAXSIZE), -9999);
-  EXPECT_TRUE(balanced());
-  void *block = nullptr;
-  EXPECT_EQ(comn_mmalloc(pool, 0xFFFFFFFFU, &block), CS_MEM_ERROR);
-  EXPECT_TRUE(balanced());
-  block = pool.allocate(8);
-  EXPECT_TRUE(balanced());
-  catch_check([&] { comn_mmfree(pool, &block); });
-  EXPECT_TRUE(balanced());
+  const auto gets = [&](CS_RETCODE result, int signals, CS_INT property, CS_VOID *to, CS_INT tag) {
+    SCOPED_TRACE(testing::Message() << "get " << property);
+    calls(result, signals, [&] { return get(property, to, tag); });
+  };
+  const auto sets = [&](CS_RETCODE result, int signals, CS_INT property, CS_VOID *from) {
+    SCOPED_TRACE(testing::Message() << "set " << property);
+    calls(result, signals,
+          [&] { return comn_mmproperty(pool, MM_ACTION_SET, property, from, 0, nullptr); });
+  };
+  for (CS_INT property = MM_PROP_POOLTYPE; property <= MM_PROP_BLOCKSIZE; ++property) {
+    if (property == MM_PROP_OVERHEAD)
+      continue;
+    const bool is_there = property != MM_PROP_ADDHEAP;
+    const bool is_delivered = is_there && property != MM_PROP_PARAM && property != MM_PROP_LOCKARG;
+    gets(is_there ? CS_SUCCEED : MM_BAD_PROPERTY, is_there ? 0 : 1, property, &value, 3);
+    if (is_delivered)
+      gets(CS_FAIL, 1, property, nullptr, 3);
+  }
+  gets(CS_FAIL, 1, MM_PROP_SUBPOOL, &value, 4);
+
+  CS_INT one = 1, none = 0, type = MM_POOL_BUDDY;
+  for (const CS_INT property : {MM_PROP_CHUNKSIZE, MM_PROP_MAXSIZE, MM_PROP_BLOCKSIZE}) {
+    sets(CS_FAIL, 1, property, &none);
+    sets(CS_FAIL, 1, property, nullptr);
+  }
+  sets(CS_SUCCEED, 0, MM_PROP_CHUNKSIZE, &one);
+  sets(CS_SUCCEED, 0, MM_PROP_BLOCKSIZE, &one);
+  sets(CS_SUCCEED, 0, MM_PROP_POOLTYPE, &type);
+  sets(MM_BAD_PROPERTY, 1, MM_PROP_POOLTYPE, &none);
+  sets(CS_FAIL, 1, MM_PROP_POOLTYPE, nullptr);
+  for (const CS_INT property : {MM_PROP_SBREAK, MM_PROP_UNSBREAK, MM_PROP_LOCK, MM_PROP_UNLOCK})
+    sets(CS_FAIL, 1, property, nullptr);
+  sets(CS_FAIL, 0, MM_PROP_LOCK, reinterpret_cast<CS_VOID *>(&count_lock));
+  sets(CS_SUCCEED, 0, MM_PROP_UNLOCK, reinterpret_cast<CS_VOID *>(&count_unlock));
+  sets(CS_SUCCEED, 0, MM_PROP_LOCKARG, &outlen);
+  sets(CS_SUCCEED, 0, MM_PROP_PARAM, &source);
+  sets(CS_FAIL, 1, MM_PROP_ADDHEAP, bytes);
+  sets(CS_FAIL, 0, MM_PROP_SUBPOOL, &value);
+  calls(MM_BAD_PROPERTY, 1, [&] { return clear(MM_PROP_MAXSIZE); });
+
+  calls(CS_MEM_ERROR, 0, [&] { return comn_mmalloc(pool, 0xFFFFFFFFU, &block); });
+  calls(CS_SUCCEED, 0, [&] { return comn_mmalloc(pool, 8, &block); });
+  sets(CS_FAIL, 0, MM_PROP_BLOCKSIZE, &one);
+  sets(CS_FAIL, 0, MM_PROP_POOLTYPE, &type);
+  calls(CS_SUCCEED, 0, [&] { return comn_mmrealloc(pool, 100, &block); });
+  calls(CS_FAIL, 1, [&] { return comn_mmrealloc(pool, 100, &value); });
+  calls(CS_FAIL, 1, [&] { return comn_mmfree(pool, &block); });
+  calls(CS_SUCCEED, 0, [&] { return comn_mmfree(pool, block); });
+}
+
+// The drop lets the lock go on each of its ways; a sub-pool, which is gone by then, through its
+// parent.
+TEST_F(Locking, EveryWayOfTheDropReleases) {
+  static std::vector<MM_HANDLE *> lockers, unlockers;
+  lockers.clear();
+  unlockers.clear();
+  const MM_LOCK_FUNC note_lock = [](MM_HANDLE *mmh, CS_VOID *) -> CS_RETCODE {
+    lockers.push_back(mmh);
+    return CS_SUCCEED;
+  };
+  const MM_UNLOCK_FUNC note_unlock = [](MM_HANDLE *mmh, CS_VOID *) -> CS_RETCODE {
+    unlockers.push_back(mmh);
+    return CS_SUCCEED;
+  };
+  MM_HANDLE *const root = pool;
+  MM_HANDLE *sub = root;
+  ASSERT_EQ(com___subpool(root, 1, &sub), CS_SUCCEED);
+  ASSERT_EQ(set_pointer(pool, MM_PROP_UNLOCK, note_unlock), CS_SUCCEED);
+  ASSERT_EQ(set_pointer(pool, MM_PROP_LOCK, note_lock), CS_SUCCEED);
+  EXPECT_EQ(comn_mmdrop(root, MM_DROP_NORMAL), CS_BUSY);
+  EXPECT_EQ(lockers, (std::vector{root}));
+  EXPECT_EQ(unlockers, (std::vector{root}));
+  EXPECT_EQ(comn_mmdrop(sub, MM_DROP_NORMAL), CS_SUCCEED);
+  EXPECT_EQ(lockers, (std::vector{root, sub}));
+  EXPECT_EQ(unlockers, (std::vector{root, root}));
+  EXPECT_EQ(comn_mmdrop(root, MM_DROP_NORMAL), CS_SUCCEED);
+  EXPECT_EQ(lockers, (std::vector{root, sub, root}));
+  EXPECT_EQ(unlockers, (std::vector{root, root, root}));
+  pool.forget();
 }
 
 // Each of the three clears all of them, after one call of the unlock function with the argument
@@ -876,13 +985,171 @@ TEST_F(Properties, PointerOutsideThePool) {
   EXPECT_ASSERTION(unit, CS_FAIL, comn_mmfree(pool, &outside));
   MmHeap *const heap = pool.head()->mph_heap;
   auto *const begin = reinterpret_cast<char *>(heap);
-  EXPECT_ASSERTION(unit, CS_FAIL, comn_mmfree(pool, begin));
-  EXPECT_ASSERTION(unit, CS_FAIL, comn_mmfree(pool, begin + region_record));
   EXPECT_ASSERTION(unit, CS_FAIL, comn_mmfree(pool, begin + heap->size));
   void *wrong = &outside;
   EXPECT_ASSERTION(unit, CS_FAIL, comn_mmrealloc(pool, 100, &wrong));
   EXPECT_EQ(wrong, &outside);
   EXPECT_EQ(comn_mmfree(pool, block), CS_SUCCEED);
+}
+
+// Deliberate: the first bytes of a region, its record and one word more, are no block's, and a
+// pointer to them is refused before anything behind it is looked at.
+TEST_F(Properties, PointerAmongTheFirstBytesOfARegion) {
+  void *const block = pool.allocate(20);
+  auto *const begin = reinterpret_cast<char *>(pool.head()->mph_heap);
+  const CS_UINT first_bytes = region_record + W;
+  if (ilp32) {
+    EXPECT_EQ(first_bytes, 24U);
+  }
+  for (CS_UINT offset = 0; offset < first_bytes; ++offset) {
+    EXPECT_ASSERTION(unit, CS_FAIL, comn_mmfree(pool, begin + offset));
+    void *wrong = begin + offset;
+    EXPECT_ASSERTION(unit, CS_FAIL, comn_mmrealloc(pool, 100, &wrong));
+  }
+  // What comes next is left to the strategy, which here sees a header that says free.
+  auto *const chain = reinterpret_cast<CS_UINT *>(begin + region_record);
+  const CS_UINT saved = *chain;
+  *chain = MM_BUDDY_FREE;
+  EXPECT_ASSERTION("commmgr_buddy.cpp", CS_FAIL, comn_mmfree(pool, begin + first_bytes));
+  *chain = saved;
+  EXPECT_EQ(comn_mmfree(pool, block), CS_SUCCEED);
+
+  Pool uniform(source, MM_POOL_UNIFORM);
+  auto *const node = static_cast<char *>(uniform.allocate(20));
+  auto *const region = reinterpret_cast<char *>(uniform.head()->mph_heap);
+  for (CS_UINT offset = 0; offset < first_bytes; ++offset)
+    EXPECT_ASSERTION(unit, CS_FAIL, comn_mmfree(uniform, region + offset));
+  EXPECT_EQ(node, region + first_bytes + W);
+  EXPECT_EQ(comn_mmfree(uniform, node), CS_SUCCEED);
+}
+
+// ---- the trace ----
+
+using TracedPools = Properties;
+
+TEST_F(TracedPools, EveryExitOfTheEntryPoints) {
+  const std::string succeed = "(CS_SUCCEED) file commmgr.cpp", fail = "(CS_FAIL) file commmgr.cpp",
+                    mem_error = "(CS_MEM_ERROR) file commmgr.cpp",
+                    busy = "(CS_BUSY) file commmgr.cpp";
+  CS_VOID *block = nullptr;
+  for (const CS_INT type : {MM_POOL_BUDDY, MM_POOL_UNIFORM, MM_POOL_ALLOCONLY}) {
+    SCOPED_TRACE(type);
+    const bool alloc_only = type == MM_POOL_ALLOCONLY;
+    Pool own(source, type);
+    const auto allocate = [&] { return comn_mmalloc(own, 8, &block); };
+    const auto release = [&] { return comn_mmfree(own, block); };
+    EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmfree(own, &block); }), fail);
+    source.fail(1);
+    EXPECT_EQ(exit_of(CS_MEM_ERROR, allocate), mem_error);
+    source.fail(0);
+    for (int i = 0; i < 3; ++i)
+      EXPECT_EQ(exit_of(CS_SUCCEED, allocate), succeed);
+    EXPECT_EQ(exit_of(alloc_only ? CS_FAIL : CS_SUCCEED, release), alloc_only ? fail : succeed);
+    EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmfree(own, &block); }), fail);
+    block = own.allocate(8);
+    const bool can_resize = type == MM_POOL_BUDDY;
+    EXPECT_EQ(
+        exit_of(can_resize ? CS_SUCCEED : CS_FAIL, [&] { return comn_mmrealloc(own, 90, &block); }),
+        can_resize ? succeed : fail);
+  }
+  for (const CS_RETCODE locked : {CS_FAIL, CS_BUSY}) {
+    Pool own(source);
+    ASSERT_EQ(set_pointer(own, MM_PROP_UNLOCK, &count_unlock), CS_SUCCEED);
+    ASSERT_EQ(set_pointer(own, MM_PROP_LOCK, &count_lock), CS_SUCCEED);
+    lock_result = locked;
+    const std::string &exit = locked == CS_FAIL ? fail : busy;
+    EXPECT_EQ(exit_of(locked, [&] { return comn_mmalloc(own, 8, &block); }), exit);
+    EXPECT_EQ(exit_of(locked, [&] { return comn_mmrealloc(own, 8, &block); }), exit);
+    EXPECT_EQ(exit_of(locked, [&] { return comn_mmdrop(own, MM_DROP_FORCE); }), exit);
+    EXPECT_EQ(
+        exit_of(locked,
+                [&] {
+                  CS_INT value = 0;
+                  return comn_mmproperty(own, MM_ACTION_GET, MM_PROP_MAXSIZE, &value, 0, nullptr);
+                }),
+        (locked == CS_FAIL ? "(CS_FAIL)" : "(CS_BUSY)") + std::string(" file commmgr_prop.cpp"));
+    lock_result = CS_SUCCEED;
+  }
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmalloc(nullptr, 8, &block); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmalloc(pool, 8, nullptr); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmrealloc(nullptr, 8, &block); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmrealloc(pool, 8, nullptr); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmfree(nullptr, &block); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmfree(pool, nullptr); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmdiag(pool); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmdrop(nullptr, MM_DROP_FORCE); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmdrop(pool, 0); }), fail);
+  MM_HANDLE *sub = pool, *made = nullptr;
+  EXPECT_EQ(exit_of(CS_SUCCEED, [&] { return com___subpool(pool, 1, &sub); }), succeed);
+  EXPECT_EQ(exit_of(CS_BUSY, [&] { return comn_mmdrop(pool, MM_DROP_NORMAL); }), busy);
+  EXPECT_EQ(exit_of(CS_SUCCEED, [&] { return comn_mmdrop(sub, MM_DROP_NORMAL); }), succeed);
+  EXPECT_EQ(exit_of(CS_SUCCEED, [&] { return comn_mmdrop(pool, MM_DROP_NORMAL); }), succeed);
+  pool.forget();
+
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mminit(nullptr, &made); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmmanage(bytes, 0, nullptr); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmmanage(bytes, 8, &made); }), fail);
+  EXPECT_EQ(exit_of(CS_FAIL, [&] { return comn_mmmanage(bytes, overhead + 8, &made); }), fail);
+  EXPECT_EQ(exit_of(CS_SUCCEED, [&] { return comn_mmmanage(bytes, sizeof bytes, &made); }),
+            succeed);
+}
+
+TEST_F(TracedPools, EveryExitOfAProperty) {
+  CS_INT value = 0;
+  const auto property = [&](CS_INT action, CS_INT which) {
+    return [=, this, &value] { return comn_mmproperty(pool, action, which, &value, 0, nullptr); };
+  };
+  const std::string file = " file commmgr_prop.cpp";
+  EXPECT_EQ(exit_of(CS_SUCCEED, property(MM_ACTION_GET, MM_PROP_MAXSIZE)), "(CS_SUCCEED)" + file);
+  EXPECT_EQ(exit_of(CS_SUCCEED, property(MM_ACTION_GET, MM_PROP_OVERHEAD)), "(CS_SUCCEED)" + file);
+  EXPECT_EQ(exit_of(CS_FAIL, property(MM_ACTION_SET, MM_PROP_OVERHEAD)), "(CS_FAIL)" + file);
+  EXPECT_EQ(exit_of(CS_FAIL, property(0, MM_PROP_MAXSIZE)), "(CS_FAIL)" + file);
+  EXPECT_EQ(exit_of(MM_BAD_PROPERTY, property(MM_ACTION_GET, 0)), "(-214)" + file);
+  EXPECT_EQ(exit_of(MM_BAD_PROPERTY, property(MM_ACTION_GET, MM_PROP_ADDHEAP)), "(-214)" + file);
+  EXPECT_EQ(exit_of(CS_FAIL,
+                    [&] {
+                      return comn_mmproperty(nullptr, MM_ACTION_GET, MM_PROP_MAXSIZE, &value, 0,
+                                             nullptr);
+                    }),
+            "(CS_FAIL)" + file);
+}
+
+TEST_F(ContextPool, EveryExitOfTheMakingIsTraced) {
+  const auto make = [&] {
+    mmh = nullptr;
+    return comn_mminit(&context, &mmh);
+  };
+  context.ctxthread = &thread;
+  EXPECT_EQ(exit_of(CS_SUCCEED, make), "(CS_SUCCEED) file commmgr.cpp");
+  EXPECT_EQ(comn_mmdrop(mmh, MM_DROP_NORMAL), CS_SUCCEED);
+  the_world.create_result = -77;
+  EXPECT_EQ(exit_of(-77, make), "(-77) file commmgr.cpp");
+  for (const int nth : {1, 2}) {
+    the_world.allocations = 0;
+    the_world.fail_at = nth;
+    EXPECT_EQ(exit_of(CS_FAIL, make), "(CS_FAIL) file commmgr.cpp");
+  }
+}
+
+// Deliberate: the success of the alloc-only strategy is the one return that leaves no line.
+TEST_F(TracedPools, SuccessOfTheAllocOnlyStrategyLeavesNoLine) {
+  const char *const file = "commmgr_alloconly.cpp";
+  ASSERT_EQ(set_integer(pool, MM_PROP_POOLTYPE, MM_POOL_ALLOCONLY), CS_SUCCEED);
+  CS_VOID *block = nullptr;
+  const auto allocate = [&] { return com___alloconly_malloc(pool, 8, &block); };
+  source.fail(1);
+  EXPECT_NE(trace_of(CS_MEM_ERROR, allocate).find(file), std::string::npos);
+  source.fail(0);
+  const std::string first = trace_of(CS_SUCCEED, allocate); // takes a chunk from the heap
+  EXPECT_NE(first.find("commmgr_heap.cpp"), std::string::npos);
+  EXPECT_EQ(first.find(file), std::string::npos);
+  pool->mmh_status |= MM_ST_READY;
+  EXPECT_EQ(trace_of(CS_SUCCEED, allocate), "");
+  EXPECT_NE(trace_of(CS_FAIL, [&] { return com___alloconly_malloc(pool, 8, nullptr); }).find(file),
+            std::string::npos);
+  // The entry point's own exit is traced as any other.
+  EXPECT_EQ(exit_of(CS_SUCCEED, [&] { return comn_mmalloc(pool, 8, &block); }),
+            "(CS_SUCCEED) file commmgr.cpp");
 }
 
 } // namespace

@@ -181,12 +181,12 @@ CS_RETCODE reallocate_by_type(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) no
 // ---- the short way ----
 //
 // In a uniform or alloc-only pool without a lock nearly every call is a pop, a push or a bump, which
-// costs less than the checks, the dispatch and the trace around it. comn_mmalloc and comn_mmfree try
+// costs less than the checks and the dispatch around it. comn_mmalloc and comn_mmfree try
 // that first. When it is not to be had nothing has been done, and the call goes the whole way.
 
 // With a lock, nothing but the lock functions is looked at before it is held.
 bool is_short_way_open(const MM_HANDLE *mmh) noexcept {
-  return mmh->mmh_head->mph_lock == nullptr && !comn::is_tracing() && is_ready(mmh);
+  return mmh->mmh_head->mph_lock == nullptr && is_ready(mmh);
 }
 
 // A cleared block; null for the whole way.
@@ -315,7 +315,7 @@ CS_RETCODE comn_mmalloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexcept
   if (mmh != nullptr && buffer != nullptr && is_short_way_open(mmh))
     if (void *const block = allocate_shortly(mmh, size)) {
       *buffer = block;
-      return CS_SUCCEED;
+      return COMN_TRACE(CS_SUCCEED);
     }
   return allocate_wholly(mmh, size, buffer);
 }
@@ -333,7 +333,7 @@ CS_RETCODE comn_mmrealloc(MM_HANDLE *mmh, CS_UINT size, CS_VOID **buffer) noexce
 
 CS_RETCODE comn_mmfree(MM_HANDLE *mmh, CS_VOID *buf) noexcept {
   if (mmh != nullptr && buf != nullptr && is_short_way_open(mmh) && free_shortly(mmh, buf))
-    return CS_SUCCEED;
+    return COMN_TRACE(CS_SUCCEED);
   return free_wholly(mmh, buf);
 }
 

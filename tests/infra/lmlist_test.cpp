@@ -244,7 +244,10 @@ TEST_F(ListTest, Drops) {
       ASSERT_EQ(lm_list_op(list, LM_OP_INSERT, kind == LM_DLINK ? nullptr : text("key"),
                            kind == LM_DLINK ? LM_OP_LAST : 3, data, nullptr),
                 CS_SUCCEED);
-    EXPECT_EQ(lm_list_drop(list, LM_DROP_NORMAL), CS_FAIL);
+    for (const CS_INT load : {-1, 4}) {
+      list->hdlprop->handle_load = load;
+      EXPECT_EQ(lm_list_drop(list, LM_DROP_NORMAL), CS_FAIL);
+    }
     EXPECT_EQ(load(list), 4);
     const size_t stamped = arena.stamped, unstamped = arena.unstamped;
     EXPECT_EQ(lm_list_drop(list, LM_DROP_FORCE), CS_SUCCEED);

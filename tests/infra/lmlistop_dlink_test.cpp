@@ -173,6 +173,17 @@ TEST_F(LinkedTest, DeletionUnderTheOwnCursor) {
   EXPECT_EQ(list->cur_ptr, nullptr);
 }
 
+// Nor does it move the list's cursor where that stands on another entry.
+TEST_F(LinkedTest, DeletionElsewhere) {
+  for (const char *const data : {"a", "b", "c"})
+    ASSERT_EQ(insert(data, LM_OP_LAST), CS_SUCCEED);
+  DLinkNode *cursor = nullptr;
+  ASSERT_EQ(step(LM_OP_FIRST, &cursor), CS_SUCCEED);
+  ASSERT_EQ(step(LM_OP_DELETE, &cursor), CS_SUCCEED);
+  EXPECT_EQ(got(), "b");
+  EXPECT_EQ(current(list), "c");
+}
+
 // A cursor on an entry that is gone is reported by the operations that start at it. The others take
 // no notice, so a walk can begin anew with the same variable.
 TEST_F(LinkedTest, StaleCursor) {

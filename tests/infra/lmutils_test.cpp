@@ -121,6 +121,33 @@ TEST_F(ListTest, ReleasedNodesAreNotPopped) {
   }
 }
 
+TEST_F(ListTest, PoolsOfNothing) {
+  LM_HANDLE *const list = make(LM_QUEUE);
+  DLinkNode *node = nullptr;
+  EXPECT_NULL_POINTER_CHECK("lmutils.cpp", CS_FAIL, lm__get_dlinknode(nullptr, &node));
+  EXPECT_NULL_POINTER_CHECK("lmutils.cpp", CS_FAIL, lm__get_dlinknode(list, nullptr));
+  EXPECT_NULL_POINTER_CHECK("lmutils.cpp", CS_FAIL, lm__free_dlinknode(nullptr, node));
+  EXPECT_NULL_POINTER_CHECK("lmutils.cpp", CS_FAIL, lm__free_dlinknode(list, nullptr));
+  EXPECT_NULL_POINTER_CHECK("lmutils.cpp", CS_FAIL, lm__api_dlink_mpool_init(nullptr, 0));
+  EXPECT_NULL_POINTER_CHECK("lmutils.cpp", CS_FAIL, lm__api_dlink_mpool_drop(nullptr, 0));
+}
+
+// A node of its own, while the pool is empty; back to the allocator, where the pool has no room.
+TEST_F(ListTest, NodesOutsideThePool) {
+  LM_HANDLE *const list = make(LM_QUEUE);
+  const size_t blocks = arena.live.size(), stamped = arena.stamped;
+  DLinkNode *node = nullptr;
+  ASSERT_EQ(lm__get_dlinknode(list, &node), CS_SUCCEED);
+  EXPECT_EQ(node->state, LM_ALLOCATED);
+  EXPECT_EQ(node->key, nullptr);
+  EXPECT_EQ(node->next, nullptr);
+  EXPECT_EQ(arena.live.size(), blocks + 1);
+  EXPECT_EQ(lm__free_dlinknode(list, node), CS_SUCCEED);
+  EXPECT_EQ(arena.live.size(), blocks);
+  EXPECT_EQ(arena.stamped, stamped + 1);
+  EXPECT_EQ(arena.unstamped, 0U);
+}
+
 // Everything that shows of a list: an insertion that fails changes none of it.
 struct Appearance {
   std::vector<CS_VOID *> contents;
@@ -209,6 +236,17 @@ TEST(ListBytes, CopyOrTellTheNeed) {
           EXPECT_EQ(buffer.contents(row.expected.size()), row.expected);
         }
       }
+}
+
+// Nothing to copy needs no place.
+TEST(ListBytes, NoBytes) {
+  CS_INT outlen = -1;
+  EXPECT_EQ(lm__api_cp_bytes(text("abc"), 0, 0, nullptr, 0, &outlen), CS_SUCCEED);
+  EXPECT_EQ(outlen, 0);
+  EXPECT_EQ(lm__api_cp_bytes(text("abc"), 3, 1, nullptr, 3, &outlen), CS_SUCCEED);
+  EXPECT_EQ(outlen, 4);
+  EXPECT_NULL_POINTER_CHECK("lmutils.cpp", CS_FAIL,
+                            lm__api_cp_bytes(text("abc"), 3, 0, nullptr, 3, &outlen));
 }
 
 TEST(ListBytes, KeptCopies) {

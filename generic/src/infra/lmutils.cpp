@@ -112,8 +112,7 @@ CS_RETCODE lm__api_dlink_mpool_init(LM_HANDLE *handle, CS_INT oldsize) noexcept 
     auto *const node = make_record<DLinkNode>(handle);
     if (node == nullptr) {
       // Deliberate: all free nodes go, also the older ones, and the count stays as it was.
-      while (handle->free_DLN_list != nullptr)
-        release_free_nodes(handle, 1);
+      release_free_nodes(handle, chain_length(handle->free_DLN_list));
       return COMN_TRACE(CS_MEM_ERROR);
     }
     node->next = handle->free_DLN_list;

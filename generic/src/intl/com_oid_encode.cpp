@@ -1,0 +1,102 @@
+// Encodes dotted identifiers as BER OBJECT IDENTIFIERs.
+#include <algorithm>
+#include <charconv>
+#include <climits>
+#include <string_view>
+
+#include "checks.h"
+#include "comloc.h"
+#include "zrvintl.h"
+
+namespace {
+
+constexpr CS_BYTE tag_object_identifier = 6;
+constexpr CS_BYTE tag_two_length_octets = 0x81;
+
+// Content behind its first byte: the most that leaves room for tag, two length octets and that byte,
+// and the most for which one length octet is used. Deliberate: a single octet could tell three bytes
+// more, but peers compare encodings byte for byte.
+constexpr size_t content_max = COM_OID_BER_SIZE - 4;
+constexpr size_t short_form_max = 123;
+
+// What strtoul makes of a text where a long has 32 bits, whatever the host's locale and data model:
+// white space and a sign count, and what follows the digits does not.
+CS_UINT read_arc(std::string_view text) noexcept {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  const bool is_negative = text.starts_with('-');
+  if (is_negative || text.starts_with('+'))
+    text.remove_prefix(1);
+  CS_UINT value = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (read.ec == std::errc::result_out_of_range)
+    return UINT_MAX;
+  return is_negative ? 0 - value : value;
+}
+
+// The arcs of a dotted text, one after the other; several points count as one.
+class Arcs {
+public:
+  Arcs(const CS_CHAR *dotted, size_t length) noexcept : rest(dotted, length) {}
+
+  bool next(CS_UINT &arc) noexcept {
+    rest.remove_prefix(std::min(rest.find_first_not_of('.'), rest.size()));
+    if (rest.empty())
+      return false;
+    const size_t length = std::min(rest.find('.'), rest.size());
+    arc = read_arc({rest.data(), length});
+    rest.remove_prefix(length);
+    return true;
+  }
+
+private:
+  std::string_view rest;
+};
+
+// The content of an encoding behind its first byte.
+struct Content {
+  CS_BYTE bytes[content_max];
+  size_t length = 0;
+
+  // Adds the digits of an arc in base 128, the highest first; all but the last have bit 7 set.
+  bool add(CS_UINT arc) noexcept {
+    size_t digits = 1;
+    for (CS_UINT rest = arc >> 7; rest != 0; rest >>= 7)
+      ++digits;
+    if (length + digits > content_max)
+      return false;
+    for (size_t left = digits; left-- > 0;)
+      bytes[length++] = static_cast<CS_BYTE>((arc >> 7 * left & 0x7F) | (left > 0 ? 0x80 : 0));
+    return true;
+  }
+};
+
+} // namespace
+
+CS_RETCODE comn__encode_oid(CS_CONTEXT *, CS_CHAR *objectid, CS_INT idlen,
+                            CsOID *lcl_oid) noexcept {
+  COMN_CHECK_PTR(objectid, CS_FAIL);
+  COMN_CHECK_PTR(lcl_oid, CS_FAIL);
+  COMN_CHECK(idlen >= 0, CS_FAIL);
+  Arcs arcs(objectid, strnlen(objectid, static_cast<size_t>(idlen)));
+  CS_UINT first = 0, second = 0;
+  if (!arcs.next(first) || !arcs.next(second))
+    return CS_FAIL;
+  Content content;
+  for (CS_UINT arc; arcs.next(arc);)
+    if (!content.add(arc))
+      return CS_FAIL;
+
+  auto *const ber = static_cast<CS_BYTE *>(comn_calloc(COM_OID_BER_SIZE, 1));
+  if (ber == nullptr)
+    return CS_MEM_ERROR;
+  CS_BYTE *end = ber;
+  *end++ = tag_object_identifier;
+  if (content.length > short_form_max)
+    *end++ = tag_two_length_octets;
+  *end++ = static_cast<CS_BYTE>(content.length + 1);
+  *end++ = static_cast<CS_BYTE>(first * 40 + second);
+  end = std::copy_n(content.bytes, content.length, end);
+  lcl_oid->oidber = ber;
+  lcl_oid->oidberlen = static_cast<CS_INT>(end - ber);
+  return CS_SUCCEED;
+}

@@ -1,0 +1,66 @@
+// Questions to a locale: the names that its caches hold.
+#include "comloc.h"
+
+#include <cstring>
+
+#include "checks.h"
+
+namespace {
+
+constexpr CS_VOID *CsLocale::*categories[] = {
+    &CsLocale::collateptr,  &CsLocale::ctypeptr,   &CsLocale::messageptr,
+    &CsLocale::monetaryptr, &CsLocale::numericptr, &CsLocale::timeptr,
+};
+
+struct Name {
+  const CS_CHAR *text;
+  CS_INT length;
+};
+
+CS_CHAR *append(CS_CHAR *end, Name name) noexcept {
+  if (name.length > 0)
+    std::memcpy(end, name.text, static_cast<size_t>(name.length));
+  return end + name.length;
+}
+
+} // namespace
+
+CS_RETCODE com_intl_getstr(CsLocale *locale, CS_INT lctype, CS_INT type, CS_CHAR *buf,
+                           CS_INT buflen, CS_INT *outlen) noexcept {
+  COMN_CHECK_PTR(locale, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(buf, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(outlen, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(lctype >= CS_LCTYPE_COLLATE && lctype <= CS_LCTYPE_TIME, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(type >= CS_LOCSTR_CHARSET && type <= CS_LOCSTR_LANG_CHARSET, COMN_TRACE(CS_FAIL));
+  const auto *const cache = static_cast<const CsLocCache *>(locale->*categories[lctype - 1]);
+  COMN_CHECK_PTR(cache, COMN_TRACE(CS_FAIL));
+
+  const Name charset = {cache->charname, cache->charnamelen};
+  const Name language = {cache->langname, cache->langnamelen};
+  const Name sort_order = {cache->sortname, cache->sortnamelen};
+  // One, or three in a row.
+  Name parts[3] = {};
+  switch (type) {
+  case CS_LOCSTR_CHARSET:
+    parts[0] = charset;
+    break;
+  case CS_LOCSTR_LANGUAGE:
+    parts[0] = language;
+    break;
+  case CS_LOCSTR_SORTORDER:
+    parts[0] = sort_order;
+    break;
+  default:
+    parts[0] = language;
+    parts[1] = {".", 1};
+    parts[2] = charset;
+  }
+  const CS_INT length = parts[0].length + parts[1].length + parts[2].length;
+  if (buflen < length)
+    return COMN_TRACE(CS_FAIL);
+  CS_CHAR *end = buf;
+  for (const Name &part : parts)
+    end = append(end, part);
+  *outlen = length;
+  return COMN_TRACE(CS_SUCCEED);
+}

@@ -1,0 +1,35 @@
+// The table of identifiers as its units see it.
+#ifndef COMN_INTL_OID_TABLE_H
+#define COMN_INTL_OID_TABLE_H
+
+#include <cstring>
+
+#include "comloc.h"
+
+namespace comn {
+
+inline bool is_oid_class(CS_INT oidclass) noexcept {
+  return oidclass >= 0 && oidclass < COM_OID_CLASS_COUNT;
+}
+
+// The bytes of an encoding or of a name: neither has a terminator, and either may be empty.
+template <class Byte>
+struct ByteSpan {
+  const Byte *bytes;
+  CS_INT length;
+};
+
+template <class Byte>
+bool operator==(ByteSpan<Byte> a, ByteSpan<Byte> b) noexcept {
+  return a.length == b.length &&
+         (a.length <= 0 || std::memcmp(a.bytes, b.bytes, static_cast<size_t>(a.length)) == 0);
+}
+
+// A record without bytes has no encoding, whatever its length says.
+inline ByteSpan<CS_BYTE> encoding_of(const CsOID &oid) noexcept {
+  return {oid.oidber, oid.oidber != nullptr ? oid.oidberlen : 0};
+}
+
+} // namespace comn
+
+#endif

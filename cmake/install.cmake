@@ -7,7 +7,7 @@ set_target_properties(zrvcomn PROPERTIES EXPORT_NAME comn)
 set_target_properties(zrvintl PROPERTIES EXPORT_NAME intl)
 install(TARGETS zrvintl zrvcomn EXPORT zrvcomn)
 install(FILES ${public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zrvcomn)
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/home/ DESTINATION ${ZRV_HOME_DIR} PATTERN .gitkeep EXCLUDE)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/home/ DESTINATION ${ZRV_HOME_DIR})
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zrvcomn)
 install(EXPORT zrvcomn NAMESPACE zrv:: FILE zrvcomn-targets.cmake DESTINATION ${package_dir})

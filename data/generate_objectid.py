@@ -17,7 +17,6 @@ from pathlib import Path
 CLASSES = ("charset", "numeric", "money", "datetime", "collate", "natlang", "integer2", "integer4",
            "integer8", "float4", "float8", "secmech")
 NAME = re.compile(r"[A-Za-z][A-Za-z0-9._:-]*")
-LINE_WIDTH = 100
 
 
 class Identifiers:
@@ -64,18 +63,6 @@ class Identifiers:
         entries.append((number, names))
 
 
-def wrapped(key, names):
-    """An entry, continued on further lines where it is long."""
-    lines, line = [], f"{key} = {names[0]}"
-    for name in names[1:]:
-        if len(line) + len(name) + len(", , \\") > LINE_WIDTH:
-            lines.append(line + ", \\")
-            line = "    " + name
-        else:
-            line += ", " + name
-    return lines + [line]
-
-
 def main():
     parser = argparse.ArgumentParser(description="Write objectid.dat.")
     parser.add_argument("--list", metavar="FILE", help="take FILE instead of identifiers.txt",
@@ -86,7 +73,7 @@ def main():
     for index, name in enumerate(CLASSES):
         print(f"\n[{name}]")
         for number, names in identifiers.classes[name]:
-            print("\n".join(wrapped(f"{identifiers.arc}.{index}.{number}", names)))
+            print(f"{identifiers.arc}.{index}.{number} =", ", ".join(names))
 
 
 if __name__ == "__main__":

@@ -26,7 +26,7 @@ struct intl_locfile; /* an open section file, see zrvintl.h */
 
 /* A local name. */
 typedef struct _csstringlist {
-  CS_CHAR *string; /* owned, not NUL-terminated; null for an empty one */
+  CS_CHAR *string; /* in the block of the element, not NUL-terminated; null for an empty one */
   CS_INT len;      /* bytes */
   struct _csstringlist *next;
 } CS_STRING_LIST;
@@ -213,8 +213,8 @@ ZRV_PRIVATE CS_RETCODE comn__read_localnames(CS_CONTEXT *context, struct intl_lo
 ZRV_PRIVATE CS_RETCODE comn__new_oid(CS_CONTEXT *context, CS_CHAR *oidstring,
                                      CsOID **oidp) ZRV_NOEXCEPT;
 
-/* A new element for a name of `len` bytes; a null name or a length below 1 gives an empty element.
- * CS_SUCCEED, or CS_MEM_ERROR with `*elementp` null. */
+/* A new element for a name of `len` bytes, one block with its text; a null name or a length below 1
+ * gives an empty element. CS_SUCCEED, or CS_MEM_ERROR with `*elementp` null. */
 ZRV_PRIVATE CS_RETCODE comn__newstring(CS_CONTEXT *context, CS_CHAR *string, CS_INT len,
                                        CS_STRING_LIST **elementp) ZRV_NOEXCEPT;
 

@@ -48,11 +48,12 @@ class Install(unittest.TestCase):
 
     def test_installed_home(self):
         source = project.source_dir / "home"
-        self.assertTrue(self.home.is_dir())
-        for path in source.rglob("*"):
-            if path.is_file() and path.name != ".gitkeep":
-                copy = self.home / path.relative_to(source)
-                self.assertEqual(copy.read_bytes(), path.read_bytes())
+        tracked = {path.relative_to(source) for path in project.tracked_files("home/*")}
+        self.assertIn(Path("config/objectid.dat"), tracked)
+        self.assertEqual({path.relative_to(self.home) for path in self.home.rglob("*")
+                          if path.is_file()}, tracked)
+        for path in tracked:
+            self.assertEqual((self.home / path).read_bytes(), (source / path).read_bytes(), path)
 
     # What is installed names neither the build nor the sources.
     def test_no_build_paths(self):

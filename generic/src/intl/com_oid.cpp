@@ -26,9 +26,9 @@ using ClassNames = decltype(class_names);
 
 } // namespace
 
-COMN_PUBLISH_TABLE(ClassNames, CS_STRINGS, Com__classmap, [COM_OID_CLASS_COUNT + 1], class_names)
+COMN_PUBLISH_TABLE(ClassNames, CS_STRINGS, Com__classmap, [COM_OID_CLASS_COUNT + 1], class_names);
 COMN_PUBLISH_TABLE(ClassNames, CS_STRINGS, Com__dup_classmap, [COM_OID_CLASS_COUNT + 1],
-                   class_names)
+                   class_names);
 
 constexpr CS_STRINGS Com__tds_lclname_map[15] = {
     {2, "int2_lsb_high"},       {3, "int2_lsb_low"},        {0, "int4_lsb_high"},

@@ -1,8 +1,7 @@
 // Encodes dotted identifiers as BER OBJECT IDENTIFIERs.
 #include <algorithm>
-#include <charconv>
 #include <climits>
-#include <string_view>
+#include <cstring>
 
 #include "checks.h"
 #include "comloc.h"
@@ -19,37 +18,43 @@ constexpr CS_BYTE tag_two_length_octets = 0x81;
 constexpr size_t content_max = COM_OID_BER_SIZE - 4;
 constexpr size_t short_form_max = 123;
 
-// What strtoul makes of a text where a long has 32 bits, whatever the host's locale and data model:
-// white space and a sign count, and what follows the digits does not.
-CS_UINT read_arc(std::string_view text) noexcept {
-  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
-  const bool is_negative = text.starts_with('-');
-  if (is_negative || text.starts_with('+'))
-    text.remove_prefix(1);
-  CS_UINT value = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (read.ec == std::errc::result_out_of_range)
-    return UINT_MAX;
-  return is_negative ? 0 - value : value;
-}
-
-// The arcs of a dotted text, one after the other; several points count as one.
+// A dotted text, arc by arc.
 class Arcs {
 public:
-  Arcs(const CS_CHAR *dotted, size_t length) noexcept : rest(dotted, length) {}
+  Arcs(const CS_CHAR *dotted, size_t length) noexcept : at(dotted), end(dotted + length) {}
 
+  // Several points count as one.
   bool next(CS_UINT &arc) noexcept {
-    rest.remove_prefix(std::min(rest.find_first_not_of('.'), rest.size()));
-    if (rest.empty())
+    while (at < end && *at == '.')
+      ++at;
+    if (at == end)
       return false;
-    const size_t length = std::min(rest.find('.'), rest.size());
-    arc = read_arc({rest.data(), length});
-    rest.remove_prefix(length);
+    arc = read();
+    while (at < end && *at != '.')
+      ++at;
     return true;
   }
 
 private:
-  std::string_view rest;
+  // What strtoul makes of a text where a long has 32 bits, whatever the host's locale and data model:
+  // white space and a sign count, and what follows the digits does not.
+  CS_UINT read() noexcept {
+    while (at < end && (*at == ' ' || (*at >= '\t' && *at <= '\r')))
+      ++at;
+    const CS_CHAR sign = at < end ? *at : '.';
+    if (sign == '-' || sign == '+')
+      ++at;
+    CS_UBIGINT value = 0;
+    for (; at < end && *at >= '0' && *at <= '9'; ++at)
+      if (value <= UINT_MAX)
+        value = value * 10 + static_cast<CS_UBIGINT>(*at - '0');
+    if (value > UINT_MAX)
+      return UINT_MAX;
+    const auto arc = static_cast<CS_UINT>(value);
+    return sign == '-' ? 0 - arc : arc;
+  }
+
+  const CS_CHAR *at, *const end;
 };
 
 // The content of an encoding behind its first byte.

@@ -10,7 +10,6 @@ CS_CHAR file_name[] = "objectid.dat";
 void free_names(CS_STRING_LIST *name) noexcept {
   while (name != nullptr) {
     CS_STRING_LIST *const next = name->next;
-    comn_free(name->string);
     comn_free(name);
     name = next;
   }
@@ -113,6 +112,7 @@ CS_RETCODE comn__read_oidsection(CS_CONTEXT *context, INTL_LOCFILE *file, CS_OID
   COMN_CHECK_PTR(context, CS_FAIL);
   COMN_CHECK_PTR(file, CS_FAIL);
   COMN_CHECK_PTR(oidtable, CS_FAIL);
+  COMN_CHECK(comn::is_oid_class(oidclass), CS_FAIL);
   int status = 0;
   while (CS_CHAR *const key = intl_nextentry(file, &status)) {
     CsOID *oid;
@@ -169,17 +169,17 @@ CS_RETCODE comn__newstring(CS_CONTEXT *, CS_CHAR *string, CS_INT len,
                            CS_STRING_LIST **elementp) noexcept {
   COMN_CHECK_PTR(elementp, CS_FAIL);
   *elementp = nullptr;
-  auto *const element = static_cast<CS_STRING_LIST *>(comn_calloc(1, sizeof(CS_STRING_LIST)));
+  const bool is_empty = string == nullptr || len < 1;
+  const size_t length = is_empty ? 0 : static_cast<size_t>(len);
+  // The text stands behind its element: half the blocks, and a look-up reads on where it is.
+  auto *const element = static_cast<CS_STRING_LIST *>(comn_malloc(sizeof(CS_STRING_LIST) + length));
   if (element == nullptr)
     return CS_MEM_ERROR;
-  if (string != nullptr && len >= 1) {
-    element->string = static_cast<CS_CHAR *>(comn_malloc(static_cast<size_t>(len)));
-    if (element->string == nullptr) {
-      comn_free(element);
-      return CS_MEM_ERROR;
-    }
-    std::memcpy(element->string, string, static_cast<size_t>(len));
+  *element = {};
+  if (!is_empty) {
+    element->string = reinterpret_cast<CS_CHAR *>(element + 1);
     element->len = len;
+    std::memcpy(element->string, string, length);
   }
   *elementp = element;
   return CS_SUCCEED;

@@ -19,10 +19,13 @@ struct ByteSpan {
   CS_INT length;
 };
 
+// What stands side by side differs at the end, if anywhere, so the last byte is looked at first.
 template <class Byte>
 bool operator==(ByteSpan<Byte> a, ByteSpan<Byte> b) noexcept {
-  return a.length == b.length &&
-         (a.length <= 0 || std::memcmp(a.bytes, b.bytes, static_cast<size_t>(a.length)) == 0);
+  if (a.length != b.length)
+    return false;
+  return a.length <= 0 || (a.bytes[a.length - 1] == b.bytes[a.length - 1] &&
+                           std::memcmp(a.bytes, b.bytes, static_cast<size_t>(a.length)) == 0);
 }
 
 // A record without bytes has no encoding, whatever its length says.

@@ -8,6 +8,7 @@
 #ifndef ZRVTEST_LAYOUT_FACTS_H
 #define ZRVTEST_LAYOUT_FACTS_H
 
+#include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/lmpriv.h"
 #include "zrvcomn/mmpriv.h"
@@ -119,6 +120,13 @@
   ROW(CsUsrCvtFunc, 20) \
   ROW(CsUsrNull, 16) \
   ROW(CsCtxGlobals, 68) \
+  ROW(CS_STRING_LIST, 12) \
+  ROW(CsOID, 28) \
+  ROW(CS_OID_TABLE, 48) \
+  ROW(CS_STRINGS, 8) \
+  ROW(CS_CONVACK, 44) \
+  ROW(CS_DATAFUNCS, 320) \
+  ROW(CsLocCache, 84) \
   ROW(CS_LOCALE, 32) \
   ROW(CsLocale, 32) \
   ROW(CS_THREAD, 40) \
@@ -217,6 +225,53 @@
   ROW(CsCtxGlobals, ucs2_oid, 56) \
   ROW(CsCtxGlobals, ctxoids, 60) \
   ROW(CsCtxGlobals, csicorep, 64) \
+  ROW(CS_STRING_LIST, string, 0) \
+  ROW(CS_STRING_LIST, len, 4) \
+  ROW(CS_STRING_LIST, next, 8) \
+  ROW(CsOID, oidstring, 0) \
+  ROW(CsOID, oidnamelen, 4) \
+  ROW(CsOID, oidber, 8) \
+  ROW(CsOID, oidberlen, 12) \
+  ROW(CsOID, oidlnames, 16) \
+  ROW(CsOID, oidnumlnames, 20) \
+  ROW(CsOID, oidnext, 24) \
+  ROW(CS_OID_TABLE, ot_oid, 0) \
+  ROW(CS_STRINGS, key, 0) \
+  ROW(CS_STRINGS, string, 4) \
+  ROW(CS_CONVACK, ca_int2, 0) \
+  ROW(CS_CONVACK, ca_int4, 4) \
+  ROW(CS_CONVACK, ca_int8, 8) \
+  ROW(CS_CONVACK, ca_flt4, 12) \
+  ROW(CS_CONVACK, ca_flt8, 16) \
+  ROW(CS_CONVACK, ca_char, 20) \
+  ROW(CS_CONVACK, ca_lang, 24) \
+  ROW(CS_CONVACK, ca_sort, 28) \
+  ROW(CS_CONVACK, ca_datetime, 32) \
+  ROW(CS_CONVACK, ca_money, 36) \
+  ROW(CS_CONVACK, ca_numeric, 40) \
+  ROW(CS_DATAFUNCS, df_xdrsend, 0) \
+  ROW(CS_DATAFUNCS, df_xdrrecv, 160) \
+  ROW(CsLocCache, locname, 0) \
+  ROW(CsLocCache, locnamelen, 4) \
+  ROW(CsLocCache, charname, 8) \
+  ROW(CsLocCache, charnamelen, 12) \
+  ROW(CsLocCache, locchardesc, 16) \
+  ROW(CsLocCache, sortname, 20) \
+  ROW(CsLocCache, sortnamelen, 24) \
+  ROW(CsLocCache, locsortorder, 28) \
+  ROW(CsLocCache, langname, 32) \
+  ROW(CsLocCache, langnamelen, 36) \
+  ROW(CsLocCache, locmessage, 40) \
+  ROW(CsLocCache, datename, 44) \
+  ROW(CsLocCache, datenamelen, 48) \
+  ROW(CsLocCache, locdateinfo, 52) \
+  ROW(CsLocCache, numname, 56) \
+  ROW(CsLocCache, numnamelen, 60) \
+  ROW(CsLocCache, locnuminfo, 64) \
+  ROW(CsLocCache, monname, 68) \
+  ROW(CsLocCache, monnamelen, 72) \
+  ROW(CsLocCache, locmoninfo, 76) \
+  ROW(CsLocCache, locnext, 80) \
   ROW(CS_LOCALE, collateptr, 0) \
   ROW(CS_LOCALE, ctypeptr, 4) \
   ROW(CS_LOCALE, messageptr, 8) \
@@ -553,7 +608,27 @@
   ROW(LM_CXT_VERSION, 4) \
   ROW(LM_CXT_CONTEXT_LOAD, 5) \
   ROW(LM_CXT_CURRENT_HANDLENAME, 6) \
-  ROW(LM_CXT_CURRENT_HANDLEADDR, 7)
+  ROW(LM_CXT_CURRENT_HANDLEADDR, 7) \
+  ROW(COM_OID_BER_SIZE, 255) \
+  ROW(COM_OID_CHARSET, 0) \
+  ROW(COM_OID_NUMERIC, 1) \
+  ROW(COM_OID_MONEY, 2) \
+  ROW(COM_OID_DATETIME, 3) \
+  ROW(COM_OID_COLLATE, 4) \
+  ROW(COM_OID_NATLANG, 5) \
+  ROW(COM_OID_INTEGER2, 6) \
+  ROW(COM_OID_INTEGER4, 7) \
+  ROW(COM_OID_INTEGER8, 8) \
+  ROW(COM_OID_FLOAT4, 9) \
+  ROW(COM_OID_FLOAT8, 10) \
+  ROW(COM_OID_SECMECH, 11) \
+  ROW(COM_OID_CLASS_COUNT, 12) \
+  ROW(COM_OID_TO_NAME, 1) \
+  ROW(COM_NAME_TO_OID, 2) \
+  ROW(CS_LOCSTR_CHARSET, 1) \
+  ROW(CS_LOCSTR_LANGUAGE, 2) \
+  ROW(CS_LOCSTR_SORTORDER, 3) \
+  ROW(CS_LOCSTR_LANG_CHARSET, 4)
 
 /* clang-format on */
 

@@ -279,7 +279,7 @@ TEST(EncodeOid, EqualsASlowEncoder) {
         arc = random() >> (64 - 1 - below(widest));
       }
       arcs.push_back(arc);
-      dotted += (i > 0 ? std::string(1 + below(20) / 19, '.') : "") + std::to_string(arc);
+      dotted += (i > 0 ? std::string(below(20) == 0 ? 2 : 1, '.') : "") + std::to_string(arc);
     }
     const Encoded expected = slow_encode(arcs), encoded = encode(dotted);
     failures += expected.result == CS_FAIL;

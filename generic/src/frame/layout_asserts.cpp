@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 
+#include "comloc.h"
 #include "comnlib.h"
 
 namespace {
@@ -47,6 +48,13 @@ constexpr bool is_told_size = sizeof(void *) != 4 || sizeof(Record) == Size;
 static_assert(is_told_size<CS_DATAFMT, 296>);
 static_assert(is_told_size<CS_CONTEXT, 120>);
 static_assert(is_told_size<CsCtxGlobals, 68>);
+static_assert(is_told_size<CS_STRING_LIST, 12>);
+static_assert(is_told_size<CsOID, 28>);
+static_assert(is_told_size<CS_OID_TABLE, 48>);
+static_assert(is_told_size<CS_STRINGS, 8>);
+static_assert(is_told_size<CS_CONVACK, 44>);
+static_assert(is_told_size<CS_DATAFUNCS, 320>);
+static_assert(is_told_size<CsLocCache, 84>);
 static_assert(is_told_size<CS_LOCALE, 32>);
 static_assert(is_told_size<CS_THREAD, 40>);
 static_assert(is_told_size<CsConvertTbl, 8>);

@@ -320,7 +320,8 @@ TEST_F(DamagedFile, EachByteOfEachLine) {
 
 TEST_F(DamagedFile, BytesOfTheWholeFile) {
   constexpr size_t step = sanitized ? 1999 : 307;
-  for (size_t at = random_seed() % step; at < text.size() && !HasFatalFailure(); at += step)
+  for (auto at = static_cast<size_t>(random_seed() % step); at < text.size() && !HasFatalFailure();
+       at += step)
     damage(text, at);
   EXPECT_GT(loaded, 0U);
 }

@@ -226,6 +226,24 @@ TEST(DateAdd, TimesOfADayOrMoreAreRefused) {
   }
 }
 
+// Only more than a day's units are split into days, which a time below 0 shows: a day's units take
+// it out of the day or leave it there, more than that borrow for it once more.
+TEST(DateAdd, WhereTheSplitIntoDaysBegins) {
+  const CS_INT per_day[] = {24, 1440, 86400, 86400000};
+  for (int part = 6; part <= 9; ++part) {
+    const auto add_days = [&](CS_INT days) {
+      CS_DATETIME to{5, -5};
+      EXPECT_EQ(com__date_add(part, days * per_day[part - 6], &to), 0);
+      return std::pair<CS_INT, CS_INT>{to.dtdays, to.dttime};
+    };
+    using Sum = std::pair<CS_INT, CS_INT>;
+    EXPECT_EQ(add_days(-1), (Sum{4, -5}));
+    EXPECT_EQ(add_days(1), (Sum{5, 25919995}));
+    EXPECT_EQ(add_days(-2), (Sum{2, 25919995}));
+    EXPECT_EQ(add_days(2), (Sum{6, 25919995}));
+  }
+}
+
 TEST(DateAdd, UnknownPartsAreFatal) {
   CS_DATETIME to{3, 4};
   CS_BIGDATETIME big = year_one;

@@ -44,16 +44,14 @@ int64_t day_difference(int part, CS_INT from, CS_INT to) noexcept {
   }
 }
 
-// The units of the time in so many days and ticks. A unit counts when it is over: a day is borrowed
-// where the ticks work against the days. Milliseconds borrow none: deliberate, it can show in the
-// last of them.
+// The units of the time in so many days and ticks. A unit counts when it is over, so a day is taken
+// as ticks: days and ticks then have one sign, and the division truncates as it should.
+// Milliseconds go without: deliberate, it can show in the last of them.
 int64_t time_difference(int64_t days, CS_INT ticks, const PartUnit &unit) noexcept {
-  if (unit.ticks != 0 && days > 0 && ticks < 0) {
-    --days;
-    ticks += ticks_per_day;
-  } else if (unit.ticks != 0 && days < 0 && ticks > 0) {
-    ++days;
-    ticks -= ticks_per_day;
+  if (unit.ticks != 0 && days != 0) {
+    const CS_INT one_day = days > 0 ? 1 : -1;
+    days -= one_day;
+    ticks += one_day * ticks_per_day;
   }
   return days * unit.per_day + units_of_ticks(unit, ticks);
 }

@@ -524,6 +524,7 @@ def run(options):
         raise Usage("no such test program: " + options.test[programs.index(None)])
     for program in programs:
         build.bring_up_to_date(program)
+    build = Build(build.path)  # it may have been configured anew
     with tempfile.TemporaryDirectory(prefix="mutate-", ignore_cleanup_errors=True) as folder:
         trial = Trial(options, build, unit, programs, Path(folder))
         # From here on nothing is torn away; what runs comes to its end soon.

@@ -446,3 +446,26 @@ TEST(CharToBin, DatatypesOfBothSides) {
 TEST(CharToBin, NullPointers) {
   expect_null_checks("com_bin.cpp", comn_chartobin, make_format(0, 2), make_format(1, 4));
 }
+
+// The source ends within what would be a prefix, or within a digit.
+TEST(CharToBin, ReadsNothingBehindTheSource) {
+  char text[] = "0x5";
+  CS_CHAR *source = text;
+  CS_INT length = 1;
+  comn__hex2binbytes(&source, &length);
+  EXPECT_EQ(source, text);
+  EXPECT_EQ(length, 1);
+  Conversion convert(comn_chartobin, make_format(CS_TYPE_CHAR, 1), make_format(CS_TYPE_BINARY, 2));
+  GuardedBuffer dest(2);
+  EXPECT_EQ(convert(text, dest.data()), CS_SUCCEED);
+  EXPECT_EQ(convert.destlen, 1);
+  EXPECT_EQ(dest.contents(1), "\0"s);
+}
+
+TEST(CharToBin, PrefixBeginsWithAZero) {
+  for (const char *const text : {"1x12", "axab", "xx12", "OX12"}) {
+    const HexResult result = hex(text, 3);
+    EXPECT_EQ(result.status, CS_CONV_SYNTAX) << text;
+    EXPECT_EQ(result.destlen, 0) << text;
+  }
+}

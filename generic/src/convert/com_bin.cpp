@@ -62,7 +62,7 @@ CS_RETCODE comn_fixedtobin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
 
 CS_RETCODE comn_fixedtovarbin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
   COMN_CHECK_CONV(COMN_HERE, true, true);
-  const CS_INT length = tlen < 0 || tlen > varbinary_capacity - 1 ? varbinary_capacity : tlen;
+  const CS_INT length = tlen < 0 || tlen > varbinary_capacity ? varbinary_capacity : tlen;
   auto *record = static_cast<CS_BYTE *>(dest);
   std::memmove(record + offsetof(CS_VARBINARY, array), src, static_cast<size_t>(length));
   comn::store(record + offsetof(CS_VARBINARY, len), static_cast<CS_SMALLINT>(length));

@@ -330,8 +330,9 @@ class Workshop:
             limits += f"ulimit -v {MEMORY_KIB}; "
         command = ["/bin/sh", "-c", limits + 'exec "$@"', "sh", f"./{program}", "--gtest_fail_fast",
                    f"--gtest_filter={test_filter}"]
+        head_command = ["head", "-c", str(OUTPUT_BYTES)]
         with open(self.log, "wb") as log, \
-                subprocess.Popen(["head", "-c", str(OUTPUT_BYTES)], stdin=subprocess.PIPE, stdout=log) as head:
+                subprocess.Popen(head_command, stdin=subprocess.PIPE, stdout=log) as head:
             status = self.processes.run(command, cwd=self.build, stdout=head.stdin, stderr=head.stdin,
                                         timeout=10 * cpu_seconds if cpu_seconds else None,
                                         env=self.environment(LD_LIBRARY_PATH=self.library_path))
@@ -349,10 +350,10 @@ Verdict = collections.namedtuple("Verdict", "what by")
 class Trial:
     """The mutants of a unit against its tests, with one workshop for each job."""
 
-    def __init__(self, options, build, unit, programs, folder):
+    def __init__(self, options, build, unit, text, programs, folder):
         self.options = options
         self.programs = programs
-        self.text = unit.read_text()
+        self.text = text
         self.processes = Processes()
         self.lock = threading.Lock()
         self.killers = {program: collections.deque(maxlen=REMEMBERED_KILLERS) for program in programs}
@@ -366,6 +367,7 @@ class Trial:
     def prepare(self):
         """Builds and tests the unchanged unit; learns how long its tests take."""
         for workshop in self.idle:
+            workshop.unit.write_text(self.text)
             self.originals[workshop] = workshop.compile()
             if self.originals[workshop] is None or not workshop.link():
                 raise Trouble("the unchanged unit does not build:\n" + workshop.output()[-4000:])
@@ -514,7 +516,8 @@ def run(options):
     build = Build(options.build or Path(__file__).resolve().parents[2] / "build/linux64")
     unit = find_unit(build.source, options.unit)
     name = unit.relative_to(build.source)
-    chosen = choose(options, unit.read_text())
+    text = unit.read_text()
+    chosen = choose(options, text)
     if options.list:
         for mutant in chosen:
             print(f"{name}:{mutant.line}: {mutant.kind}: {mutant.note}")
@@ -526,7 +529,7 @@ def run(options):
         build.bring_up_to_date(program)
     build = Build(build.path)  # it may have been configured anew
     with tempfile.TemporaryDirectory(prefix="mutate-", ignore_cleanup_errors=True) as folder:
-        trial = Trial(options, build, unit, programs, Path(folder))
+        trial = Trial(options, build, unit, text, programs, Path(folder))
         # From here on nothing is torn away; what runs comes to its end soon.
         on_interrupt(trial.processes.stop)
         slowest = trial.prepare()

@@ -26,7 +26,7 @@ protected:
     return upto(limit);
   }
 
-  const size_t steps = random_steps();
+  const size_t steps = random_steps() / 3;
   const unsigned long long seed = random_seed();
   std::mt19937_64 random{seed};
 };
@@ -428,7 +428,7 @@ TEST_F(RandomPools, AddressesUnderSubpools) {
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   constexpr CS_INT types[] = {MM_POOL_BUDDY, MM_POOL_UNIFORM, MM_POOL_ALLOCONLY};
   Source source;
-  for (size_t step = 0, round = 0; step < steps / 4; ++round) {
+  for (size_t step = 0, round = 0; step < steps; ++round) {
     Pool pool(source, types[round % 3]);
     ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, static_cast<CS_INT>(1 + upto(600))), CS_SUCCEED);
     ASSERT_EQ(set_integer(pool, MM_PROP_CHUNKSIZE, static_cast<CS_INT>(1 + upto(3000))),

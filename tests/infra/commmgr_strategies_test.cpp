@@ -735,6 +735,74 @@ TEST_F(UniformTest, RegionsThatFilledUpAndHaveRoomAgain) {
   EXPECT_EQ(source.asked.size(), 4U);
 }
 
+// The search is remembered while a pool is alone, from its second allocation on, and forgotten with
+// its last sub-pool.
+TEST_F(PoolTest, SearchesAreRemembered) {
+  for (const CS_INT type : {MM_POOL_UNIFORM, MM_POOL_ALLOCONLY}) {
+    SCOPED_TRACE(type);
+    Pool pool(source, type);
+    const MmSearch &search = pool->mmh_pool.notes.search;
+    ASSERT_EQ(set_integer(pool, MM_PROP_BLOCKSIZE, 1), CS_SUCCEED);
+    ASSERT_EQ(set_integer(pool, MM_PROP_CHUNKSIZE, 1), CS_SUCCEED);
+    const MmHeap *newest = nullptr; // a region for each chunk
+    for (int i = 0; i < 3; ++i) {
+      pool.allocate(50 * W);
+      EXPECT_EQ(search.first, newest);
+      newest = pool.head()->mph_heap;
+    }
+    EXPECT_EQ(search.size, header_of(pool->mmh_blocks));
+    MM_HANDLE *sub = pool;
+    ASSERT_EQ(com___subpool(pool, 1, &sub), CS_SUCCEED);
+    EXPECT_EQ(search.first, newest);
+    pool.allocate(50 * W);
+    EXPECT_EQ(search.first, newest) << "with a sub-pool none is kept";
+    ASSERT_EQ(comn_mmdrop(sub, MM_DROP_NORMAL), CS_SUCCEED);
+    EXPECT_EQ(search.first, nullptr);
+    EXPECT_EQ(search.size, 0U);
+  }
+}
+
+// None of the inner operations takes a null pointer.
+TEST_F(PoolTest, NullPointersOfTheInnerOperations) {
+  Pool pool(source);
+  void *block = pool.allocate(8), *none = nullptr;
+  MmHeap *const heap = pool.head()->mph_heap;
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___addheap(nullptr, &block, 100, 2));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___addheap(pool, nullptr, 100, 2));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___sbreak(nullptr, 100));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___unsbreak(nullptr, heap));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___unsbreak(pool, nullptr));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___getheap(nullptr, 8, &none));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___getheap(pool, 8, nullptr));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___putheap(nullptr, block));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___putheap(pool, nullptr));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___insert_block(nullptr, heap->free));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___insert_block(heap, nullptr));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___getblock(nullptr, 8, &none));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___getblock(pool, 8, nullptr));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___putblock(nullptr, block));
+  EXPECT_NULL_POINTER_CHECK(heap_unit, CS_FAIL, com___putblock(pool, nullptr));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_malloc(nullptr, 8, &none));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_malloc(pool, 8, nullptr));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_split(nullptr, 0));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_compact(nullptr, 0));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_free(nullptr, block));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_free(pool, nullptr));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_realloc(nullptr, 8, &block));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_realloc(pool, 8, nullptr));
+  EXPECT_NULL_POINTER_CHECK(buddy_unit, CS_FAIL, com___buddy_realloc(pool, 8, &none));
+  Pool uniform(source, MM_POOL_UNIFORM);
+  EXPECT_NULL_POINTER_CHECK(uniform_unit, CS_FAIL, com___uniform_malloc(nullptr, 8, &none));
+  EXPECT_NULL_POINTER_CHECK(uniform_unit, CS_FAIL, com___uniform_malloc(uniform, 8, nullptr));
+  EXPECT_NULL_POINTER_CHECK(uniform_unit, CS_FAIL, com___uniform_free(nullptr, block));
+  EXPECT_NULL_POINTER_CHECK(uniform_unit, CS_FAIL, com___uniform_free(uniform, nullptr));
+  Pool bump(source, MM_POOL_ALLOCONLY);
+  const char *const bump_unit = "commmgr_alloconly.cpp";
+  EXPECT_NULL_POINTER_CHECK(bump_unit, CS_FAIL, com___alloconly_malloc(nullptr, 8, &none));
+  EXPECT_NULL_POINTER_CHECK(bump_unit, CS_FAIL, com___alloconly_malloc(bump, 8, nullptr));
+  EXPECT_EQ(none, nullptr);
+}
+
 TEST_F(UniformTest, Misuse) {
   Pool pool(source, MM_POOL_UNIFORM);
   EXPECT_ASSERTION(uniform_unit, CS_FAIL, com___uniform_free(pool, &source));

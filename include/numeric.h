@@ -2,8 +2,8 @@
  * numeric.h - exact numerics: representation, arithmetic and the conversions beneath comn_numto*.
  *
  * A numeric is a sign byte and a big-endian base-256 magnitude, divided by 10 to the power of its
- * scale (CS_NUMERIC, cstypes.h). Any sign byte but 0 is negative; a zero is never computed with a
- * sign, but one with a sign equals zero and prints without it. Nothing here allocates memory or
+ * scale (CS_NUMERIC, cstypes.h). Any sign byte but 0 is negative, so two of them are one sign; a zero
+ * is never computed with a sign, but one with a sign equals zero and prints without it. Nothing here allocates memory or
  * sends messages, and everything may run in any thread on distinct values.
  */
 #ifndef ZRV_NUMERIC_H
@@ -52,8 +52,9 @@ extern ZRV_PRIVATE const CS_BYTE Com__Nume_Byte_Power_Array[CS_MAX_PREC + 1][34]
  *                     work space than it has; or the rule gives a precision below 1 (the result is
  *                     then untouched)
  *   CS_CONV_SYNTAX    mul would have to drop 78 digits or more
- *   CS_CONV_DIVZERO   the divisor is zero, tested before all but the operands' shapes; the result
- *                     is untouched
+ *   CS_CONV_DIVZERO   the divisor is zero, whatever the dividend is; precision and scale of the
+ *                     result are set, unless the rule gives a precision below 1, and its array is
+ *                     untouched
  * After the other failures precision and scale of the result are set and its array is not to be
  * used. A null pointer is fatal, CS_FAIL; so is an `operation` other than 0 (add) and 1 (subtract).
  */
@@ -82,8 +83,12 @@ ZRV_API CS_INT comn_num_getprec(CS_INT length) ZRV_NOEXCEPT;
  *
  * They work on __CONSTANT (csintrn.h): `len` bytes at `value`, sign byte first, with `prec` and
  * `scale`; the other fields are not read. `len` is what counts, whatever the precision says; a
- * descriptor of length 0 reads as zero. Magnitudes of more than 48 bytes, leading zeroes not
- * counted, are an overflow where they are multiplied, divided or shifted.
+ * descriptor of length 0 reads as zero.
+ *
+ * Magnitudes of more than 48 bytes, leading zeroes not counted, are beyond the operations scale,
+ * addorsub, mul, div, intmul, intdiv, round, ceilingfloor, and cmp where it brings scales together.
+ * No value reaches them. NUME_OVERFLOW; addorsub, round and ceilingfloor leave the result cleared,
+ * and cmp answers 0.
  *
  * The results are the NUME_ statuses unless a comment says otherwise. A null pointer is fatal,
  * NUME_OVERFLOW.
@@ -139,7 +144,8 @@ ZRV_PRIVATE int com__exctnume_needsbyte(__CONSTANT *numeptr) ZRV_NOEXCEPT;
 /*
  * Adds (opn 0) or subtracts (opn 1) two values of one scale and shifts the result from op1's scale
  * to its own. NUME_OK; NUME_OVERFLOW with the result cleared when the magnitude does not fit, or as
- * it is when it exceeds the result's precision; the status of the shift.
+ * it is when it exceeds the result's precision; the status of the shift, which leaves the sum as it
+ * was before unless digits were dropped.
  */
 ZRV_PRIVATE int com__exctnume_addorsub(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *result,
                                        int opn) ZRV_NOEXCEPT;
@@ -186,7 +192,8 @@ ZRV_PRIVATE int com__exctnume_intmul(__CONSTANT *a, __CONSTANT *b, __CONSTANT *r
  *            the space from its first byte); length 0 for a quotient of zero
  * r  out     the remainder, a view of the same space, or of `a` when the quotient is zero; length 0
  *            for a remainder of zero. A view has a byte in front for the sign, except the one-byte
- *            remainder of a one-byte divisor
+ *            remainder of a one-byte divisor; with a quotient of zero it is the byte that `a` has
+ *            there, a zero or, without leading zeroes, its sign
  *
  * NUME_OK, NUME_DIVZERO, or NUME_OVERFLOW, nothing written, when the work space is shorter than the
  * dividend's magnitude (leading zeroes not counted) and one byte.
@@ -250,8 +257,10 @@ ZRV_PRIVATE int com__subexctnumetoflt8(__CONSTANT *numeval, CS_FLOAT *dest) ZRV_
 ZRV_PRIVATE int com__doubletoexctnume(CS_FLOAT value, CS_BYTE *dest, CS_INT destlen,
                                       CS_BYTE *precision, CS_BYTE *scale) ZRV_NOEXCEPT;
 
-/* Integers to numeric. NUME_OK; NUME_OVERFLOW; NUME_SYNTAX for a scale above 77. Automatic
- * precision (0 or above 77) is the most that destlen holds, at scale 0. */
+/* Integers to numeric. NUME_OK; NUME_SYNTAX for a scale above 77; NUME_OVERFLOW, which leaves the
+ * value where it only exceeds the precision, the value before the shift where that has no room, and
+ * its low bytes where not even that has; without the sign in the last two cases, as for NUME_SYNTAX.
+ * Automatic precision (0 or above 77) is the most that destlen holds, at scale 0. */
 ZRV_PRIVATE int com__longtoexctnume(CS_INT value, CS_BYTE *dest, CS_INT destlen, CS_BYTE *precision,
                                     CS_BYTE *scale) ZRV_NOEXCEPT;
 ZRV_PRIVATE int com__ulongtoexctnume(CS_UINT value, CS_BYTE *dest, CS_INT destlen,

@@ -8,7 +8,7 @@
 #include "check_trap.h"
 #include "conversion.h"
 #include "guarded_buffer.h"
-#include "numeric_reference.h"
+#include "numeric_operands.h"
 #include "test_context.h"
 
 using zrvtest::Decimal;
@@ -82,23 +82,24 @@ struct Member {
   const char *name;
   CS_CONV_FUNC function;
   CS_INT type;
+  CS_INT size; // what *destlen says before the source is looked at; 0 where it stays
 };
 const Member members[] = {
-    {"bit", comn_numtobit, CS_TYPE_BIT},
-    {"i1", comn_numtoi1, CS_TYPE_TINYINT},
-    {"i2", comn_numtoi2, CS_TYPE_SMALLINT},
-    {"i4", comn_numtoi4, CS_TYPE_INT},
-    {"i8", comn_numtoi8, CS_TYPE_BIGINT},
-    {"ui2", comn_numtoui2, CS_TYPE_USMALLINT},
-    {"ui4", comn_numtoui4, CS_TYPE_UINT},
-    {"ui8", comn_numtoui8, CS_TYPE_UBIGINT},
-    {"flt4", comn_numtoflt4, CS_TYPE_REAL},
-    {"flt8", comn_numtoflt8, CS_TYPE_FLOAT},
-    {"num", comn_numtonum, CS_TYPE_NUMERIC},
-    {"char", comn_numtochar, CS_TYPE_CHAR},
-    {"bin", comn_numtobin, CS_TYPE_BINARY},
-    {"varchar", comn_numtovarchar, CS_TYPE_VARCHAR},
-    {"varbin", comn_numtovarbin, CS_TYPE_VARBINARY},
+    {"bit", comn_numtobit, CS_TYPE_BIT, 1},
+    {"i1", comn_numtoi1, CS_TYPE_TINYINT, 1},
+    {"i2", comn_numtoi2, CS_TYPE_SMALLINT, 2},
+    {"i4", comn_numtoi4, CS_TYPE_INT, 4},
+    {"i8", comn_numtoi8, CS_TYPE_BIGINT, 8},
+    {"ui2", comn_numtoui2, CS_TYPE_USMALLINT, 2},
+    {"ui4", comn_numtoui4, CS_TYPE_UINT, 4},
+    {"ui8", comn_numtoui8, CS_TYPE_UBIGINT, 8},
+    {"flt4", comn_numtoflt4, CS_TYPE_REAL, 4},
+    {"flt8", comn_numtoflt8, CS_TYPE_FLOAT, 8},
+    {"num", comn_numtonum, CS_TYPE_NUMERIC, 0},
+    {"char", comn_numtochar, CS_TYPE_CHAR, 0},
+    {"bin", comn_numtobin, CS_TYPE_BINARY, 0},
+    {"varchar", comn_numtovarchar, CS_TYPE_VARCHAR, 258},
+    {"varbin", comn_numtovarbin, CS_TYPE_VARBINARY, 258},
 };
 
 } // namespace
@@ -137,6 +138,7 @@ TEST(NumConversions, MalformedSourcesAreRefusedByEveryMember) {
           run(member.function, &value, CS_TYPE_NUMERIC, member.type, 258, format);
       EXPECT_EQ(result.code, CS_CONV_DOMAIN) << member.name;
       EXPECT_TRUE(result.is_untouched()) << member.name;
+      EXPECT_EQ(result.length, member.size != 0 ? member.size : unwritten) << member.name;
     }
 }
 
@@ -201,6 +203,20 @@ TEST(NumToInteger, SixtyFourBitsAreExact) {
   EXPECT_EQ(ui8(number(20, 0, "1", true)).value<CS_UBIGINT>(), 0U);
 }
 
+TEST(NumToInteger, LengthIsTheSizeWhateverHappens) {
+  const CS_NUMERIC large = number(40, 0, "1" + std::string(39, '0'));
+  const CS_NUMERIC small = number(40, 0, "1" + std::string(39, '0'), true);
+  for (const Member &member : members)
+    if (member.size == 0 || member.size > 8)
+      continue;
+    else
+      for (const CS_NUMERIC &value : {large, small, number(3, 0, "1")}) {
+        const Converted result = run(member.function, &value, CS_TYPE_NUMERIC, member.type, 8,
+                                     make_format(member.type, 8));
+        EXPECT_EQ(result.length, member.size) << member.name;
+      }
+}
+
 TEST(NumToBit, AnythingButZero) {
   auto bit = [](CS_NUMERIC v) { return to_fixed<CS_BIT>(comn_numtobit, v, CS_TYPE_BIT); };
   EXPECT_EQ(bit(number(77, 77, "1", true)).value<CS_BIT>(), 1);
@@ -241,6 +257,61 @@ TEST(NumToNum, ShapesAndStatuses) {
   // Deliberate: the digits must fit the new length before they are shifted, although 123 would fit.
   EXPECT_EQ(convert(number(5, 3, "12345"), 3, 0).code, CS_CONV_TRUNCATED);
   EXPECT_EQ(convert(number(5, 3, "12345"), 2, 0).code, CS_CONV_OVERFLOW);
+}
+
+// The shape of the result is stored before its digits, and the length with it.
+TEST(NumToNum, ShapeAndLengthOfEveryOutcome) {
+  const struct {
+    const char *digits;
+    int scale, to_precision, to_scale;
+    CS_RETCODE code;
+  } rows[] = {{"12345", 3, 2, 0, CS_CONV_OVERFLOW}, // too long as it stands
+              {"99999", 0, 5, 3, CS_CONV_OVERFLOW}, // too long when shifted
+              {"99999", 0, 4, 0, CS_CONV_OVERFLOW}, // one digit too many
+              {"12345", 3, 3, 0, CS_CONV_TRUNCATED},
+              {"12345", 3, 9, 5, CS_SUCCEED}};
+  for (const auto &row : rows)
+    for (CS_INT type : {CS_TYPE_NUMERIC, CS_TYPE_DECIMAL}) {
+      CS_NUMERIC value = number(5, row.scale, row.digits);
+      CS_DATAFMT format = make_format(type, sizeof(CS_NUMERIC));
+      format.precision = row.to_precision;
+      format.scale = row.to_scale;
+      const Converted result =
+          run(comn_numtonum, &value, CS_TYPE_DECIMAL, type, sizeof(CS_NUMERIC), format);
+      EXPECT_EQ(result.code, row.code) << row.digits;
+      EXPECT_EQ(result.value<CS_NUMERIC>().precision, row.to_precision);
+      EXPECT_EQ(result.value<CS_NUMERIC>().scale, row.to_scale);
+      EXPECT_EQ(result.length, Com__Nume_Prec_To_Len[row.to_precision] + 2) << row.digits;
+    }
+}
+
+TEST(NumToNum, RandomValuesAgainstTheRules) {
+  zrvtest::RandomDecimals random(31);
+  CS_CONTEXT context{};
+  CS_DATAFMT from = make_format(CS_TYPE_NUMERIC, 35), to = from;
+  for (int i = 0; i < 5 * zrvtest::random_cases; ++i) {
+    const Decimal value = random.any();
+    to.precision = 1 + random.below(77);
+    to.scale = random.below(random.below(2) == 0 ? 78 : to.precision + 1);
+    CS_NUMERIC source = value.pack(), result;
+    CS_INT length = unwritten;
+    const CS_RETCODE code = comn_numtonum(&context, &from, &source, &to, &result, &length);
+    const zrvtest::Outcome expected = zrvtest::reference_convert(value, to.precision, to.scale);
+    ASSERT_EQ(code, expected.code) << value.text() << " to " << to.precision << "," << to.scale;
+    ASSERT_EQ(length, zrvtest::reference_length(to.precision) + 2);
+    ASSERT_EQ(result.precision, to.precision);
+    ASSERT_EQ(result.scale, to.scale);
+    if (!expected.has_value)
+      continue;
+    const Decimal got = Decimal::of(result);
+    ASSERT_TRUE(got.magnitude == expected.value.magnitude)
+        << value.text() << " to " << got.text() << ", not " << expected.value.text();
+    // A copy at one scale keeps the sign byte of a zero.
+    if (value.scale == to.scale || !got.magnitude.is_zero())
+      ASSERT_EQ(got.negative, value.negative);
+    else
+      ASSERT_FALSE(got.negative);
+  }
 }
 
 TEST(NumToNum, BadShapes) {
@@ -301,6 +372,27 @@ TEST(NumToChar, WholeCutAndPadded) {
   // A terminator without room takes the last place.
   EXPECT_EQ(to_text(value, 5, CS_DFMT_NULLTERM).code, CS_CONV_OVERFLOW);
   EXPECT_EQ(to_text(value, 5, CS_DFMT_NULLTERM).bytes, std::string("-0.2\0", 5));
+}
+
+TEST(NumToChar, CutTextWithATerminator) {
+  const CS_NUMERIC value = number(5, 2, "25", true);
+  const Converted cut = to_text(value, 3, CS_DFMT_NULLTERM);
+  EXPECT_EQ(cut.code, CS_CONV_OVERFLOW);
+  EXPECT_EQ(cut.bytes, std::string("-0\0", 3));
+  EXPECT_EQ(cut.length, 3);
+  const Converted blanks = to_text(value, 4, CS_DFMT_NULLTERM | CS_DFMT_PADBLANK);
+  EXPECT_EQ(blanks.code, CS_CONV_OVERFLOW);
+  EXPECT_EQ(blanks.bytes, std::string("-0.\0", 4));
+}
+
+TEST(NumToChar, EveryTextType) {
+  CS_NUMERIC value = number(5, 2, "1250");
+  for (CS_INT type : {CS_TYPE_CHAR, CS_TYPE_LONGCHAR, CS_TYPE_TEXT, 21, 22, 34}) {
+    const Converted result =
+        run(comn_numtochar, &value, CS_TYPE_NUMERIC, type, 10, make_format(type, 10));
+    EXPECT_EQ(result.code, CS_SUCCEED) << type;
+    EXPECT_EQ(result.text(), "12.50") << type;
+  }
 }
 
 TEST(NumToChar, LongestTextRunsNoCheck) {
@@ -374,6 +466,28 @@ TEST(IntegerToNum, EveryTypeAtItsLimits) {
   EXPECT_EQ(from_integer<CS_INT>(comn_i4tonum, CS_TYPE_INT, 1000, 3, 0).code, CS_CONV_OVERFLOW);
   EXPECT_EQ(from_integer<CS_INT>(comn_i4tonum, CS_TYPE_INT, 10, 3, 2).code, CS_CONV_OVERFLOW);
   EXPECT_EQ(from_integer<CS_INT>(comn_i4tonum, CS_TYPE_INT, 9, 3, 2).code, CS_SUCCEED);
+}
+
+TEST(IntegerToNum, ShapeAndValueAfterAnOverflow) {
+  const Converted digits = from_integer<CS_INT>(comn_i4tonum, CS_TYPE_INT, -1000, 3, 0);
+  EXPECT_EQ(digits.code, CS_CONV_OVERFLOW);
+  EXPECT_EQ(digits.length, 35);
+  EXPECT_EQ(value_text(digits), "-1000 (3,0)");
+  const Converted bytes = from_integer<CS_INT>(comn_i4tonum, CS_TYPE_INT, -70000, 4, 2);
+  EXPECT_EQ(bytes.code, CS_CONV_OVERFLOW);
+  EXPECT_EQ(bytes.length, 35);
+  EXPECT_EQ(value_text(bytes), "44.64 (4,2)"); // the low bytes, without a sign
+}
+
+TEST(IntegerToNum, DecimalIsNumericToo) {
+  CS_INT value = -7;
+  CS_DATAFMT format = make_format(CS_TYPE_DECIMAL, sizeof(CS_NUMERIC));
+  format.precision = 5;
+  format.scale = 2;
+  const Converted result =
+      run(comn_i4tonum, &value, CS_TYPE_INT, CS_TYPE_DECIMAL, sizeof(CS_NUMERIC), format);
+  EXPECT_EQ(result.code, CS_SUCCEED);
+  EXPECT_EQ(value_text(result), "-7.00 (5,2)");
 }
 
 TEST(IntegerToNum, BadShapesLeaveTheDestination) {

@@ -261,6 +261,32 @@ TEST(TextToNumeric, FailuresLeaveTheDestinationCleared) {
   }
 }
 
+// 1 alone lets digits be dropped.
+TEST(TextToNumeric, OtherFlagsAreLikeZero) {
+  for (CS_INT flag : {0, 2, 3, -1, 255, 257, INT32_MIN, INT32_MAX}) {
+    EXPECT_EQ(parse_fixed("1.239", 5, 2, flag), "status 6") << flag;
+    EXPECT_EQ(parse_fixed("1.23", 5, 2, flag), "123") << flag;
+    EXPECT_EQ(parse_fixed("5e-9", 9, 2, flag), "status 6") << flag;
+    EXPECT_EQ(parse_fixed("15e-1", 5, 0, flag), "status 6") << flag;
+  }
+}
+
+// With automatic precision the value stands at the end, and the bytes in front of it are cleared.
+TEST(TextToNumeric, FrontOfTheBufferIsCleared) {
+  CS_BYTE room[33];
+  std::memset(room, 0x5C, sizeof room);
+  CS_BYTE *dest = room, precision = 0, scale = 255;
+  CS_INT length = sizeof room;
+  char text[] = "-12.5";
+  ASSERT_EQ(com__subchartoexctnume(text, 5, &dest, &length, &precision, &scale, 0), NUME_OK);
+  EXPECT_EQ(dest, room + 30);
+  for (int i = 0; i < 30; ++i)
+    EXPECT_EQ(room[i], 0) << i;
+  EXPECT_EQ(room[30], 1);
+  EXPECT_EQ(room[31], 0);
+  EXPECT_EQ(room[32], 125);
+}
+
 TEST(TextToNumeric, NullPointers) {
   CS_BYTE room[33], *dest = room, precision = 5, scale = 0;
   CS_INT length = 4;
@@ -496,6 +522,28 @@ TEST(DoubleToNumeric, AutomaticPrecisionIsTheMostAtScaleZero) {
     EXPECT_EQ(com__doubletoexctnume(12.75, room, length, &precision, &scale), NUME_OVERFLOW);
 }
 
+// With a scale above 77 the digits set it, as for text.
+TEST(DoubleToNumeric, AutomaticScale) {
+  const struct {
+    double value;
+    const char *digits;
+    int scale;
+  } rows[] = {{12.75, "1275", 2},
+              {-0.5, "-5", 1},
+              {100.0, "100", 0},
+              {1e20, "100000000000000000000", 0},
+              {2.5e-5, "25000000000000001", 16},
+              {5e-7, "49999999999999998", 16},
+              {0.0, "0", 0}};
+  for (const auto &row : rows) {
+    CS_BYTE room[33], precision = 77, scale = 255;
+    EXPECT_EQ(com__doubletoexctnume(row.value, room, 33, &precision, &scale), NUME_OK);
+    EXPECT_EQ((room[0] != 0 ? "-" : "") + Natural::from_bytes(room + 1, 32).digits(), row.digits);
+    EXPECT_EQ(scale, row.scale) << row.value;
+    EXPECT_EQ(precision, 77);
+  }
+}
+
 TEST(DoubleToNumeric, RandomDoublesThereAndBack) {
   std::mt19937_64 random(24);
   for (int i = 0; i < std::min(zrvtest::random_cases, 100000); ++i) {
@@ -559,6 +607,25 @@ TEST(IntegerToNumeric, LimitsAndShapes) {
             "18446744073709551615 (20,0)");
   EXPECT_EQ(build(com__ulonglongtoexctnume, numeric_limits<CS_UBIGINT>::max(), 77, 57),
             "18446744073709551615" + std::string(57, '0') + " (77,57)");
+}
+
+// An overflow leaves the low bytes without a sign where they ran out, or the value before the shift
+// that had no room, or the whole value where it only exceeds the precision.
+TEST(IntegerToNumeric, WhatAnOverflowLeaves) {
+  auto left = [](CS_INT value, int precision, int scale) {
+    GuardedBuffer buffer(static_cast<size_t>(comn_num_getlen(precision)));
+    CS_BYTE p = static_cast<CS_BYTE>(precision), s = static_cast<CS_BYTE>(scale);
+    EXPECT_EQ(com__longtoexctnume(value, buffer.data(), static_cast<CS_INT>(buffer.size()), &p, &s),
+              NUME_OVERFLOW);
+    EXPECT_EQ(p, precision);
+    EXPECT_EQ(s, scale);
+    return (buffer.data()[0] != 0 ? "-" : "") +
+           Natural::from_bytes(buffer.data() + 1, static_cast<int>(buffer.size()) - 1).digits();
+  };
+  EXPECT_EQ(left(-70000, 3, 0), "4464"); // 70000 modulo 65536
+  EXPECT_EQ(left(-7000, 3, 2), "7000");
+  EXPECT_EQ(left(-1000, 3, 0), "-1000");
+  EXPECT_EQ(left(-100, 3, 1), "-1000");
 }
 
 TEST(IntegerToNumeric, AutomaticPrecision) {
@@ -670,6 +737,18 @@ TEST(MoneyToNumeric, ScalesSignsAndLimits) {
   EXPECT_EQ(convert(INT64_MAX, 77, 63), "status 1");
   EXPECT_EQ(convert(5, 255, 255, 9), "0 (19,0)");
   EXPECT_EQ(convert(5000, 0, 200, 9), "1 (19,0)");
+}
+
+TEST(MoneyToNumeric, FlagHasNoEffect) {
+  CS_MONEY money{0, 15549};
+  for (int flag : {0, 1, 2, -1})
+    for (int scale : {2, 4, 6}) {
+      CS_BYTE room[5] = {}, precision = 9, s = static_cast<CS_BYTE>(scale);
+      EXPECT_EQ(com__mny8toexctnume(&money, room, 5, &precision, &s, flag), NUME_OK);
+      EXPECT_EQ(Natural::from_bytes(room + 1, 4).digits(), scale == 2   ? "155"
+                                                           : scale == 4 ? "15549"
+                                                                        : "1554900");
+    }
 }
 
 TEST(Zrvatoll, Values) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "allocation_probe.h"
 #include "check_trap.h"
 #include "descriptor.h"
 #include "numeric_operands.h"
@@ -96,6 +97,10 @@ TEST(ExctnumeCmp, DifferentSignsDecideBeforeDigitsAreDropped) {
   EXPECT_EQ(com__exctnume_cmp(minus_tiny.get(), zero.get(), 3), -1);
   EXPECT_EQ(com__exctnume_cmp(zero.get(), minus_tiny.get(), 3), 1);
   // Any sign byte but 0 is the same sign.
+  Descriptor other(2, 1, 0, "1", true), minus_one(2, 1, 0, "1", true);
+  other->value[0] = 2;
+  EXPECT_EQ(com__exctnume_cmp(other.get(), minus_one.get(), NUME_CMP_SIGNS), 0);
+  EXPECT_EQ(com__exctnume_cmp(minus_one.get(), other.get(), 3), 0);
   minus_zero->value[0] = 0x80;
   EXPECT_EQ(com__exctnume_cmp(minus_tiny.get(), minus_zero.get(), 3), 0);
 }
@@ -326,6 +331,23 @@ TEST(ExctnumeIncDec, CarriesAndOverflow) {
   EXPECT_EQ(com__exctnume_dec(&empty), 2);
 }
 
+// The carry goes into the byte in front of the operands, and what is left of the result is cleared.
+TEST(ExctnumeIntadd, BytesLeftOverAreCleared) {
+  Descriptor a(3, 9, 0, "65535"), b(2, 9, 0, "1"), result(8, 9, 0);
+  std::memset(result->value, 0x77, 8);
+  EXPECT_EQ(com__exctnume_intadd(a.get(), b.get(), result.get()), NUME_OK);
+  const std::vector<unsigned char> expected{0x77, 0, 0, 0, 0, 1, 0, 0};
+  EXPECT_EQ(std::vector<unsigned char>(result.bytes(), result.bytes() + 8), expected);
+  // Bytes of zero that are left in an operand do not count, others do.
+  Descriptor wide(6, 9, 0, "5"), narrow(2, 9, 0);
+  EXPECT_EQ(com__exctnume_intadd(wide.get(), b.get(), narrow.get()), NUME_OK);
+  EXPECT_EQ(narrow->value[1], 6);
+  EXPECT_EQ(com__exctnume_intadd(b.get(), wide.get(), narrow.get()), NUME_OK);
+  wide->value[1] = 1;
+  EXPECT_EQ(com__exctnume_intadd(wide.get(), b.get(), narrow.get()), NUME_OVERFLOW);
+  EXPECT_EQ(com__exctnume_intadd(b.get(), wide.get(), narrow.get()), NUME_OVERFLOW);
+}
+
 TEST(ExctnumeIntadd, AnyLengths) {
   Descriptor a(4, 9, 0, "16777215"), b(2, 9, 0, "255"), longer(6, 9, 0), same(4, 9, 0);
   longer->value[0] = 7;
@@ -378,6 +400,24 @@ TEST(ExctnumeIntdiv, RemainderOfAOneByteDivisorIsOneByte) {
   EXPECT_EQ(Descriptor::text_of(quotient), "142");
   EXPECT_EQ(remainder.len, 1);
   EXPECT_EQ(remainder.value[0], 6);
+}
+
+// A dividend below the divisor is the remainder itself, with the byte in front of its digits: a zero,
+// or the sign byte where no zero leads.
+TEST(ExctnumeIntdiv, RemainderBelowTheDivisorIsTheDividend) {
+  Descriptor a(6, 9, 0, "300", true), b(4, 9, 0, "70000"), full(3, 9, 0, "300", true),
+      space(33, 77, 0);
+  __CONSTANT quotient = *space.get(), remainder{};
+  ASSERT_EQ(com__exctnume_intdiv(a.get(), b.get(), &quotient, &remainder), NUME_OK);
+  EXPECT_EQ(quotient.len, 0);
+  EXPECT_EQ(remainder.len, 3);
+  EXPECT_EQ(remainder.value, a->value + 3);
+  EXPECT_EQ(remainder.value[0], 0);
+  quotient = *space.get();
+  ASSERT_EQ(com__exctnume_intdiv(full.get(), b.get(), &quotient, &remainder), NUME_OK);
+  EXPECT_EQ(remainder.len, 3);
+  EXPECT_EQ(remainder.value, full->value);
+  EXPECT_TRUE(space.is_untouched());
 }
 
 TEST(ExctnumeIntdiv, EmptyViewsAndFailures) {
@@ -455,6 +495,36 @@ TEST(ExctnumeAddorsub, OverflowClearsOnlyWhatDoesNotFit) {
   EXPECT_EQ(result.text(), "0");
   EXPECT_EQ(com__exctnume_addorsub(a.get(), a.get(), wide.get(), 0), NUME_OVERFLOW);
   EXPECT_EQ(wide.text(), "510");
+}
+
+// What a shift that fails leaves is the sum before it; digits that it drops are gone.
+TEST(ExctnumeAddorsub, FailedShiftLeavesTheSum) {
+  Descriptor a(5, 9, 3, "12345"), b(5, 9, 3, "11111"), syntax(5, 9, 81), overflow(3, 9, 7),
+      cut(5, 9, 1);
+  EXPECT_EQ(com__exctnume_addorsub(a.get(), b.get(), syntax.get(), 0), NUME_SYNTAX);
+  EXPECT_EQ(syntax.text(), "23456");
+  EXPECT_EQ(com__exctnume_addorsub(a.get(), b.get(), overflow.get(), 1), NUME_OVERFLOW);
+  EXPECT_EQ(overflow.text(), "1234");
+  EXPECT_EQ(com__exctnume_addorsub(b.get(), a.get(), overflow.get(), 1), NUME_OVERFLOW);
+  EXPECT_EQ(overflow.text(), "-1234");
+  EXPECT_EQ(com__exctnume_addorsub(b.get(), a.get(), cut.get(), 1), NUME_TRUNCATED);
+  EXPECT_EQ(cut.text(), "-12");
+}
+
+// A product whose precision is below that of both operands together is made in 32 bytes, whatever the
+// field has; otherwise in the field.
+TEST(ExctnumeMul, IntermediateHas32Bytes) {
+  const std::string power = power_digits(38); // 10^38, its square has 32 bytes
+  Descriptor a(17, 39, 1, power), b(17, 39, 0, power), narrow(40, 77, 0), wide(40, 78, 0);
+  EXPECT_EQ(com__exctnume_mul(a.get(), b.get(), narrow.get()), NUME_OK);
+  EXPECT_EQ(narrow.text(), power_digits(75));
+  Descriptor c(18, 40, 1, power_digits(39)); // 10^77 has 32 bytes, 10^78 has 33
+  EXPECT_EQ(com__exctnume_mul(a.get(), c.get(), narrow.get()), NUME_OK);
+  EXPECT_EQ(narrow.text(), power_digits(75));
+  EXPECT_EQ(com__exctnume_mul(c.get(), c.get(), narrow.get()), NUME_OVERFLOW);
+  wide->prec = 80;
+  EXPECT_EQ(com__exctnume_mul(c.get(), c.get(), wide.get()), NUME_OK);
+  EXPECT_EQ(wide.text(), power_digits(76));
 }
 
 TEST(ExctnumeMul, ShiftsToTheResultScale) {
@@ -538,6 +608,20 @@ TEST(ExctnumeRound, KeepsTheScaleAndLooksAtOneDigit) {
     }
 }
 
+// Deliberate: to whole numbers no more digits are dropped than the precision has, so 0.005 of
+// precision 1 loses one of its three.
+TEST(ExctnumeRound, TargetZeroDropsNoMoreDigitsThanThePrecision) {
+  const struct {
+    int precision, to;
+    const char *expected;
+  } rows[] = {{1, 0, "10"}, {2, 0, "0"}, {3, 0, "0"}, {1, 1, "0"}, {1, 2, "10"}, {1, -4, "10"}};
+  for (const auto &row : rows) {
+    Descriptor value(4, row.precision, 3, "5"), result(6, 9, 3);
+    com__exctnume_round(value.get(), row.to, result.get());
+    EXPECT_EQ(result.text(), row.expected) << row.precision << " to " << row.to;
+  }
+}
+
 TEST(ExctnumeRound, AllOnesRoundUpWithoutLosingTheCarry) {
   // 65535 at scale 1 rounds to 6554, and back at the scale to 65540.
   Descriptor value(3, 5, 1, "65535"), result(4, 9, 1);
@@ -582,6 +666,263 @@ TEST(ExctnumeCeilingfloor, Values) {
     }
 }
 
+namespace {
+
+// Operands and a result with their own bytes, and the outcome that the rules give.
+struct RandomOperation {
+  zrvtest::Decimal a, b;
+  int length, precision, scale; // of the result
+  Descriptor left, right, result;
+
+  RandomOperation(zrvtest::RandomDecimals &random, bool one_scale)
+      : a(random.any()), b(one_scale ? random.of(1 + random.below(77), a.scale) : random.any()),
+        length(2 + random.below(random.below(2) == 0 ? 33 : 60)), precision(random.below(82)),
+        scale(
+            std::max(0, random.below(2) == 0 ? random.below(100) : a.scale + random.below(9) - 4)),
+        left(describe(a)), right(describe(b)), result(length, precision, scale) {}
+
+  static Descriptor describe(const zrvtest::Decimal &value) {
+    return {zrvtest::reference_length(value.precision), value.precision, value.scale,
+            value.magnitude.digits(), value.negative};
+  }
+  bool fits_bytes(const Natural &magnitude) const {
+    unsigned char scratch[64];
+    return magnitude.to_bytes(scratch, length - 1);
+  }
+  // The status that a precision check adds to one.
+  int checked(int status, const Natural &magnitude) const {
+    const bool exceeds = precision <= 77 && magnitude >= Natural::power_of_ten(precision);
+    return status == NUME_OK && exceeds ? NUME_OVERFLOW : status;
+  }
+  // The result must be this, or its low bytes.
+  testing::AssertionResult holds(bool negative, const Natural &magnitude) {
+    std::vector<unsigned char> bytes(static_cast<size_t>(length));
+    bytes[0] = negative && !magnitude.is_zero();
+    magnitude.to_bytes(bytes.data() + 1, length - 1);
+    if (std::memcmp(bytes.data(), result->value, bytes.size()) == 0)
+      return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << a.text() << ", " << b.text() << " into " << length << " bytes, precision "
+           << precision << ", scale " << scale << ": " << result.text() << " instead of "
+           << magnitude.digits();
+  }
+};
+
+constexpr int random_operations = zrvtest::random_cases / 4;
+
+} // namespace
+
+TEST(ExctnumeAddorsub, RandomOperandsAgainstTheRules) {
+  zrvtest::RandomDecimals random(12);
+  for (int i = 0; i < random_operations; ++i) {
+    RandomOperation x(random, true);
+    const int subtract = random.below(2);
+    const bool b_negative = x.b.negative != (subtract != 0);
+    Natural sum;
+    bool negative = x.a.negative, cancelled = false;
+    if (x.a.negative == b_negative) {
+      sum = x.a.magnitude + x.b.magnitude;
+    } else {
+      const bool a_greater = x.a.magnitude >= x.b.magnitude;
+      sum = a_greater ? x.a.magnitude - x.b.magnitude : x.b.magnitude - x.a.magnitude;
+      negative = a_greater ? x.a.negative : b_negative;
+      cancelled = sum.is_zero();
+    }
+    int expected = NUME_OVERFLOW;
+    if (!x.fits_bytes(sum)) {
+      sum = Natural();
+    } else {
+      Natural shifted = sum;
+      expected = cancelled ? NUME_OK
+                           : zrvtest::reference_shift(shifted, x.scale - x.a.scale, x.length - 1,
+                                                      x.precision);
+      if (expected == NUME_OK || expected == NUME_TRUNCATED)
+        sum = shifted;
+      expected = x.checked(expected, sum);
+    }
+    ASSERT_EQ(com__exctnume_addorsub(x.left.get(), x.right.get(), x.result.get(), subtract),
+              expected)
+        << i;
+    ASSERT_TRUE(x.holds(negative, sum)) << i;
+  }
+}
+
+TEST(ExctnumeMul, RandomOperandsAgainstTheRules) {
+  zrvtest::RandomDecimals random(13);
+  for (int i = 0; i < random_operations; ++i) {
+    RandomOperation x(random, false);
+    if (random.below(2) == 0)
+      x.result->scale = static_cast<CS_BYTE>(x.scale = x.a.scale + x.b.scale);
+    Natural product = x.a.magnitude * x.b.magnitude;
+    unsigned char scratch[64];
+    const int room = x.precision >= x.a.precision + x.b.precision ? x.length - 1 : 32;
+    int expected = NUME_OVERFLOW;
+    if (product.to_bytes(scratch, room)) {
+      Natural shifted = product;
+      expected = zrvtest::reference_shift(shifted, x.scale - x.a.scale - x.b.scale, x.length - 1,
+                                          x.precision);
+      if (expected == NUME_OK || expected == NUME_TRUNCATED)
+        product = shifted;
+      if (expected == NUME_OK && !x.fits_bytes(product))
+        expected = NUME_OVERFLOW;
+      expected = x.checked(expected, product);
+    }
+    ASSERT_EQ(com__exctnume_mul(x.left.get(), x.right.get(), x.result.get()), expected) << i;
+    ASSERT_TRUE(x.holds(x.a.negative != x.b.negative, product)) << i;
+  }
+}
+
+TEST(ExctnumeDiv, RandomOperandsAgainstTheRules) {
+  zrvtest::RandomDecimals random(14);
+  for (int i = 0; i < random_operations / 4; ++i) {
+    RandomOperation x(random, false);
+    const int shift = x.scale + x.b.scale - x.a.scale;
+    Natural dividend = x.a.magnitude, divisor = x.b.magnitude;
+    int dividend_length = x.left->len, divisor_length = x.right->len, scaled = 0;
+    int expected = NUME_OK;
+    if (divisor.is_zero()) {
+      expected = NUME_DIVZERO;
+    } else if (shift > 77 || shift < -77) {
+      expected = NUME_OVERFLOW;
+    } else if (shift != 0) {
+      Natural &operand = shift > 0 ? dividend : divisor;
+      int &length = shift > 0 ? dividend_length : divisor_length;
+      operand = operand * Natural::power_of_ten(std::abs(shift));
+      length += zrvtest::reference_length(std::abs(shift)) + 1;
+      scaled = length;
+    }
+    if (expected == NUME_OK && scaled + dividend_length + 1 + divisor_length > 132)
+      expected = NUME_OVERFLOW;
+    CS_BYTE room[64];
+    __CONSTANT remainder{};
+    remainder.len = sizeof room;
+    remainder.value = room;
+    Natural quotient, rest;
+    bool divided = expected == NUME_OK;
+    if (divided) {
+      quotient = Natural::divide(dividend, divisor, rest);
+      expected = x.fits_bytes(quotient) ? x.checked(NUME_OK, quotient) : NUME_OVERFLOW;
+    }
+    ASSERT_EQ(com__exctnume_div(x.left.get(), x.right.get(), x.result.get(), &remainder), expected)
+        << i;
+    if (!divided)
+      continue;
+    ASSERT_TRUE(x.holds(x.a.negative != x.b.negative, quotient)) << i;
+    ASSERT_EQ(remainder.len == 0, rest.is_zero());
+    if (remainder.len != 0) {
+      ASSERT_EQ(remainder.value[0], 0);
+      ASSERT_EQ(Natural::from_bytes(remainder.value + 1, remainder.len - 1).digits(),
+                rest.digits());
+    }
+  }
+}
+
+TEST(ExctnumeRound, RandomOperandsAgainstTheRules) {
+  zrvtest::RandomDecimals random(15);
+  for (int i = 0; i < random_operations; ++i) {
+    RandomOperation x(random, false);
+    const int target = random.below(2) == 0 ? random.below(200) - 100 : x.a.scale - random.below(6);
+    const int clamped = std::clamp(target, -77, 77);
+    Natural expected = x.a.magnitude;
+    if (clamped < x.a.scale) {
+      int dropped = x.a.scale - clamped;
+      if (clamped <= 0)
+        dropped = std::min(dropped, x.a.precision);
+      uint32_t last = 0;
+      for (int k = 0; k < dropped; ++k)
+        last = expected.divide_small(10);
+      if (last > 4)
+        expected = expected + Natural(1);
+      for (int k = 0; k < dropped; ++k)
+        expected.multiply_small(10, 0);
+    }
+    com__exctnume_round(x.left.get(), target, x.result.get());
+    ASSERT_TRUE(x.holds(x.a.negative, expected)) << i << " to " << target;
+  }
+}
+
+TEST(ExctnumeCeilingfloor, RandomOperandsAgainstTheRules) {
+  zrvtest::RandomDecimals random(16);
+  for (int i = 0; i < random_operations; ++i) {
+    RandomOperation x(random, false);
+    Descriptor result(x.left->len, 1, 1);
+    for (int type : {0, 1, -1}) {
+      Natural expected = x.a.magnitude;
+      bool whole = true;
+      for (int k = 0; k < x.a.scale; ++k)
+        whole &= expected.divide_small(10) == 0;
+      if (!whole && x.a.negative == (type == 0))
+        expected = expected + Natural(1);
+      com__exctnume_ceilingfloor(x.left.get(), result.get(), type);
+      ASSERT_EQ(result.text(), (x.a.negative && !expected.is_zero() ? "-" : "") + expected.digits())
+          << x.a.text() << ", type " << type;
+    }
+  }
+}
+
+TEST(ExctnumeCmp, RandomOperandsAgainstTheRules) {
+  zrvtest::RandomDecimals random(17);
+  for (int i = 0; i < random_operations; ++i) {
+    RandomOperation x(random, random.below(2) == 0);
+    for (int flag = 0; flag < 4; ++flag) {
+      zrvtest::Decimal a = x.a, b = x.b;
+      if ((flag & NUME_CMP_SIGNS) == 0)
+        a.negative = b.negative = false;
+      if ((flag & NUME_CMP_SCALES) == 0)
+        a.scale = b.scale = 0;
+      ASSERT_EQ(com__exctnume_cmp(x.left.get(), x.right.get(), flag),
+                zrvtest::reference_compare(a, b))
+          << x.a.text() << ", " << x.b.text() << ", flag " << flag;
+    }
+  }
+}
+
+// No operation takes memory.
+TEST(ExctnumeOperations, AllocateNothing) {
+  const zrvtest::AllocationProbe probe;
+  Descriptor a(33, 77, 40, std::string(76, '7')), b(33, 77, 3, "12345", true), r(33, 77, 20);
+  CS_BYTE work[132], precision = 77, scale = 20;
+  __CONSTANT q = *r.get(), rest{};
+  q.len = sizeof work;
+  q.value = work;
+  com__exctnume_addorsub(a.get(), a.get(), r.get(), 0);
+  com__exctnume_mul(a.get(), b.get(), r.get());
+  com__exctnume_div(a.get(), b.get(), r.get(), &rest);
+  com__exctnume_round(a.get(), 5, r.get());
+  com__exctnume_ceilingfloor(a.get(), r.get(), 1);
+  com__exctnume_intadd(a.get(), b.get(), r.get());
+  com__exctnume_intsub(a.get(), b.get(), r.get());
+  com__exctnume_intmul(a.get(), b.get(), r.get());
+  com__exctnume_intdiv(a.get(), b.get(), &q, &rest);
+  com__exctnume_cmp(a.get(), b.get(), 3);
+  com__exctnume_copy(a.get(), r.get());
+  com__exctnume_scale(b.get(), r.get(), 7, 0);
+  com__exctnume_inc(r.get());
+  com__exctnume_dec(r.get());
+  CS_NUMERIC x{77, 10, {}}, y{5, 2, {0, 0, 1, 2}}, z;
+  x.array[20] = 9;
+  comn_numadd(&x, &y, &z);
+  comn_numsub(&x, &y, &z);
+  comn_nummul(&x, &y, &z);
+  comn_numdivide(&x, &y, &z);
+  comn_numcmp(&x, &y);
+  CS_FLOAT number;
+  CS_BIGINT integer;
+  CS_MONEY money{1, 2};
+  char text[] = "1.5e3", printed[90];
+  CS_BYTE *dest = work;
+  CS_INT length = 33;
+  com__subexctnumetoflt8(a.get(), &number);
+  com__doubletoexctnume(1.5e20, work, 33, &precision, &scale);
+  com__longlongtoexctnume(-5, work, 33, &precision, &scale);
+  com__subexctnumetolonglong(a.get(), &integer);
+  com__exctnumetomny8(b.get(), &money);
+  com__mny8toexctnume(&money, work, 33, &precision, &scale, 0);
+  com__subchartoexctnume(text, 5, &dest, &length, &precision, &scale, 1);
+  com__subexctnumetochar(a.get(), printed, sizeof printed);
+  EXPECT_EQ(probe.allocations(), 0U);
+}
+
 // Magnitudes longer than any value's are refused, not cut.
 TEST(ExctnumeOperations, MoreThan48BytesAreOverflow) {
   Descriptor huge(60, 77, 0, power_digits(118)), one(2, 1, 0, "1"), result(60, 77, 0);
@@ -589,6 +930,27 @@ TEST(ExctnumeOperations, MoreThan48BytesAreOverflow) {
   EXPECT_EQ(com__exctnume_div(huge.get(), one.get(), result.get(), nullptr), NUME_OVERFLOW);
   EXPECT_EQ(com__exctnume_scale(huge.get(), nullptr, -1, 0), NUME_OVERFLOW);
   EXPECT_EQ(com__exctnume_mul(huge.get(), one.get(), result.get()), NUME_OVERFLOW);
+  // Sums, roundings and whole numbers leave the result cleared, whatever it held.
+  for (int operation = 0; operation < 4; ++operation) {
+    std::memset(result->value, 0x5C, 60);
+    result->len = 60;
+    if (operation < 2)
+      EXPECT_EQ(com__exctnume_addorsub(operation == 0 ? huge.get() : one.get(),
+                                       operation == 0 ? one.get() : huge.get(), result.get(), 0),
+                NUME_OVERFLOW);
+    else if (operation == 2)
+      com__exctnume_round(huge.get(), -1, result.get());
+    else
+      com__exctnume_ceilingfloor(huge.get(), result.get(), 1);
+    EXPECT_EQ(std::vector<unsigned char>(result.bytes(), result.bytes() + 60),
+              std::vector<unsigned char>(60, 0))
+        << operation;
+  }
+  // A magnitude of so many bytes cannot be brought to another scale; without that any length is
+  // compared.
+  Descriptor tenth(2, 1, 1, "1");
+  EXPECT_EQ(com__exctnume_cmp(huge.get(), tenth.get(), 3), 0);
+  EXPECT_EQ(com__exctnume_cmp(huge.get(), tenth.get(), 1), 1);
   // Comparison, copies and sums take any length.
   EXPECT_EQ(com__exctnume_cmp(huge.get(), one.get(), 1), 1);
   EXPECT_EQ(com__exctnume_copy(huge.get(), result.get()), NUME_OK);

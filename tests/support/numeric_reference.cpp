@@ -28,8 +28,35 @@ bool fits_bytes(const Natural &magnitude, int bytes) {
   return magnitude.to_bytes(scratch, bytes);
 }
 
-// status of a decimal shift in a field of so many bytes
-int shift(Natural &magnitude, int places, int bytes, int precision) {
+bool bad_shape(const Decimal &a) {
+  return a.precision < 1 || a.precision > max_digits || a.scale > max_digits;
+}
+
+Outcome failure(CS_RETCODE code) {
+  Outcome outcome;
+  outcome.code = code;
+  return outcome;
+}
+
+// A failure after the shape of the result is known.
+Outcome failure(CS_RETCODE code, const Decimal &result) {
+  Outcome outcome = failure(code);
+  outcome.has_shape = true;
+  outcome.value = result;
+  return outcome;
+}
+
+Outcome success(const Decimal &value) {
+  Outcome outcome;
+  outcome.value = value;
+  outcome.value.negative = value.negative && !value.magnitude.is_zero();
+  outcome.has_value = outcome.has_shape = true;
+  return outcome;
+}
+
+} // namespace
+
+int reference_shift(Natural &magnitude, int places, int bytes, int precision) {
   if (places > max_digits || places < -max_digits)
     return NUME_SYNTAX;
   if (places == 0)
@@ -41,30 +68,10 @@ int shift(Natural &magnitude, int places, int bytes, int precision) {
   bool lost = false;
   for (; places < 0; ++places)
     lost |= magnitude.divide_small(10) != 0;
-  if (!fits_bytes(magnitude, bytes) || exceeds(magnitude, precision))
+  if (!fits_bytes(magnitude, bytes) || (precision <= max_digits && exceeds(magnitude, precision)))
     return NUME_OVERFLOW;
   return lost ? NUME_TRUNCATED : NUME_OK;
 }
-
-bool bad_shape(const Decimal &a) {
-  return a.precision < 1 || a.precision > max_digits || a.scale > max_digits;
-}
-
-Outcome failure(CS_RETCODE code) {
-  Outcome outcome;
-  outcome.code = code;
-  return outcome;
-}
-
-Outcome success(const Decimal &value) {
-  Outcome outcome;
-  outcome.value = value;
-  outcome.value.negative = value.negative && !value.magnitude.is_zero();
-  outcome.has_value = true;
-  return outcome;
-}
-
-} // namespace
 
 int reference_length(int precision) {
   static const std::vector<int> lengths = [] {
@@ -121,11 +128,12 @@ Outcome reference_convert(const Decimal &a, int precision, int scale) {
   result.scale = scale;
   const int bytes = reference_length(precision) - 1;
   if (!fits_bytes(result.magnitude, bytes))
-    return failure(CS_CONV_OVERFLOW);
-  const int status =
-      scale == a.scale ? NUME_OK : shift(result.magnitude, scale - a.scale, bytes, precision);
+    return failure(CS_CONV_OVERFLOW, result);
+  const int status = scale == a.scale
+                         ? NUME_OK
+                         : reference_shift(result.magnitude, scale - a.scale, bytes, precision);
   if (status == NUME_OVERFLOW || exceeds(result.magnitude, precision))
-    return failure(CS_CONV_OVERFLOW);
+    return failure(CS_CONV_OVERFLOW, result);
   Outcome outcome = success(result);
   if (status == NUME_TRUNCATED)
     outcome.code = CS_CONV_TRUNCATED;
@@ -135,7 +143,7 @@ Outcome reference_convert(const Decimal &a, int precision, int scale) {
 Outcome reference_add(const Decimal &first, const Decimal &second, bool subtract) {
   if (bad_shape(first) || bad_shape(second))
     return failure(CS_CONV_DOMAIN);
-  Decimal a = first, b = second;
+  Decimal a = first, b = second, result;
   if (a.precision != b.precision || a.scale != b.scale) {
     const int integers = std::max(a.precision - a.scale, b.precision - b.scale);
     const int scale = std::max(a.scale, b.scale);
@@ -143,14 +151,16 @@ Outcome reference_add(const Decimal &first, const Decimal &second, bool subtract
     for (Decimal *operand : {&a, &b})
       if (operand->precision < precision || operand->scale < scale) {
         const Outcome converted = reference_convert(*operand, precision, scale);
-        if (converted.code != CS_SUCCEED)
-          return converted.code == CS_CONV_TRUNCATED ? failure(converted.code) : converted;
+        if (converted.code != CS_SUCCEED) {
+          result.precision = std::min(precision + 1, max_digits);
+          result.scale = scale;
+          return failure(converted.code, result);
+        }
         const bool negative = operand->negative;
         *operand = converted.value;
         operand->negative = negative;
       }
   }
-  Decimal result;
   const int integers = std::min(std::max(a.precision - a.scale, b.precision - b.scale), max_digits);
   result.scale = std::min(std::max(a.scale, b.scale), max_digits);
   result.precision =
@@ -170,7 +180,7 @@ Outcome reference_add(const Decimal &first, const Decimal &second, bool subtract
   }
   if (!fits_bytes(result.magnitude, reference_length(result.precision) - 1) ||
       exceeds(result.magnitude, result.precision))
-    return failure(CS_CONV_OVERFLOW);
+    return failure(CS_CONV_OVERFLOW, result);
   return success(result);
 }
 
@@ -188,13 +198,13 @@ Outcome reference_multiply(const Decimal &a, const Decimal &b) {
   result.negative = a.negative != b.negative;
   const int bytes = reference_length(result.precision) - 1;
   if (!fits_bytes(result.magnitude, result.precision >= a.precision + b.precision ? bytes : 32))
-    return failure(CS_CONV_OVERFLOW);
+    return failure(CS_CONV_OVERFLOW, result);
   const int status =
-      shift(result.magnitude, result.scale - a.scale - b.scale, bytes, result.precision);
+      reference_shift(result.magnitude, result.scale - a.scale - b.scale, bytes, result.precision);
   if (status == NUME_SYNTAX)
-    return failure(CS_CONV_SYNTAX);
+    return failure(CS_CONV_SYNTAX, result);
   if (status == NUME_OVERFLOW || exceeds(result.magnitude, result.precision))
-    return failure(CS_CONV_OVERFLOW);
+    return failure(CS_CONV_OVERFLOW, result);
   Outcome outcome = success(result);
   if (status == NUME_TRUNCATED)
     outcome.code = CS_CONV_OVERFLOW;
@@ -204,18 +214,18 @@ Outcome reference_multiply(const Decimal &a, const Decimal &b) {
 Outcome reference_divide(const Decimal &a, const Decimal &b) {
   if (bad_shape(a) || bad_shape(b))
     return failure(CS_CONV_DOMAIN);
-  if (b.magnitude.is_zero())
-    return failure(CS_CONV_DIVZERO);
   const int integers = std::min(a.precision - a.scale + b.scale, max_digits);
   Decimal result;
   result.scale = a.precision + b.scale < 6 ? 6 : std::min(a.precision + b.scale + 1, max_digits);
   result.precision = std::min(result.scale + integers, max_digits);
   result.scale = std::min(result.scale, result.precision - integers);
   if (result.precision < 1)
-    return failure(CS_CONV_OVERFLOW);
+    return failure(b.magnitude.is_zero() ? CS_CONV_DIVZERO : CS_CONV_OVERFLOW);
+  if (b.magnitude.is_zero())
+    return failure(CS_CONV_DIVZERO, result);
   const int k = result.scale + b.scale - a.scale;
   if (k > max_digits || k < -max_digits)
-    return failure(CS_CONV_OVERFLOW);
+    return failure(CS_CONV_OVERFLOW, result);
   Natural dividend = a.magnitude, divisor = b.magnitude;
   int dividend_length = reference_length(a.precision);
   int divisor_length = reference_length(b.precision);
@@ -231,13 +241,13 @@ Outcome reference_divide(const Decimal &a, const Decimal &b) {
   }
   scratch += dividend_length + 1;
   if (scratch + divisor_length >= 133)
-    return failure(CS_CONV_OVERFLOW);
+    return failure(CS_CONV_OVERFLOW, result);
   Natural remainder;
   result.magnitude = Natural::divide(dividend, divisor, remainder);
   result.negative = a.negative != b.negative;
   if (!fits_bytes(result.magnitude, reference_length(result.precision) - 1) ||
       exceeds(result.magnitude, result.precision))
-    return failure(CS_CONV_OVERFLOW);
+    return failure(CS_CONV_OVERFLOW, result);
   return success(result);
 }
 
@@ -400,8 +410,8 @@ ParseResult reference_parse(const std::string &text, int len, int destlen, int p
       return NUME_OK;
     if (places > max_digits || places < -max_digits)
       return NUME_SYNTAX;
-    return shift(magnitude, static_cast<int>(places), destlen - 1,
-                 given_precision ? precision : 200);
+    return reference_shift(magnitude, static_cast<int>(places), destlen - 1,
+                           given_precision ? precision : 200);
   };
   if (given_scale) {
     if (-(scale + shift_by) <= count) {

@@ -22,10 +22,11 @@ struct Decimal {
   std::string text() const;
 };
 
-// The outcome of an operation: the value counts where `has_value` says so.
+// The outcome of an operation: the value counts where `has_value` says so, its precision and scale
+// where `has_shape` does. Without them nothing is stored.
 struct Outcome {
   CS_RETCODE code = CS_SUCCEED;
-  bool has_value = false;
+  bool has_value = false, has_shape = false;
   Decimal value;
 };
 
@@ -35,6 +36,9 @@ Outcome reference_divide(const Decimal &a, const Decimal &b);
 int reference_compare(const Decimal &a, const Decimal &b);
 Outcome reference_convert(const Decimal &a, int precision, int scale);
 std::string reference_text(const Decimal &a);
+// The status of a decimal shift in a field of so many bytes; the number is of use for NUME_OK and
+// NUME_TRUNCATED.
+int reference_shift(Natural &magnitude, int places, int bytes, int precision);
 
 // Text to numeric, character by character, with the arguments of com__subchartoexctnume.
 struct ParseResult {

@@ -27,24 +27,15 @@ const CS_NUMERIC &value_at(const CS_VOID *src) noexcept {
   return *static_cast<const CS_NUMERIC *>(src);
 }
 
-__CONSTANT describe(const CS_NUMERIC &value) noexcept {
-  __CONSTANT result{};
-  result.len = Com__Nume_Prec_To_Len[value.precision];
-  result.prec = value.precision;
-  result.scale = value.scale;
-  result.value = const_cast<CS_BYTE *>(value.array);
-  return result;
-}
-
 int to_double(const CS_NUMERIC &value, CS_FLOAT &result) noexcept {
-  __CONSTANT descriptor = describe(value);
+  __CONSTANT descriptor = exact::describe(value);
   return com__subexctnumetoflt8(&descriptor, &result);
 }
 
 exact::ValueText text_of(const CS_NUMERIC &value) noexcept {
-  exact::Limb limbs[exact::value_limbs];
-  const int size = exact::load_value(limbs, value, exact::magnitude_bytes(value.precision));
-  return {limbs, exact::trim(limbs, size), value.scale, value.array[0] != 0};
+  exact::Operand operand;
+  exact::load_operand(operand, value);
+  return {operand.magnitude, operand.scale, operand.negative};
 }
 
 // Integers whose limits are tested as doubles. Below the range is an overflow of the signed types
@@ -79,7 +70,7 @@ CS_RETCODE to_long_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
   const CS_NUMERIC &value = value_at(src);
   if (!exact::is_valid(value)) [[unlikely]]
     return CS_CONV_DOMAIN;
-  __CONSTANT descriptor = describe(value);
+  __CONSTANT descriptor = exact::describe(value);
   Integer number = 0;
   const int status = Convert(&descriptor, &number);
   store(dest, number);
@@ -92,23 +83,9 @@ CS_RETCODE to_long_integer(COMN_CONV_PARAMETERS, Where where) noexcept {
   return CS_SUCCEED;
 }
 
-} // namespace
-
-#define COMN_NUMERIC_MEMBER(destination, ...)                                                      \
-  CS_RETCODE comn_numto##destination(COMN_CONV_PARAMETERS) noexcept {                              \
-    return __VA_ARGS__(COMN_CONV_ARGUMENTS, COMN_HERE);                                            \
-  }
-
-COMN_NUMERIC_MEMBER(i1, to_integer<CS_TINYINT, CS_TYPE_TINYINT, CS_CONV_OVERFLOW>)
-COMN_NUMERIC_MEMBER(i2, to_integer<CS_SMALLINT, CS_TYPE_SMALLINT, CS_CONV_OVERFLOW>)
-COMN_NUMERIC_MEMBER(i4, to_integer<CS_INT, CS_TYPE_INT, CS_CONV_OVERFLOW>)
-COMN_NUMERIC_MEMBER(ui2, to_integer<CS_USMALLINT, CS_TYPE_USMALLINT, CS_CONV_UNDERFLOW>)
-COMN_NUMERIC_MEMBER(ui4, to_integer<CS_UINT, CS_TYPE_UINT, CS_CONV_UNDERFLOW>)
-COMN_NUMERIC_MEMBER(i8, to_long_integer<CS_BIGINT, CS_TYPE_BIGINT, com__subexctnumetolonglong>)
-COMN_NUMERIC_MEMBER(ui8, to_long_integer<CS_UBIGINT, CS_TYPE_UBIGINT, com__subexctnumetoulonglong>)
-
-CS_RETCODE comn_numtobit(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_BIT);
+template <class Where>
+CS_RETCODE to_bit(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_BIT);
   *destlen = sizeof(CS_BIT);
   const CS_NUMERIC &value = value_at(src);
   if (!exact::is_valid(value)) [[unlikely]]
@@ -120,8 +97,9 @@ CS_RETCODE comn_numtobit(COMN_CONV_PARAMETERS) noexcept {
   return CS_SUCCEED;
 }
 
-CS_RETCODE comn_numtoflt8(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_FLOAT);
+template <class Where>
+CS_RETCODE to_float(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_FLOAT);
   *destlen = sizeof(CS_FLOAT);
   const CS_NUMERIC &value = value_at(src);
   if (!exact::is_valid(value)) [[unlikely]]
@@ -133,8 +111,9 @@ CS_RETCODE comn_numtoflt8(COMN_CONV_PARAMETERS) noexcept {
   return CS_SUCCEED;
 }
 
-CS_RETCODE comn_numtoflt4(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_REAL);
+template <class Where>
+CS_RETCODE to_real(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_REAL);
   using Bounds = std::numeric_limits<CS_REAL>;
   *destlen = sizeof(CS_REAL);
   const CS_NUMERIC &value = value_at(src);
@@ -156,8 +135,9 @@ CS_RETCODE comn_numtoflt4(COMN_CONV_PARAMETERS) noexcept {
   return CS_SUCCEED;
 }
 
-CS_RETCODE comn_numtonum(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), is_numeric(destfmt));
+template <class Where>
+CS_RETCODE to_numeric(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), is_numeric(destfmt));
   const CS_NUMERIC &value = value_at(src);
   if (!exact::is_valid(value)) [[unlikely]]
     return CS_CONV_DOMAIN;
@@ -169,37 +149,34 @@ CS_RETCODE comn_numtonum(COMN_CONV_PARAMETERS) noexcept {
   if (scale < CS_MIN_SCALE || scale > CS_MAX_SCALE)
     return CS_CONV_BADSCALE;
 
-  exact::Number number;
-  number.size = exact::load_value(number.limbs, value, exact::magnitude_bytes(value.precision));
-  number.size = exact::trim(number.limbs, number.size);
+  exact::Operand operand;
+  exact::load_operand(operand, value);
+  exact::Number &number = operand.magnitude;
   const CS_BYTE sign = value.array[0];
-  const int shift = scale - value.scale;
   auto *const result = static_cast<CS_NUMERIC *>(dest);
   result->precision = static_cast<CS_BYTE>(precision);
   result->scale = static_cast<CS_BYTE>(scale);
-  __CONSTANT descriptor = describe(*result);
-  *destlen = descriptor.len + static_cast<CS_INT>(offsetof(CS_NUMERIC, array));
+  const exact::Field field = exact::field_of(*result);
+  *destlen = static_cast<CS_INT>(offsetof(CS_NUMERIC, array)) + 1 + field.bytes;
 
-  // The number is moved before it is shifted, so it must fit the new length as it stands.
-  const int bytes = descriptor.len - 1;
-  if (exact::store_number(descriptor, number, sign != 0) != NUME_OK)
+  // Deliberate: the number is moved before it is shifted, so it must fit the new length as it stands.
+  int status = exact::store_number(field.with_any_digits(), number, operand.negative);
+  if (status == NUME_OK)
+    status = exact::shift_number(number, scale - operand.scale, field);
+  if (status == NUME_OVERFLOW)
     return CS_CONV_OVERFLOW;
-  int status = NUME_OK;
-  if (shift != 0) {
-    status = exact::shift_number(number, shift, bytes, precision);
-    if (status == NUME_OVERFLOW)
-      return CS_CONV_OVERFLOW;
-    exact::store_number(descriptor, number, sign != 0);
-    if (status == NUME_TRUNCATED)
-      return CS_CONV_TRUNCATED;
-  } else {
+  const int fit = exact::store_number(field, number, operand.negative);
+  // Without a shift the sign byte goes as it is, a zero's too.
+  if (scale == operand.scale)
     result->array[0] = sign;
-  }
-  return exact::reaches_power(number.limbs, number.size, precision) ? CS_CONV_OVERFLOW : CS_SUCCEED;
+  if (status == NUME_TRUNCATED)
+    return CS_CONV_TRUNCATED;
+  return fit == NUME_OK ? CS_SUCCEED : CS_CONV_OVERFLOW;
 }
 
-CS_RETCODE comn_numtochar(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), comn::text_types.contains(destfmt->datatype));
+template <class Where>
+CS_RETCODE to_text(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), comn::text_types.contains(destfmt->datatype));
   const CS_NUMERIC &value = value_at(src);
   if (!exact::is_valid(value)) [[unlikely]]
     return CS_CONV_DOMAIN;
@@ -221,8 +198,9 @@ CS_RETCODE comn_numtochar(COMN_CONV_PARAMETERS) noexcept {
   return comn::pad_text(length, format, capacity, dest, destlen);
 }
 
-CS_RETCODE comn_numtovarchar(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_VARCHAR);
+template <class Where>
+CS_RETCODE to_varchar(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_VARCHAR);
   *destlen = sizeof(CS_VARCHAR);
   const CS_NUMERIC &value = value_at(src);
   if (!exact::is_valid(value)) [[unlikely]]
@@ -234,18 +212,44 @@ CS_RETCODE comn_numtovarchar(COMN_CONV_PARAMETERS) noexcept {
   return CS_SUCCEED;
 }
 
-CS_RETCODE comn_numtobin(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), comn::binary_types.contains(destfmt->datatype));
+template <class Where>
+CS_RETCODE to_binary(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), comn::binary_types.contains(destfmt->datatype));
   if (!exact::is_valid(value_at(src))) [[unlikely]]
     return CS_CONV_DOMAIN;
   src = static_cast<CS_BYTE *>(src) + offsetof(CS_NUMERIC, array);
   return comn_fixedtobin(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
 }
 
-CS_RETCODE comn_numtovarbin(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_VARBINARY);
+template <class Where>
+CS_RETCODE to_varbinary(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == CS_TYPE_VARBINARY);
+  *destlen = sizeof(CS_VARBINARY);
   if (!exact::is_valid(value_at(src))) [[unlikely]]
     return CS_CONV_DOMAIN;
   src = static_cast<CS_BYTE *>(src) + offsetof(CS_NUMERIC, array);
   return comn_fixedtovarbin(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
 }
+
+} // namespace
+
+#define COMN_NUMERIC_MEMBER(destination, ...)                                                      \
+  CS_RETCODE comn_numto##destination(COMN_CONV_PARAMETERS) noexcept {                              \
+    return COMN_TRACE((__VA_ARGS__(COMN_CONV_ARGUMENTS, COMN_HERE)));                              \
+  }
+
+COMN_NUMERIC_MEMBER(i1, to_integer<CS_TINYINT, CS_TYPE_TINYINT, CS_CONV_OVERFLOW>)
+COMN_NUMERIC_MEMBER(i2, to_integer<CS_SMALLINT, CS_TYPE_SMALLINT, CS_CONV_OVERFLOW>)
+COMN_NUMERIC_MEMBER(i4, to_integer<CS_INT, CS_TYPE_INT, CS_CONV_OVERFLOW>)
+COMN_NUMERIC_MEMBER(ui2, to_integer<CS_USMALLINT, CS_TYPE_USMALLINT, CS_CONV_UNDERFLOW>)
+COMN_NUMERIC_MEMBER(ui4, to_integer<CS_UINT, CS_TYPE_UINT, CS_CONV_UNDERFLOW>)
+COMN_NUMERIC_MEMBER(i8, to_long_integer<CS_BIGINT, CS_TYPE_BIGINT, com__subexctnumetolonglong>)
+COMN_NUMERIC_MEMBER(ui8, to_long_integer<CS_UBIGINT, CS_TYPE_UBIGINT, com__subexctnumetoulonglong>)
+COMN_NUMERIC_MEMBER(bit, to_bit)
+COMN_NUMERIC_MEMBER(flt8, to_float)
+COMN_NUMERIC_MEMBER(flt4, to_real)
+COMN_NUMERIC_MEMBER(num, to_numeric)
+COMN_NUMERIC_MEMBER(char, to_text)
+COMN_NUMERIC_MEMBER(varchar, to_varchar)
+COMN_NUMERIC_MEMBER(bin, to_binary)
+COMN_NUMERIC_MEMBER(varbin, to_varbinary)

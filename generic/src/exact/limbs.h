@@ -41,69 +41,83 @@ constexpr int limbs_for(int bytes) noexcept {
 
 // ---- bytes ----
 
-inline uint64_t load_be64(const CS_BYTE *bytes) noexcept {
-  return __builtin_bswap64(load<uint64_t>(bytes));
-}
-
-inline uint32_t load_be32(const CS_BYTE *bytes) noexcept {
-  return __builtin_bswap32(load<uint32_t>(bytes));
-}
-
-inline void store_be64(CS_BYTE *bytes, uint64_t word) noexcept {
-  store(bytes, __builtin_bswap64(word));
-}
-
-inline void store_be32(CS_BYTE *bytes, uint32_t word) noexcept {
-  store(bytes, __builtin_bswap32(word));
-}
-
-inline Limb load_limb(const CS_BYTE *bytes) noexcept {
-  if constexpr (limb_bytes == 8)
-    return load_be64(bytes);
+template <class Word>
+constexpr Word swap_bytes(Word word) noexcept {
+  if constexpr (sizeof word == 8)
+    return __builtin_bswap64(word);
+  else if constexpr (sizeof word == 4)
+    return __builtin_bswap32(word);
   else
-    return load_be32(bytes);
+    return __builtin_bswap16(word);
 }
 
-inline void store_limb(CS_BYTE *bytes, Limb limb) noexcept {
-  if constexpr (limb_bytes == 8)
-    store_be64(bytes, limb);
-  else
-    store_be32(bytes, limb);
+template <class Word>
+Word load_big_endian(const CS_BYTE *bytes) noexcept {
+  return swap_bytes(load<Word>(bytes));
 }
 
-// Reads a big-endian magnitude of any length into limbs_for(bytes) limbs.
-inline int load_bytes(Limb *limbs, const CS_BYTE *magnitude, int bytes) noexcept {
-  const CS_BYTE *end = magnitude + bytes;
-  int size = 0;
-  for (; bytes >= limb_bytes; bytes -= limb_bytes) {
-    end -= limb_bytes;
-    limbs[size++] = load_limb(end);
-  }
-  if (bytes > 0) {
-    Limb top = 0;
-    for (int i = 0; i < bytes; ++i)
-      top = top << 8 | magnitude[i];
-    limbs[size++] = top;
-  }
-  return size;
+template <class Word>
+void store_big_endian(CS_BYTE *bytes, Limb word) noexcept {
+  store(bytes, swap_bytes(static_cast<Word>(word)));
 }
 
-// Writes a number right-aligned into a field of `bytes` bytes, zeroes in front. What lies above the
-// field is dropped.
-inline void store_bytes(CS_BYTE *field, int bytes, const Limb *limbs, int size) noexcept {
-  CS_BYTE *end = field + bytes;
-  int i = 0;
-  for (; i < size && bytes >= limb_bytes; ++i, bytes -= limb_bytes) {
-    end -= limb_bytes;
-    store_limb(end, limbs[i]);
+// The top bytes of a magnitude, fewer than a limb has, are read and written in words of two and four
+// bytes, or one of eight; where their number is odd, the sign byte in front of them belongs to the
+// first word.
+constexpr int width_with_sign(int bytes) noexcept {
+  return bytes + (bytes & 1);
+}
+
+[[gnu::always_inline]] inline Limb load_top(const CS_BYTE *end, int bytes) noexcept {
+  const int width = width_with_sign(bytes);
+  end -= width;
+  Limb top = 0;
+  if (limb_bytes == 8 && width == 8) {
+    top = load_big_endian<Limb>(end);
+  } else {
+    if ((width & 4) != 0) {
+      top = load_big_endian<uint32_t>(end);
+      end += 4;
+    }
+    if ((width & 2) != 0)
+      top = top << 16 | load_big_endian<uint16_t>(end);
   }
-  if (i < size) {
-    Limb top = limbs[i];
-    for (; bytes > 0; --bytes, top >>= 8)
-      *--end = static_cast<CS_BYTE>(top);
-  } else if (bytes > 0) {
-    std::memset(field, 0, static_cast<size_t>(bytes));
+  return top & ((Limb{1} << 8 * bytes) - 1);
+}
+
+[[gnu::always_inline]] inline void store_top(CS_BYTE *end, int bytes, Limb top,
+                                             bool negative) noexcept {
+  const int width = width_with_sign(bytes);
+  const Limb sign = Limb{1} << 8 * bytes;
+  top = (top & (sign - 1)) | (negative ? sign : 0);
+  if (limb_bytes == 8 && width == 8) {
+    store_big_endian<Limb>(end - 8, top);
+    return;
   }
+  if ((width & 2) != 0) {
+    store_big_endian<uint16_t>(end -= 2, top);
+    top >>= 16;
+  }
+  if ((width & 4) != 0)
+    store_big_endian<uint32_t>(end - 4, top);
+}
+
+// Reads the limb that ends at `end`, of a magnitude that has `bytes` bytes up to there and a sign
+// byte in front of them; zero when none is left. store_limb writes the same words, so a value that
+// was just stored is read by the words that wrote it; a word across two of them would have to wait
+// until both are in memory.
+[[gnu::always_inline]] inline Limb load_limb(const CS_BYTE *end, int bytes) noexcept {
+  return bytes >= limb_bytes ? load_big_endian<Limb>(end - limb_bytes)
+         : bytes > 0         ? load_top(end, bytes)
+                             : 0;
+}
+
+[[gnu::always_inline]] inline void store_limb(CS_BYTE *end, int bytes, Limb limb,
+                                              bool negative) noexcept {
+  if (bytes >= limb_bytes)
+    store_big_endian<Limb>(end - limb_bytes, limb);
+  else if (bytes > 0)
+    store_top(end, bytes, limb, negative);
 }
 
 // ---- sizes and comparison ----
@@ -121,7 +135,7 @@ inline int byte_count(const Limb *limbs, int size) noexcept {
   return (size - 1) * limb_bytes + (static_cast<int>(std::bit_width(limbs[size - 1])) + 7) / 8;
 }
 
-// Of two trimmed numbers: below 0, 0 or above 0.
+// Of two trimmed numbers: -1, 0 or 1.
 inline int compare(const Limb *a, int a_size, const Limb *b, int b_size) noexcept {
   if (a_size != b_size)
     return a_size < b_size ? -1 : 1;
@@ -164,6 +178,17 @@ inline bool is_below(const Limb *a, const Limb *b, int size) noexcept {
   for (int i = 0; i < size; ++i)
     borrow = static_cast<Limb>((static_cast<WideLimb>(a[i]) - b[i] - borrow) >> limb_bits) & 1;
   return borrow != 0;
+}
+
+// Negates, modulo 2 to the bits of all limbs, where `condition` is 1, and not where it is 0; without
+// a branch on it.
+inline void negate_if(Limb condition, Limb *limbs, int size) noexcept {
+  const Limb mask = 0 - condition;
+#pragma GCC unroll 8
+  for (int i = 0; i < size; ++i) {
+    limbs[i] = (limbs[i] ^ mask) + condition;
+    condition &= limbs[i] == 0;
+  }
 }
 
 // Multiplies by a limb and adds one, in place; the limb that runs out at the top.
@@ -326,7 +351,7 @@ Sizes divide(Limb *quotient, Limb *remainder, const Limb *dividend, int dividend
 constexpr int max_power = CS_MAX_PREC;
 
 struct Power {
-  Limb limbs[value_limbs]; // zeroes above the size
+  Limb limbs[value_limbs + 1]; // zeroes above the size
   int size;
 };
 
@@ -349,15 +374,6 @@ constexpr const Power &power_of_ten(int exponent) noexcept {
 // 10^exponent as a limb, exponent 0 to limb_digits.
 constexpr Limb limb_power(int exponent) noexcept {
   return power_of_ten(exponent).limbs[0];
-}
-
-// True when a trimmed number is at least 10 to the `digits`. Powers above the table are out of
-// reach for every value that the table's precisions describe.
-inline bool reaches_power(const Limb *limbs, int size, int digits) noexcept {
-  if (digits > max_power)
-    return false;
-  const Power &power = power_of_ten(digits);
-  return compare(limbs, size, power.limbs, power.size) >= 0;
 }
 
 } // namespace comn::exact

@@ -1,7 +1,10 @@
-// Numbers in the hands of the exact layer: loaded from a descriptor or from a CS_NUMERIC, shifted
-// by decimal digits, stored again.
+// Numbers in the hands of the exact layer: loaded from a CS_NUMERIC or a descriptor, shifted by
+// decimal digits, stored again. Whatever is stored goes through one function, and whether it fits
+// is one question (Field).
 #ifndef COMN_EXACT_NUMBER_H
 #define COMN_EXACT_NUMBER_H
+
+#include <algorithm>
 
 #include "limbs.h"
 #include "numeric.h"
@@ -18,6 +21,8 @@ constexpr int number_limbs = 2 * operand_limbs;
 struct Number {
   Limb limbs[number_limbs];
   int size; // trimmed: 0 for zero
+
+  bool is_zero() const noexcept { return size == 0; }
 };
 
 inline void set_number(Number &number, uint64_t value) noexcept {
@@ -30,6 +35,30 @@ inline void set_number(Number &number, uint64_t value) noexcept {
   number.size = trim(number.limbs, number.size);
 }
 
+inline void copy_number(Number &to, const Number &from) noexcept {
+  std::copy_n(from.limbs, from.size, to.limbs);
+  to.size = from.size;
+}
+
+inline int compare(const Number &a, const Number &b) noexcept {
+  return compare(a.limbs, a.size, b.limbs, b.size);
+}
+
+inline void multiply(Number &product, const Number &a, const Number &b) noexcept {
+  product.size = multiply(product.limbs, a.limbs, a.size, b.limbs, b.size);
+}
+
+// Adds one.
+inline void increment(Number &number) noexcept {
+  int i = 0;
+  while (i < number.size && ++number.limbs[i] == 0)
+    ++i;
+  if (i == number.size)
+    number.limbs[number.size++] = 1;
+}
+
+// ---- shapes ----
+
 constexpr bool is_valid(CS_INT precision, CS_INT scale) noexcept {
   return precision >= CS_MIN_PREC && precision <= CS_MAX_PREC && scale <= CS_MAX_SCALE;
 }
@@ -38,121 +67,139 @@ inline bool is_valid(const CS_NUMERIC &value) noexcept {
   return is_valid(value.precision, value.scale);
 }
 
+// A precision that asks for one to be chosen.
+constexpr bool is_automatic(CS_BYTE precision) noexcept {
+  return precision < CS_MIN_PREC || precision > CS_MAX_PREC;
+}
+
+// A length that has a precision in Com__Nume_Len_To_Prec, be it the one that is no limit.
+constexpr bool is_length(CS_INT length) noexcept {
+  return length >= 2 && length - 2 < static_cast<CS_INT>(sizeof Com__Nume_Len_To_Prec);
+}
+
 // The magnitude bytes of a valid precision.
 inline int magnitude_bytes(int precision) noexcept {
   return Com__Nume_Prec_To_Len[precision] - 1;
 }
 
-// ---- values of the published layout ----
-
-// The three bytes in front of a magnitude: precision, scale and sign.
-constexpr int header_bytes = offsetof(CS_NUMERIC, array) + 1;
-
-// Loads a magnitude of `size` limbs, not trimmed, from a value with so many bytes of it.
-//
-// Limbs are read straight from the value, aligned with its end; the top one reaches into the
-// header, at most, and is masked. So no byte outside the meaningful part is read, and a value that
-// was stored the same way is read with the words that wrote it: building the top word byte by byte
-// in a buffer would stall on its own stores for longer than an addition takes.
-[[gnu::always_inline]] inline void load_limbs(Limb *limbs, int size, const CS_NUMERIC &value,
-                                              int bytes) noexcept {
-  static_assert(header_bytes == 3);
-  const auto *end = reinterpret_cast<const CS_BYTE *>(&value) + header_bytes + bytes;
-#pragma GCC unroll 8
-  for (int i = 0; i < size - 1; ++i)
-    limbs[i] = load_limb(end - (i + 1) * limb_bytes);
-  end -= (size - 1) * limb_bytes;
-  const int top = bytes - (size - 1) * limb_bytes;
-  if (limb_bytes == 4 || top <= 4)
-    limbs[size - 1] = load_be32(end - 4) & UINT32_MAX >> (32 - 8 * top);
-  else
-    limbs[size - 1] = static_cast<Limb>(load_be64(end - 8) & UINT64_MAX >> (64 - 8 * top));
+// The magnitude bytes of a descriptor: none for any length below 2, however far below.
+inline CS_INT magnitude_bytes(const __CONSTANT &value) noexcept {
+  return value.len > 1 ? value.len - 1 : 0;
 }
-
-// The same for any size, which it returns.
-inline int load_value(Limb *limbs, const CS_NUMERIC &value, int bytes) noexcept {
-  const int size = limbs_for(bytes);
-  load_limbs(limbs, size, value, bytes);
-  return size;
-}
-
-// Stores a value whose magnitude fits `bytes`; limbs_for(bytes) limbs are read.
-inline void store_value(CS_NUMERIC &value, int precision, int scale, bool negative,
-                        const Limb *limbs, int bytes) noexcept {
-  const int size = limbs_for(bytes);
-  auto *const start = reinterpret_cast<CS_BYTE *>(&value);
-  value.precision = static_cast<CS_BYTE>(precision);
-  value.scale = static_cast<CS_BYTE>(scale);
-  value.array[0] = negative;
-  const uint64_t header = static_cast<uint64_t>(value.precision) << 16 |
-                          static_cast<uint64_t>(value.scale) << 8 | static_cast<uint64_t>(negative);
-  CS_BYTE *end = start + header_bytes + bytes;
-  for (int i = 0; i < size - 1; ++i) {
-    end -= limb_bytes;
-    store_limb(end, limbs[i]);
-  }
-  const int top = bytes - (size - 1) * limb_bytes;
-  const uint64_t word = (top < 8 ? header << 8 * top : 0) | limbs[size - 1];
-  if (limb_bytes == 4 || top <= 4)
-    store_be32(end - 4, static_cast<uint32_t>(word));
-  else
-    store_be64(end - 8, word);
-}
-
-// ---- descriptors ----
 
 inline bool is_negative(const __CONSTANT &value) noexcept {
   return value.len > 0 && value.value[0] != 0;
 }
 
-// The magnitude bytes of a value: none for any length below 2, however far below.
-inline CS_INT magnitude_length(const __CONSTANT &value) noexcept {
-  return value.len > 1 ? value.len - 1 : 0;
+// A descriptor of a value of valid precision.
+inline __CONSTANT describe(const CS_NUMERIC &value) noexcept {
+  __CONSTANT result{};
+  result.len = Com__Nume_Prec_To_Len[value.precision];
+  result.prec = value.precision;
+  result.scale = value.scale;
+  result.value = const_cast<CS_BYTE *>(value.array);
+  return result;
+}
+
+// ---- operands ----
+
+// A value taken apart. Operations use up the magnitude.
+struct Operand {
+  Number magnitude;
+  int length; // in bytes, with the sign
+  int precision, scale;
+  bool negative;
+};
+
+// Loads a magnitude of at most operand_bytes.
+inline void load_magnitude(Number &number, const CS_BYTE *magnitude, int bytes) noexcept {
+  const int size = limbs_for(bytes);
+  const CS_BYTE *end = magnitude + bytes;
+  for (int i = 0; i < size; ++i, end -= limb_bytes, bytes -= limb_bytes)
+    number.limbs[i] = load_limb(end, bytes);
+  number.size = trim(number.limbs, size);
+}
+
+inline void load_operand(Operand &operand, const CS_NUMERIC &value) noexcept {
+  Number &magnitude = operand.magnitude;
+  operand.length = Com__Nume_Prec_To_Len[value.precision];
+  operand.precision = value.precision;
+  operand.scale = value.scale;
+  operand.negative = value.array[0] != 0;
+  load_magnitude(magnitude, value.array + 1, operand.length - 1);
 }
 
 // Loads a magnitude of any length; false when it has more than operand_bytes.
 inline bool load_number(Number &number, const __CONSTANT &from) noexcept {
+  int bytes = magnitude_bytes(from);
   number.size = 0;
-  if (from.len <= 1)
+  if (bytes == 0)
     return true;
-  int bytes = from.len - 1;
-  const CS_BYTE *magnitude = from.value + 1;
   for (; bytes > operand_bytes; --bytes)
-    if (*magnitude++ != 0)
+    if (from.value[from.len - bytes] != 0)
       return false;
-  number.size = trim(number.limbs, load_bytes(number.limbs, magnitude, bytes));
+  load_magnitude(number, from.value + from.len - bytes, bytes);
   return true;
 }
 
-inline bool fits(const Number &number, int bytes) noexcept {
-  return byte_count(number.limbs, number.size) <= bytes;
+inline bool load_operand(Operand &operand, const __CONSTANT &value) noexcept {
+  operand.length = std::max(value.len, 0);
+  operand.precision = value.prec;
+  operand.scale = value.scale;
+  operand.negative = is_negative(value);
+  return load_number(operand.magnitude, value);
 }
 
-// Stores sign and magnitude, right-aligned; a zero has no sign. NUME_OVERFLOW when leading bytes
-// were dropped.
-inline int store_number(__CONSTANT &to, const Number &number, bool negative) noexcept {
-  if (to.len > 0) {
-    to.value[0] = negative && number.size != 0;
-    store_bytes(to.value + 1, to.len - 1, number.limbs, number.size);
+// ---- fields ----
+
+// Where a number goes, and what fits there: a number of so many bytes at most, and of so many
+// digits at most. The bytes of a valid value have room for all its digits.
+struct Field {
+  CS_BYTE *array; // the sign byte, the magnitude behind it; null without any byte
+  int bytes;      // of the magnitude
+  int digits;     // above 77 they are no limit
+
+  static constexpr int any_digits = max_power + 1;
+  Field with_any_digits() const noexcept { return {array, bytes, any_digits}; }
+};
+
+inline Field field_of(CS_NUMERIC &value) noexcept {
+  return {value.array, magnitude_bytes(value.precision), value.precision};
+}
+
+inline Field field_of(const __CONSTANT &value) noexcept {
+  return {value.len > 0 ? value.value : nullptr, magnitude_bytes(value), value.prec};
+}
+
+inline bool fits(const Number &number, const Field &field) noexcept {
+  if (byte_count(number.limbs, number.size) > field.bytes)
+    return false;
+  if (field.digits > max_power)
+    return true;
+  const Power &power = power_of_ten(field.digits);
+  return compare(number.limbs, number.size, power.limbs, power.size) < 0;
+}
+
+// Stores sign and magnitude, right-aligned; a zero has no sign. NUME_OVERFLOW for a number that does
+// not fit, of which the low bytes are stored.
+inline int store_number(const Field &field, const Number &number, bool negative) noexcept {
+  if (field.array != nullptr) {
+    negative = negative && !number.is_zero();
+    field.array[0] = negative;
+    CS_BYTE *end = field.array + 1 + field.bytes;
+    int bytes = field.bytes;
+    for (int i = 0; bytes > 0; ++i, end -= limb_bytes, bytes -= limb_bytes)
+      store_limb(end, bytes, i < number.size ? number.limbs[i] : 0, negative);
   }
-  return fits(number, magnitude_length(to)) ? NUME_OK : NUME_OVERFLOW;
+  return fits(number, field) ? NUME_OK : NUME_OVERFLOW;
 }
 
 // ---- decimal shifts ----
 
-// number * 10^exponent, exponent 0 to 77, for a number of at most operand_limbs.
-inline void multiply_by_power(Number &number, int exponent) noexcept {
+// product = number * 10^exponent, exponent 0 to 77, for a number of at most operand_limbs.
+inline void multiply_by_power(Number &product, const Number &number, int exponent) noexcept {
   const Power &power = power_of_ten(exponent);
-  if (power.size == 1) {
-    const Limb carry = multiply_add(number.limbs, number.size, power.limbs[0], 0);
-    if (carry != 0)
-      number.limbs[number.size++] = carry;
-    return;
-  }
-  Limb copy[operand_limbs];
-  for (int i = 0; i < number.size; ++i)
-    copy[i] = number.limbs[i];
-  number.size = multiply(number.limbs, copy, number.size, power.limbs, power.size);
+  product.size = multiply(product.limbs, number.limbs, number.size, power.limbs, power.size);
 }
 
 // number / 10^exponent, exponent 0 to 77; false when digits other than 0 were dropped.
@@ -170,17 +217,8 @@ inline bool divide_by_power(Number &number, int exponent) noexcept {
   return sizes.remainder == 0;
 }
 
-// Adds one.
-inline void increment(Number &number) noexcept {
-  int i = 0;
-  while (i < number.size && ++number.limbs[i] == 0)
-    ++i;
-  if (i == number.size)
-    number.limbs[number.size++] = 1;
-}
-
-// Drops `digits` digits and adds one if the first digit dropped is above 4. The others do not
-// count.
+// Drops `digits` digits and adds one if the first of them is above 4; the others do not count. All
+// but that one are divided away, then it is the remainder of a division by ten.
 inline void round_number(Number &number, int digits) noexcept {
   if (digits <= 0)
     return;
@@ -193,21 +231,30 @@ inline void round_number(Number &number, int digits) noexcept {
     increment(number);
 }
 
-// Shifts a number for a field of `bytes` bytes and so many digits as `precision` says. A shift down
-// must meet the precision as well, which is why a number that fits neither way is an overflow even
-// if digits were dropped.
-inline int shift_number(Number &number, int shift, int bytes, int precision) noexcept {
+// Shifts a number that goes to a field. NUME_OVERFLOW when it does not fit there, NUME_SYNTAX for 78
+// digits or more: the number is as it was then. NUME_TRUNCATED when digits other than 0 were
+// dropped. Deliberate: a shift down must meet the digits of the field as well, one up the bytes
+// alone; so a number that fits neither way is an overflow even if digits were dropped.
+inline int shift_number(Number &number, int shift, const Field &field) noexcept {
+  if (shift == 0)
+    return NUME_OK;
   if (shift > max_power || shift < -max_power)
     return NUME_SYNTAX;
+  Number shifted;
   if (shift > 0) {
     if (number.size > operand_limbs)
       return NUME_OVERFLOW;
-    multiply_by_power(number, shift);
-    return fits(number, bytes) ? NUME_OK : NUME_OVERFLOW;
+    multiply_by_power(shifted, number, shift);
+    if (!fits(shifted, field.with_any_digits()))
+      return NUME_OVERFLOW;
+    copy_number(number, shifted);
+    return NUME_OK;
   }
-  const bool exact = divide_by_power(number, -shift);
-  if (!fits(number, bytes) || reaches_power(number.limbs, number.size, precision))
+  copy_number(shifted, number);
+  const bool exact = divide_by_power(shifted, -shift);
+  if (!fits(shifted, field))
     return NUME_OVERFLOW;
+  copy_number(number, shifted);
   return exact ? NUME_OK : NUME_TRUNCATED;
 }
 

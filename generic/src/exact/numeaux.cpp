@@ -1,10 +1,12 @@
 // Operations on descriptors beneath the arithmetic: comparison, copying, decimal shifts, and the
 // small steps on bytes.
 #include "checks.h"
-#include "numemath.h"
+#include "number.h"
 
 namespace exact = comn::exact;
+using exact::Field;
 using exact::Number;
+using exact::Operand;
 
 namespace {
 
@@ -17,7 +19,7 @@ struct Significant {
     // A value without magnitude may have no bytes at all.
     static constexpr CS_BYTE nothing = 0;
     bytes = from.len > 1 ? from.value + 1 : &nothing;
-    count = exact::magnitude_length(from);
+    count = exact::magnitude_bytes(from);
     while (count > 0 && *bytes == 0) {
       ++bytes;
       --count;
@@ -34,8 +36,31 @@ int compare_bytes(const __CONSTANT &a, const __CONSTANT &b) noexcept {
   return (order > 0) - (order < 0);
 }
 
-exact::View view_of(const Number &number, const __CONSTANT &value) noexcept {
-  return {number.limbs, number.size, value.prec, value.scale, exact::is_negative(value)};
+// Compares the magnitudes at one scale: where the precision of the operand with the smaller scale
+// and the greater scale are at most 77 together, that operand is multiplied.
+int compare_scaled(Operand &a, Operand &b) noexcept {
+  const bool a_is_deep = a.scale > b.scale;
+  Operand &deep = a_is_deep ? a : b, &shallow = a_is_deep ? b : a;
+  const int shift = deep.scale - shallow.scale;
+  Number scaled;
+  if (shallow.precision + deep.scale <= exact::max_power) {
+    exact::multiply_by_power(scaled, shallow.magnitude, shift);
+    exact::copy_number(shallow.magnitude, scaled);
+  } else if (shift <= exact::max_power) {
+    // Deliberate: the digits beyond the smaller scale are dropped.
+    exact::divide_by_power(deep.magnitude, shift);
+  } else {
+    deep.magnitude.size = 0;
+  }
+  return exact::compare(a.magnitude, b.magnitude);
+}
+
+// Nothing is known of a magnitude that is too long to be brought to another scale.
+int compare_at_one_scale(const __CONSTANT &a, const __CONSTANT &b) noexcept {
+  Operand left, right;
+  if (!exact::load_operand(left, a) || !exact::load_operand(right, b))
+    return 0;
+  return compare_scaled(left, right);
 }
 
 // Adds or takes away one from the magnitude; true when it runs out at the top.
@@ -68,17 +93,14 @@ int com__exctnume_cmp(__CONSTANT *op1, __CONSTANT *op2, int flag) noexcept {
   COMN_CHECK_PTR(op1, 0);
   COMN_CHECK_PTR(op2, 0);
   const bool with_signs = (flag & NUME_CMP_SIGNS) != 0;
+  const bool with_scales = (flag & NUME_CMP_SCALES) != 0;
   const bool negative1 = exact::is_negative(*op1), negative2 = exact::is_negative(*op2);
-  // Different signs decide before the scales are brought together, which may drop digits.
+  // Different signs decide before the scales are brought together, so digits that this would drop
+  // count there, also next to a zero with a sign.
   if (with_signs && negative1 != negative2)
     return is_zero(*op1) && is_zero(*op2) ? 0 : negative1 ? -1 : 1;
-  const bool align = (flag & NUME_CMP_SCALES) != 0 && op1->scale != op2->scale;
-  Number a, b;
-  int order;
-  if (align && exact::load_number(a, *op1) && exact::load_number(b, *op2))
-    order = exact::compare_scaled(view_of(a, *op1), view_of(b, *op2));
-  else
-    order = compare_bytes(*op1, *op2);
+  const int order = with_scales && op1->scale != op2->scale ? compare_at_one_scale(*op1, *op2)
+                                                            : compare_bytes(*op1, *op2);
   return with_signs && negative1 ? -order : order;
 }
 
@@ -114,15 +136,13 @@ int com__exctnume_scale(__CONSTANT *inval, __CONSTANT *outval, int scale, int) n
   COMN_CHECK_PTR(inval, NUME_OVERFLOW);
   if (scale == 0)
     return outval != nullptr ? com__exctnume_copy(inval, outval) : NUME_OK;
-  if (scale > exact::max_power || scale < -exact::max_power)
-    return NUME_SYNTAX;
-  __CONSTANT &to = outval != nullptr ? *outval : *inval;
+  const Field field = exact::field_of(outval != nullptr ? *outval : *inval);
   Number number;
   if (!exact::load_number(number, *inval))
     return NUME_OVERFLOW;
-  const int status = exact::shift_number(number, scale, exact::magnitude_length(to), to.prec);
+  const int status = exact::shift_number(number, scale, field);
   if (status == NUME_OK || status == NUME_TRUNCATED)
-    exact::store_number(to, number, exact::is_negative(*inval));
+    exact::store_number(field, number, exact::is_negative(*inval));
   return status;
 }
 
@@ -160,7 +180,7 @@ int com__exctnume_divby10(CS_BYTE **bufpp, CS_INT *lenptr) noexcept {
 int com__exctnume_mulby10_add(__CONSTANT *numeval, short digit) noexcept {
   COMN_CHECK_PTR(numeval, NUME_OVERFLOW);
   int carry = digit;
-  for (CS_INT i = exact::magnitude_length(*numeval); i >= 1; --i) {
+  for (CS_INT i = exact::magnitude_bytes(*numeval); i >= 1; --i) {
     carry += numeval->value[i] * 10;
     numeval->value[i] = static_cast<CS_BYTE>(carry);
     carry >>= 8;

@@ -14,6 +14,7 @@
 #include "number.h"
 
 namespace exact = comn::exact;
+using exact::Field;
 using exact::Limb;
 using exact::Number;
 
@@ -21,18 +22,18 @@ namespace {
 
 constexpr int money_scale = 4;
 
-constexpr bool is_automatic(CS_BYTE precision) noexcept {
-  return precision < CS_MIN_PREC || precision > CS_MAX_PREC;
+// The field that a sign byte and `length` bytes in all make.
+Field field_at(CS_BYTE *dest, CS_INT length, int digits) noexcept {
+  return {dest, length - 1, digits};
 }
 
-constexpr bool is_length(CS_INT length) noexcept {
-  return length >= 2 && length - 2 < static_cast<CS_INT>(sizeof Com__Nume_Len_To_Prec);
-}
+constexpr Field longest_value{nullptr, exact::value_bytes, Field::any_digits};
 
-// What no valid value exceeds, and what has room in the text of one. A zero is one at any scale.
-bool is_printable(const Number &number, const __CONSTANT &value) noexcept {
-  return number.size == 0 ||
-         (value.scale <= CS_MAX_SCALE && exact::fits(number, exact::value_bytes));
+// Loads a value as its text would read: false for what no valid value exceeds, and what has no room
+// in the text of one. A zero is one at any scale.
+bool load_printable(Number &number, const __CONSTANT &value) noexcept {
+  return exact::load_number(number, value) &&
+         (number.is_zero() || (value.scale <= CS_MAX_SCALE && exact::fits(number, longest_value)));
 }
 
 int bit_count(const Limb *limbs, int size) noexcept {
@@ -180,26 +181,20 @@ int integer_to_numeric(uint64_t magnitude, bool negative, CS_BYTE *dest, CS_INT 
   COMN_CHECK_PTR(dest, NUME_OVERFLOW);
   COMN_CHECK_PTR(precision, NUME_OVERFLOW);
   COMN_CHECK_PTR(scale, NUME_OVERFLOW);
-  if (destlen < 2 || (is_automatic(*precision) && !is_length(destlen)))
+  if (destlen < 2 || (exact::is_automatic(*precision) && !exact::is_length(destlen)))
     return NUME_OVERFLOW;
-  if (is_automatic(*precision)) {
+  if (exact::is_automatic(*precision)) {
     *precision = Com__Nume_Len_To_Prec[destlen - 2];
     *scale = 0;
   }
+  const Field field = field_at(dest, destlen, *precision);
   Number number;
   exact::set_number(number, magnitude);
-  __CONSTANT value = {};
-  value.len = destlen;
-  value.value = dest;
-  if (exact::store_number(value, number, negative) != NUME_OK)
-    return NUME_OVERFLOW;
-  if (*scale != 0) {
-    const int status = exact::shift_number(number, *scale, destlen - 1, *precision);
-    if (status != NUME_OK)
-      return status;
-    exact::store_number(value, number, negative);
-  }
-  return exact::reaches_power(number.limbs, number.size, *precision) ? NUME_OVERFLOW : NUME_OK;
+  // Deliberate: a value that is too long, or cannot be shifted, is left without its sign.
+  int status = exact::store_number(field.with_any_digits(), number, false);
+  if (status == NUME_OK)
+    status = exact::shift_number(number, *scale, field);
+  return status == NUME_OK ? exact::store_number(field, number, negative) : status;
 }
 
 template <class Integer>
@@ -215,7 +210,7 @@ bool integer_part(Number &number, int scale, uint64_t &part) noexcept {
   if (number.size != 0)
     exact::divide_by_power(number, scale);
   part = bits_at(number, 0);
-  return exact::fits(number, sizeof part);
+  return exact::fits(number, {nullptr, sizeof part, Field::any_digits});
 }
 
 } // namespace
@@ -226,7 +221,7 @@ int com__subexctnumetoflt8(__CONSTANT *numeval, CS_FLOAT *dest) noexcept {
   if (numeval->len == 0)
     return NUME_OK;
   Number number;
-  if (!exact::load_number(number, *numeval) || !is_printable(number, *numeval))
+  if (!load_printable(number, *numeval))
     return NUME_OVERFLOW;
   if (number.size == 0) {
     *dest = 0.0;
@@ -242,9 +237,9 @@ int com__doubletoexctnume(CS_FLOAT value, CS_BYTE *dest, CS_INT destlen, CS_BYTE
   COMN_CHECK_PTR(dest, NUME_OVERFLOW);
   COMN_CHECK_PTR(precision, NUME_OVERFLOW);
   COMN_CHECK_PTR(scale, NUME_OVERFLOW);
-  if (!is_length(destlen))
+  if (!exact::is_length(destlen))
     return NUME_OVERFLOW;
-  if (is_automatic(*precision)) {
+  if (exact::is_automatic(*precision)) {
     *precision = Com__Nume_Len_To_Prec[destlen - 2];
     *scale = 0;
   }
@@ -279,7 +274,7 @@ int com__subexctnumetolonglong(__CONSTANT *numeval, CS_BIGINT *dest) noexcept {
   if (numeval->len == 0)
     return NUME_OK;
   Number number;
-  if (!exact::load_number(number, *numeval) || !is_printable(number, *numeval))
+  if (!load_printable(number, *numeval))
     return NUME_OVERFLOW;
   const bool negative = exact::is_negative(*numeval);
   uint64_t part;
@@ -298,7 +293,7 @@ int com__subexctnumetoulonglong(__CONSTANT *numeval, CS_UBIGINT *dest) noexcept 
   if (numeval->len == 0)
     return NUME_OK;
   Number number;
-  if (!exact::load_number(number, *numeval) || !is_printable(number, *numeval))
+  if (!load_printable(number, *numeval))
     return NUME_OVERFLOW;
   if (exact::is_negative(*numeval) && number.size != 0) {
     *dest = 0;
@@ -321,14 +316,15 @@ int com__exctnumetomny8(__CONSTANT *numeval, CS_MONEY *dest) noexcept {
   if (!exact::load_number(number, *numeval))
     return overflow;
   const int shift = money_scale - numeval->scale;
+  const Field field{nullptr, sizeof(CS_MONEY), Field::any_digits};
   if (shift < 0)
     exact::round_number(number, -shift);
-  else
-    exact::multiply_by_power(number, shift);
-  const bool negative = exact::is_negative(*numeval) && number.size != 0;
+  else if (exact::shift_number(number, shift, field) != NUME_OK)
+    return overflow;
+  const bool negative = exact::is_negative(*numeval) && !number.is_zero();
   uint64_t count = bits_at(number, 0);
   constexpr auto largest = static_cast<uint64_t>(std::numeric_limits<CS_BIGINT>::max());
-  if (!exact::fits(number, sizeof count) || count > largest + negative)
+  if (!exact::fits(number, field) || count > largest + negative)
     return overflow;
   if (negative)
     count = 0 - count;
@@ -343,9 +339,9 @@ int com__mny8toexctnume(CS_MONEY *mp, CS_BYTE *dest, CS_INT destlen, CS_BYTE *pr
   COMN_CHECK_PTR(dest, NUME_OVERFLOW);
   COMN_CHECK_PTR(precision, NUME_OVERFLOW);
   COMN_CHECK_PTR(scale, NUME_OVERFLOW);
-  if (destlen < 2 || (is_automatic(*precision) && !is_length(destlen)))
+  if (destlen < 2 || (exact::is_automatic(*precision) && !exact::is_length(destlen)))
     return NUME_OVERFLOW;
-  if (is_automatic(*precision))
+  if (exact::is_automatic(*precision))
     *precision = Com__Nume_Len_To_Prec[destlen - 2];
   if (*scale > CS_MAX_SCALE)
     *scale = 0;
@@ -356,18 +352,12 @@ int com__mny8toexctnume(CS_MONEY *mp, CS_BYTE *dest, CS_INT destlen, CS_BYTE *pr
   Number number;
   exact::set_number(number, count);
   const int shift = *scale - money_scale;
-  // The work area has the nine bytes of money where the destination is shorter.
+  // Deliberate: a shorter destination counts as nine bytes in the shift, as money has.
   constexpr CS_INT money_length = 1 + sizeof(CS_MONEY);
+  const Field work = field_at(nullptr, std::max(destlen, money_length), *precision);
   if (shift < 0)
     exact::round_number(number, -shift);
-  else if (shift > 0 && exact::shift_number(number, shift, std::max(destlen, money_length) - 1,
-                                            *precision) != NUME_OK)
+  else if (exact::shift_number(number, shift, work) != NUME_OK)
     return NUME_OVERFLOW;
-  __CONSTANT value = {};
-  value.len = destlen;
-  value.value = dest;
-  if (exact::store_number(value, number, negative) != NUME_OK ||
-      exact::reaches_power(number.limbs, number.size, *precision))
-    return NUME_OVERFLOW;
-  return NUME_OK;
+  return exact::store_number(field_at(dest, destlen, *precision), number, negative);
 }

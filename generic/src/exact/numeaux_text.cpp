@@ -1,12 +1,13 @@
 // Exact numerics from and to text.
 //
-// The scan follows the rules digit by digit, but the digits enter the magnitude in chunks: those of
-// one run that the rules let through one after the other are collected in a word, and the magnitude
-// is multiplied by the word's power of ten once. The magnitude cannot run out of the destination on
-// the way, since no more digits are let through than always fit it; only lengths that no value has
-// (34 to 36) have no such limit, and there every digit from the 78th on enters by itself.
+// The rules for digits speak of one at a time. Those of a run that may be stored follow one another,
+// so a run is stored at once. The magnitude cannot run out of the destination on the way, since no
+// more digits are let through than always fit it; only lengths that no value has (34 to 36) have no
+// such limit, and there the end of a run is early enough to see it: between its digits nothing else
+// can end the conversion.
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <limits>
 
 #include "checks.h"
@@ -15,12 +16,11 @@
 #include "value_text.h"
 
 namespace exact = comn::exact;
+using exact::Field;
 using exact::Limb;
 using exact::Number;
 
 namespace {
-
-constexpr int unlimited_digits = std::numeric_limits<int>::max();
 
 bool is_space(char c) noexcept {
   return com_isspace(static_cast<CS_BYTE>(c)) != 0;
@@ -31,14 +31,6 @@ bool only_space(const char *text, const char *end) noexcept {
     if (!is_space(*text++))
       return false;
   return true;
-}
-
-// Where the first "e" stands, or else the first "E"; null without any.
-const char *find_exponent(const char *text, size_t len) noexcept {
-  const void *found = std::memchr(text, 'e', len);
-  if (found == nullptr)
-    found = std::memchr(text, 'E', len);
-  return static_cast<const char *>(found);
 }
 
 // Reads an exponent up to the NUL behind it. The counter of places decides what may come: a sign in
@@ -70,195 +62,282 @@ bool read_exponent(const char *text, int64_t &exponent) noexcept {
   return true;
 }
 
-// The magnitude that a text builds.
+// Finds the exponent of a text behind the first "e", or else the first "E". It stays what it was
+// without any.
+int find_exponent(const char *text, CS_INT len, int64_t &exponent) noexcept {
+  const void *letter = std::memchr(text, 'e', static_cast<size_t>(len));
+  if (letter == nullptr)
+    letter = std::memchr(text, 'E', static_cast<size_t>(len));
+  if (letter == nullptr || read_exponent(static_cast<const char *>(letter) + 1, exponent))
+    return NUME_OK;
+  return NUME_SYNTAX;
+}
+
+// The magnitude that a text builds, of at most most_digits digits. They are collected in a word, and
+// the magnitude is multiplied by the word's power of ten once.
 class Accumulator {
 public:
-  explicit Accumulator(int bytes) noexcept : room(bytes) { number.size = 0; }
+  // 36 bytes, the longest destination, hold 84 digits and some of 85.
+  static constexpr int most_digits = 90;
 
-  void reset() noexcept {
+  Accumulator() noexcept { clear(); }
+
+  void clear() noexcept {
     number.size = 0;
     pending = 0;
     pending_digits = 0;
   }
 
-  void add_digit(int digit) noexcept { add_digits(static_cast<Limb>(digit), 1); }
-
-  void add_digits(Limb value, int count) noexcept {
+  // Adds a number of `count` digits, at most limb_digits.
+  void add(Limb value, int count) noexcept {
     if (pending_digits + count > exact::limb_digits)
       flush();
     pending = pending * exact::limb_power(count) + value;
     pending_digits += count;
   }
 
-  // False when the magnitude has run out of its room.
-  bool flush() noexcept {
-    if (number.size == 0) {
-      number.limbs[0] = pending;
-      number.size = pending != 0;
-      pending = 0;
-      pending_digits = 0;
-    } else if (pending_digits > 0) {
-      const Limb carry = exact::multiply_add(number.limbs, number.size,
-                                             exact::limb_power(pending_digits), pending);
-      if (carry != 0)
-        number.limbs[number.size++] = carry;
-      pending = 0;
-      pending_digits = 0;
-    }
-    return exact::fits(number, room);
-  }
-
-  bool round_up() noexcept {
+  void add_one() noexcept {
     flush();
     exact::increment(number);
-    return exact::fits(number, room);
+  }
+
+  // Brings in what is pending.
+  void flush() noexcept {
+    const Limb carry =
+        exact::multiply_add(number.limbs, number.size, exact::limb_power(pending_digits), pending);
+    if (carry != 0)
+      number.limbs[number.size++] = carry;
+    pending = 0;
+    pending_digits = 0;
+  }
+
+  bool exceeds(int bytes) noexcept {
+    flush();
+    return !exact::fits(number, {nullptr, bytes, Field::any_digits});
   }
 
   Number number;
 
 private:
-  int room;
-  Limb pending = 0;
-  int pending_digits = 0;
+  Limb pending;
+  int pending_digits;
 };
 
-// What the caller asked for, with the length settled.
-struct Request {
-  int bytes;      // of the destination, sign byte aside
-  int max_digits; // that may be stored
-  int64_t target; // fraction digits that may be stored
-  bool may_drop;  // with rounding
+// Adds the digits at `text`, up to `stop` or to the first other character, where it returns. The
+// text begins at `begin`.
+const char *add_digits(Accumulator &magnitude, const char *begin, const char *text,
+                       const char *stop) noexcept {
+  constexpr int word_digits = 8;
+  for (; stop - text >= word_digits; text += word_digits) {
+    const auto word = comn::load<uint64_t>(text);
+    if (exact::non_digits(word) != 0)
+      break;
+    magnitude.add(exact::eight_digits_value(word), word_digits);
+  }
+  // Fewer digits than a word has are the end of one, where there is text enough in front of them.
+  const auto left = static_cast<int>(stop - text);
+  if (left > 0 && left < word_digits && stop - begin >= word_digits) {
+    const uint64_t in_front = UINT64_MAX >> 8 * left;
+    const uint64_t word =
+        (comn::load<uint64_t>(stop - word_digits) & ~in_front) | (exact::zero_digits & in_front);
+    if (exact::non_digits(word) == 0) {
+      magnitude.add(exact::eight_digits_value(word), left);
+      return stop;
+    }
+  }
+  Limb value = 0;
+  int count = 0;
+  for (; text < stop && exact::is_digit(*text); ++text, ++count)
+    value = value * 10 + static_cast<Limb>(*text - '0');
+  if (count > 0)
+    magnitude.add(value, count);
+  return text;
+}
+
+// Which digits of a mantissa may be stored.
+struct Limits {
+  int bytes;      // of the magnitude
+  int digits;     // in all, leading zeroes aside
+  int64_t places; // behind the point; below 0, not even digits in front of it
+  bool may_drop;  // the others, with rounding
 };
 
-// The counters of a scan.
-struct Scan {
+// What a scan answers where it would have to know the exponent.
+constexpr int exponent_needed = -1;
+
+// What a scan counts.
+struct Counts {
   bool negative = false;
   int64_t stored = 0;    // digits stored, leading zeroes among them
   int significant = 0;   // and without them
   int64_t fraction = -1; // digits behind the point, -1 before it
   int64_t missed = 0;    // digits dropped
-  bool rounded_up = false;
 };
 
-// What a plain scan answers where it would have to know whether there is an exponent.
-constexpr int not_plain = -1;
+// Scans the mantissa of a text, and counts what the rest of the conversion goes by.
+class Mantissa {
+public:
+  Mantissa(Accumulator &digits, const char *text, CS_INT len, const Limits &what_fits) noexcept
+      : magnitude(digits), begin(text), at(text), end(text + len), limits(what_fits) {}
 
-// Scans the mantissa: NUME_OK, or why it ends the conversion. A plain scan is one that does not
-// know yet whether an exponent follows: it takes a sign, digits and a point to the very end of the
-// text, where that is all and every digit is stored.
-template <bool Plain>
-[[gnu::always_inline]] inline int scan_mantissa(const char *text, const char *end,
-                                                const Request &request, Scan &scan,
-                                                Accumulator &magnitude) noexcept {
-  const char *const begin = text;
-  bool signed_already = false;
-  for (; text < end; ++text) {
-    if (*text == '+' || *text == '-') {
-      if (signed_already)
-        return NUME_SYNTAX;
-      signed_already = true;
-      scan.negative = *text == '-';
-    } else if (*text != ' ') {
-      break;
-    }
-  }
-  while (text < end) {
-    const char c = *text;
-    if (!exact::is_digit(c)) {
-      if (c == '.' && scan.fraction < 0) {
-        scan.fraction = 0;
-        ++text;
-        continue;
-      }
-      if (Plain)
-        return not_plain;
-      if (c == 'e' || c == 'E')
-        break;
-      if (is_space(c) && only_space(text, end))
-        break;
+  // NUME_OK, or why the conversion ends here. An exponent changes the limits; while nobody has
+  // looked for one, the scan gives up where something would depend on it.
+  int scan(bool exponent_known) noexcept {
+    if (!skip_front())
       return NUME_SYNTAX;
-    }
-    // How many digits of this run may be stored: so many by their places, and by their number.
-    const bool in_fraction = scan.fraction >= 0;
-    const int64_t places = request.target - scan.fraction;
-    int room = places <= 0                                 ? 0
-               : !in_fraction || places > unlimited_digits ? unlimited_digits
-                                                           : static_cast<int>(places);
-    const char *const start = text;
-    if (scan.significant == 0) {
-      while (room > 0 && text < end && *text == '0') {
-        ++text;
-        --room;
-      }
-    }
-    const char *const first = text;
-    room = std::min(room, request.max_digits - scan.significant);
-    const char *const stop = end - text > room ? text + room : end;
-    if (scan.significant + (stop - text) <= exact::max_power) {
-      while (stop - text >= 8) {
-        const auto word = comn::load<uint64_t>(text);
-        if (exact::non_digits(word) != 0)
+    while (at < end) {
+      if (exact::is_digit(*at)) {
+        store_digits();
+        // No more digits are let through than always fit, but for lengths that no value has.
+        if (counts.significant > exact::max_power && magnitude.exceeds(limits.bytes))
+          return exponent_known ? NUME_OVERFLOW : exponent_needed;
+        if (at == end || !exact::is_digit(*at))
+          continue;
+        if (!exponent_known)
+          return exponent_needed;
+        if (!limits.may_drop)
+          return NUME_TRUNCATED;
+        if (!drop_digit())
+          return NUME_OVERFLOW;
+        // Deliberate: the text behind a dropped fraction digit is not looked at, whatever it is.
+        if (in_fraction())
           break;
-        magnitude.add_digits(exact::eight_digits_value(word), 8);
-        text += 8;
-      }
-      // Fewer than eight digits are left. Behind other text they are the end of a word, too.
-      const auto left = static_cast<int>(stop - text);
-      if (left > 0 && left < 8 && stop - begin >= 8) {
-        uint64_t word;
-        std::memcpy(&word, stop - 8, sizeof word);
-        const uint64_t before = UINT64_MAX >> 8 * left;
-        word = (word & ~before) | (exact::zero_digits & before);
-        if (exact::non_digits(word) == 0) {
-          magnitude.add_digits(exact::eight_digits_value(word), left);
-          text = stop;
-        }
-      }
-      Limb rest = 0;
-      const char *const rest_start = text;
-      for (; text < stop; ++text) {
-        const auto digit = static_cast<unsigned char>(*text - '0');
-        if (digit > 9)
-          break;
-        rest = rest * 10 + digit;
-      }
-      if (text != rest_start)
-        magnitude.add_digits(rest, static_cast<int>(text - rest_start));
-      scan.significant += static_cast<int>(text - first);
-    } else {
-      for (; text < stop && exact::is_digit(*text); ++text) {
-        magnitude.add_digit(*text - '0');
-        if (++scan.significant > exact::max_power && !magnitude.flush())
-          return Plain ? not_plain : NUME_OVERFLOW;
+      } else if (*at == '.' && !in_fraction()) {
+        counts.fraction = 0;
+        ++at;
+      } else if (!exponent_known) {
+        return exponent_needed;
+      } else if (!is_at_end()) {
+        return NUME_SYNTAX;
+      } else {
+        break;
       }
     }
-    scan.stored += text - start;
-    if (in_fraction)
-      scan.fraction += text - start;
-    if (text == end || !exact::is_digit(*text))
-      continue;
-
-    // A digit that cannot be stored.
-    if (Plain)
-      return not_plain;
-    if (!request.may_drop)
-      return NUME_TRUNCATED;
-    if (*text >= '5' && scan.fraction == request.target) {
-      if (!magnitude.round_up())
-        return NUME_OVERFLOW;
-      scan.rounded_up = true;
-      scan.significant = std::max(scan.significant, 1);
-    }
-    ++scan.missed;
-    ++text;
-    if (in_fraction) {
-      // Deliberate: the rest of the text is not looked at, whatever it is.
-      ++scan.fraction;
-      break;
-    }
+    magnitude.flush();
+    return NUME_OK;
   }
-  magnitude.flush();
+
+  // Begins anew, for the places that an exponent leaves.
+  void restart(int64_t places) noexcept {
+    magnitude.clear();
+    counts = Counts();
+    at = begin;
+    limits.places = places;
+  }
+
+  Counts counts;
+
+private:
+  bool in_fraction() const noexcept { return counts.fraction >= 0; }
+
+  // Blanks and one sign; false at a second sign.
+  bool skip_front() noexcept {
+    bool has_sign = false;
+    for (; at < end; ++at) {
+      if (*at == '+' || *at == '-') {
+        if (has_sign)
+          return false;
+        has_sign = true;
+        counts.negative = *at == '-';
+      } else if (*at != ' ') {
+        break;
+      }
+    }
+    return true;
+  }
+
+  // How many more digits have a place: any number in front of the point.
+  int64_t room_by_place() const noexcept {
+    const int64_t room = limits.places - counts.fraction;
+    return room > 0 && !in_fraction() ? std::numeric_limits<int64_t>::max() : room;
+  }
+
+  const char *after(int64_t count) const noexcept { return end - at > count ? at + count : end; }
+
+  // Stores what may be stored of a run of digits. Leading zeroes count by their places alone.
+  void store_digits() noexcept {
+    const int64_t room = room_by_place();
+    if (room <= 0)
+      return;
+    const char *const start = at, *stop = after(room);
+    if (counts.significant == 0)
+      while (at < stop && *at == '0')
+        ++at;
+    const char *const first = at;
+    stop = std::min(stop, after(limits.digits - counts.significant));
+    at = add_digits(magnitude, begin, at, stop);
+    counts.significant += static_cast<int>(at - first);
+    counts.stored += at - start;
+    if (in_fraction())
+      counts.fraction += at - start;
+  }
+
+  // Drops a digit: at the rounding place, one of 5 and more adds one to the magnitude. False when
+  // that has no room.
+  bool drop_digit() noexcept {
+    if (*at >= '5' && counts.fraction == limits.places) {
+      magnitude.add_one();
+      if (magnitude.exceeds(limits.bytes))
+        return false;
+      counts.significant = std::max(counts.significant, 1);
+    }
+    ++counts.missed;
+    ++at;
+    if (in_fraction())
+      ++counts.fraction;
+    return true;
+  }
+
+  // True where a mantissa may end before the text does.
+  bool is_at_end() const noexcept { return *at == 'e' || *at == 'E' || only_space(at, end); }
+
+  Accumulator &magnitude;
+  const char *begin, *at, *end;
+  Limits limits;
+};
+
+// Shifts a magnitude by any number of digits.
+int shift_far(Number &number, int64_t shift, const Field &field) noexcept {
+  constexpr int64_t too_far = exact::max_power + 1;
+  return exact::shift_number(number, static_cast<int>(std::clamp(shift, -too_far, too_far)), field);
+}
+
+// Brings a scanned magnitude to the scale that is given, or chooses one.
+int settle_scale(Number &number, const Counts &counts, int64_t exponent, const Field &field,
+                 bool may_drop, CS_BYTE &scale) noexcept {
+  const int64_t fraction = std::max<int64_t>(counts.fraction, 0);
+  const int64_t shift = exponent + counts.missed - fraction;
+  if (scale <= CS_MAX_SCALE) {
+    const int64_t places = scale + shift;
+    if (-places > counts.stored) {
+      // Too far down to leave any digit.
+      number.size = 0;
+      return may_drop ? NUME_OK : NUME_TRUNCATED;
+    }
+    const int status = places == 0 ? NUME_OK : shift_far(number, places, field);
+    return status == NUME_TRUNCATED && may_drop ? NUME_OK : status;
+  }
+  if (shift > 0) {
+    scale = 0;
+    return shift_far(number, shift, field);
+  }
+  // Deliberate: the low byte of a negative shift is stored as it is.
+  scale = static_cast<CS_BYTE>(fraction >= 1 ? fraction : shift);
   return NUME_OK;
+}
+
+// The digits written, leading zeroes aside, but one in front of the point, and never fewer than the
+// value has; above 77 when there is no such precision.
+int choose_precision(const Number &number, const Counts &counts, int scale) noexcept {
+  if (counts.stored > CS_MAX_PREC)
+    return CS_MAX_PREC + 1;
+  int precision = std::max(static_cast<int>(counts.stored), 1);
+  if (precision > scale && precision > counts.significant)
+    precision = scale >= counts.significant ? scale + 1 : counts.significant;
+  // A shift up and a carry have made digits that were not counted.
+  while (precision <= CS_MAX_PREC && !exact::fits(number, {nullptr, INT_MAX, precision}))
+    ++precision;
+  return precision;
 }
 
 } // namespace
@@ -271,100 +350,50 @@ int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *de
   COMN_CHECK_PTR(destlen, NUME_OVERFLOW);
   COMN_CHECK_PTR(precision, NUME_OVERFLOW);
   COMN_CHECK_PTR(scale, NUME_OVERFLOW);
-  constexpr CS_INT longest = sizeof(CS_NUMERIC::array);
   if (*destlen == 0)
-    *destlen = longest;
+    *destlen = sizeof(CS_NUMERIC::array);
   const CS_INT length = *destlen;
-  if (length < 2 || length - 2 >= static_cast<CS_INT>(sizeof Com__Nume_Len_To_Prec))
+  if (!exact::is_length(length))
     return NUME_OVERFLOW;
-  CS_BYTE *const field = *dest;
-  const bool given_precision = *precision >= CS_MIN_PREC && *precision <= CS_MAX_PREC;
-  const bool given_scale = *scale <= CS_MAX_SCALE;
-  Request request{length - 1, Com__Nume_Len_To_Prec[length - 2], *scale, flag == 1};
-  Scan scan;
-  Accumulator magnitude(request.bytes);
+  const bool may_drop = flag == 1, given_precision = !exact::is_automatic(*precision);
+  const Field field{*dest, length - 1, given_precision ? *precision : Field::any_digits};
+
+  Accumulator magnitude;
+  Mantissa mantissa(magnitude, text, std::max(len, 0),
+                    {field.bytes,
+                     std::min<int>(Com__Nume_Len_To_Prec[length - 2], Accumulator::most_digits),
+                     *scale, may_drop});
   int64_t exponent = 0;
-  // The field is written in full at the end, or left cleared.
-  const auto clear = [&] { std::memset(field, 0, static_cast<size_t>(length)); };
-  if (len < 0) {
-    clear();
-    return NUME_SYNTAX;
+  int status = len < 0 ? NUME_SYNTAX : NUME_OK;
+  for (bool exponent_known = false; status == NUME_OK; exponent_known = true) {
+    status = mantissa.scan(exponent_known);
+    if (status != exponent_needed)
+      break;
+    status = find_exponent(text, len, exponent);
+    mantissa.restart(*scale + exponent);
   }
-  const char *const end = text + len;
-  int status = scan_mantissa<true>(text, end, request, scan, magnitude);
-  if (status != NUME_OK || !given_precision)
-    clear();
-  if (status == not_plain) {
-    const char *const letter = find_exponent(text, static_cast<size_t>(len));
-    if (letter != nullptr && !read_exponent(letter + 1, exponent))
-      return NUME_SYNTAX;
-    request.target += exponent;
-    scan = Scan();
-    magnitude.reset();
-    status = scan_mantissa<false>(text, end, request, scan, magnitude);
+  if (status == NUME_OK)
+    status = settle_scale(magnitude.number, mantissa.counts, exponent, field, may_drop, *scale);
+  CS_INT used = length;
+  if (status == NUME_OK && !given_precision) {
+    const int chosen = choose_precision(magnitude.number, mantissa.counts, *scale);
+    if (chosen > CS_MAX_PREC || Com__Nume_Prec_To_Len[chosen] > length) {
+      status = NUME_OVERFLOW;
+    } else {
+      *precision = static_cast<CS_BYTE>(chosen);
+      used = Com__Nume_Prec_To_Len[chosen];
+    }
   }
+  // What the value does not take is cleared: all of it after a failure.
+  const CS_INT unused = status == NUME_OK ? length - used : length;
+  if (unused > 0)
+    std::memset(field.array, 0, static_cast<size_t>(unused));
   if (status != NUME_OK)
     return status;
-
-  Number &number = magnitude.number;
-  const int64_t fraction = std::max<int64_t>(scan.fraction, 0);
-  const int64_t shift = exponent + scan.missed - fraction;
-  bool grown = scan.rounded_up;
-  int64_t places = 0;
-  if (given_scale) {
-    places = *scale + shift;
-    if (-places > scan.stored) {
-      // Too far down to leave any digit: only an exponent goes there, and the field is cleared.
-      if (!request.may_drop)
-        return NUME_TRUNCATED;
-      number.size = 0;
-      places = 0;
-    }
-  } else if (shift > 0) {
-    *scale = 0;
-    places = shift;
-  } else {
-    // Deliberate: the low byte of a negative shift is stored as it is.
-    *scale = static_cast<CS_BYTE>(fraction >= 1 ? fraction : shift);
-  }
-  if (places != 0) {
-    const int by = static_cast<int>(std::clamp<int64_t>(places, -1000, 1000));
-    status =
-        exact::shift_number(number, by, request.bytes, given_precision ? *precision : UINT8_MAX);
-    if (status != NUME_OK && !(given_scale && request.may_drop && status == NUME_TRUNCATED)) {
-      clear();
-      return status;
-    }
-    grown = true;
-  }
-
-  CS_INT used = length;
-  if (given_precision) {
-    if (exact::reaches_power(number.limbs, number.size, *precision))
-      status = NUME_OVERFLOW;
-    else
-      status = NUME_OK;
-  } else {
-    if (scan.stored > CS_MAX_PREC)
-      return NUME_OVERFLOW;
-    int digits = std::max(static_cast<int>(scan.stored), 1);
-    if (digits > *scale && digits > scan.significant)
-      digits = *scale >= scan.significant ? *scale + 1 : scan.significant;
-    // A shift up and a carry have made digits that were not counted.
-    if (grown)
-      while (digits <= CS_MAX_PREC && exact::reaches_power(number.limbs, number.size, digits))
-        ++digits;
-    if (digits > CS_MAX_PREC || Com__Nume_Prec_To_Len[digits] > length)
-      return NUME_OVERFLOW;
-    *precision = static_cast<CS_BYTE>(digits);
-    used = Com__Nume_Prec_To_Len[digits];
-    *dest = field + length - used;
-    *destlen = used;
-    status = NUME_OK;
-  }
-  (*dest)[0] = scan.negative && number.size != 0;
-  exact::store_bytes(*dest + 1, used - 1, number.limbs, number.size);
-  return status;
+  *dest = field.array + unused;
+  *destlen = used;
+  return exact::store_number({*dest, used - 1, field.digits}, magnitude.number,
+                             mantissa.counts.negative);
 }
 
 int com__subexctnumetochar(__CONSTANT *srcconst, CS_CHAR *dest, CS_INT destlen) noexcept {
@@ -373,8 +402,7 @@ int com__subexctnumetochar(__CONSTANT *srcconst, CS_CHAR *dest, CS_INT destlen) 
   Number number;
   if (!exact::load_number(number, *srcconst))
     return -1;
-  const exact::ValueText text(number.limbs, number.size, srcconst->scale,
-                              exact::is_negative(*srcconst));
+  const exact::ValueText text(number, srcconst->scale, exact::is_negative(*srcconst));
   if (text.length() > destlen)
     return -1;
   text.write(dest + destlen - text.length());

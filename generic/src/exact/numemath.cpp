@@ -4,73 +4,73 @@
 // byte by byte: sum, difference, product, quotient and remainder of integers do not depend on the
 // base in which they are worked out. What a byte-wise loop reports on its way - a carry out of the
 // last byte, a product byte beyond the result, a quotient longer than its field - is the one fact
-// that the number needs more bytes than the field has, which is tested once at the end. The
-// rounding functions divide by ten digit by digit and keep the last remainder only; that is the
-// digit just below the cut, so one division by the power of ten and a comparison of its remainder
-// with half the power tell the same: the digit is above 4 exactly when the remainder is at least 5
-// followed by zeroes.
+// that the number needs more bytes than the field has, which is tested once at the end.
+//
+// Rounding by n digits is told as n divisions by ten, of which the last remainder counts. Dividing by
+// ten n - 1 times and dropping the remainders is one division by 10^(n-1), since floor(floor(x / a) /
+// b) is floor(x / ab) for whole a and b; the n-th division by ten has the same dividend then, and so
+// the same remainder. That is what round_number does.
 #include "numemath.h"
 
 #include "checks.h"
 
 namespace exact = comn::exact;
+using exact::Field;
 using exact::Limb;
 using exact::Number;
+using exact::Operand;
 
 namespace comn::exact {
 
-int compare_scaled(const View &a, const View &b) noexcept {
-  const bool a_deep = a.scale > b.scale;
-  const View &deep = a_deep ? a : b;
-  const View &shallow = a_deep ? b : a;
-  const int shift = deep.scale - shallow.scale;
-  Number number;
-  int order;
-  if (shallow.precision + deep.scale <= max_power) {
-    number.size = shallow.size;
-    std::copy_n(shallow.limbs, shallow.size, number.limbs);
-    multiply_by_power(number, shift);
-    order = compare(deep.limbs, deep.size, number.limbs, number.size);
-  } else {
-    // Deliberate: the digits beyond the smaller scale are dropped.
-    number.size = 0;
-    if (shift <= max_power) {
-      number.size = deep.size;
-      std::copy_n(deep.limbs, deep.size, number.limbs);
-      divide_by_power(number, shift);
-    }
-    order = compare(number.limbs, number.size, shallow.limbs, shallow.size);
+bool add(Number &sum, Operand &a, Operand &b) noexcept {
+  const int size = std::max(a.magnitude.size, b.magnitude.size);
+  for (Number *magnitude : {&a.magnitude, &b.magnitude})
+    std::fill(magnitude->limbs + magnitude->size, magnitude->limbs + size, Limb{0});
+  if (a.negative == b.negative) {
+    sum.limbs[size] = add(sum.limbs, a.magnitude.limbs, b.magnitude.limbs, size);
+    sum.size = trim(sum.limbs, size + 1);
+    return a.negative;
   }
-  order = (order > 0) - (order < 0);
-  return a_deep ? order : -order;
+  // The difference of magnitudes, negated where the second one is the greater.
+  const Limb borrow = subtract(sum.limbs, a.magnitude.limbs, b.magnitude.limbs, size);
+  negate_if(borrow, sum.limbs, size);
+  sum.size = trim(sum.limbs, size);
+  return a.negative != (borrow != 0);
 }
 
-int divide_scaled(Number &quotient, Number &remainder, const View &a, int a_len, const View &b,
-                  int b_len, int quotient_scale) noexcept {
+int multiply(Number &product, const Operand &a, const Operand &b, const Field &field,
+             int scale) noexcept {
+  multiply(product, a.magnitude, b.magnitude);
+  const int shift = scale - a.scale - b.scale;
+  const bool full_width = field.digits >= a.precision + b.precision;
+  // What does not fit the field will show when it is stored.
+  if (full_width && shift == 0)
+    return NUME_OK;
+  const Field room{nullptr, full_width ? field.bytes : value_bytes, Field::any_digits};
+  return fits(product, room) ? shift_number(product, shift, field) : NUME_OVERFLOW;
+}
+
+int divide(Number &quotient, Number &remainder, Operand &a, Operand &b, int scale) noexcept {
   constexpr int work_space = 132;
-  if (b.size == 0)
+  if (b.magnitude.is_zero())
     return NUME_DIVZERO;
-  const int shift = quotient_scale + b.scale - a.scale;
+  const int shift = scale + b.scale - a.scale;
   if (shift > max_power || shift < -max_power)
     return NUME_OVERFLOW;
+  int scratch = 0;
   Number scaled;
-  const View &operand = shift > 0 ? a : b;
-  int dividend_len = a_len, divisor_len = b_len, scratch = 0;
+  const Number *dividend = &a.magnitude, *divisor = &b.magnitude;
   if (shift != 0) {
-    scaled.size = operand.size;
-    std::copy_n(operand.limbs, operand.size, scaled.limbs);
-    multiply_by_power(scaled, shift > 0 ? shift : -shift);
-    int &len = shift > 0 ? dividend_len : divisor_len;
-    len += Com__Nume_Prec_To_Len[shift > 0 ? shift : -shift] + 1;
-    scratch = len;
+    Operand &operand = shift > 0 ? a : b;
+    multiply_by_power(scaled, operand.magnitude, std::abs(shift));
+    (shift > 0 ? dividend : divisor) = &scaled;
+    operand.length += Com__Nume_Prec_To_Len[std::abs(shift)] + 1;
+    scratch = operand.length;
   }
-  if (scratch + dividend_len + 1 + divisor_len > work_space)
+  if (scratch + a.length + 1 + b.length > work_space)
     return NUME_OVERFLOW;
-  const bool scaled_dividend = shift > 0, scaled_divisor = shift < 0;
-  const Sizes sizes = divide<number_limbs>(
-      quotient.limbs, remainder.limbs, scaled_dividend ? scaled.limbs : a.limbs,
-      scaled_dividend ? scaled.size : a.size, scaled_divisor ? scaled.limbs : b.limbs,
-      scaled_divisor ? scaled.size : b.size);
+  const Sizes sizes = divide<number_limbs>(quotient.limbs, remainder.limbs, dividend->limbs,
+                                           dividend->size, divisor->limbs, divisor->size);
   quotient.size = sizes.quotient;
   remainder.size = sizes.remainder;
   return NUME_OK;
@@ -80,17 +80,15 @@ int divide_scaled(Number &quotient, Number &remainder, const View &a, int a_len,
 
 namespace {
 
-exact::View view_of(const Number &number, const __CONSTANT &value) noexcept {
-  return {number.limbs, number.size, value.prec, value.scale, exact::is_negative(value)};
+void clear(const Field &field) noexcept {
+  if (field.array != nullptr)
+    std::memset(field.array, 0, 1 + static_cast<size_t>(field.bytes));
 }
 
-int check_precision(const Number &number, int precision) noexcept {
-  return exact::reaches_power(number.limbs, number.size, precision) ? NUME_OVERFLOW : NUME_OK;
-}
-
-void clear(__CONSTANT &value) noexcept {
-  if (value.len > 0)
-    std::memset(value.value, 0, static_cast<size_t>(value.len));
+// Stores what an operation left, also after it failed: its own status comes first.
+int store_outcome(int status, const Field &field, const Number &number, bool negative) noexcept {
+  const int fit = exact::store_number(field, number, negative);
+  return status != NUME_OK ? status : fit;
 }
 
 // A magnitude that is read byte by byte from its least significant end, with endless zeroes in
@@ -111,6 +109,26 @@ private:
   CS_INT at;
 };
 
+// Stores a magnitude without a sign byte in the bytes in front of `end`.
+void store_magnitude(CS_BYTE *end, int bytes, const Number &number) noexcept {
+  for (int i = 0; i < bytes; ++i) {
+    const int limb = i / exact::limb_bytes, shift = i % exact::limb_bytes * 8;
+    *--end = static_cast<CS_BYTE>(limb < number.size ? number.limbs[limb] >> shift : 0);
+  }
+}
+
+// Stores a remainder with a byte in front, where the caller has room for it; the work space of the
+// division, which a view would point at, ends with the call.
+void hand_out_remainder(__CONSTANT &to, const Number &remainder) noexcept {
+  const int bytes = exact::byte_count(remainder.limbs, remainder.size);
+  const int length = bytes == 0 ? 0 : bytes + 1;
+  if (to.len < length)
+    to.value = nullptr;
+  to.len = length;
+  if (to.value != nullptr)
+    exact::store_number(exact::field_of(to), remainder, false);
+}
+
 } // namespace
 
 // The lengths may be any, so these two work on the bytes in place.
@@ -120,7 +138,7 @@ int com__exctnume_intadd(__CONSTANT *a, __CONSTANT *b, __CONSTANT *r) noexcept {
   COMN_CHECK_PTR(r, NUME_OVERFLOW);
   ByteReader left(*a), right(*b);
   unsigned carry = 0;
-  for (CS_INT i = exact::magnitude_length(*r); i >= 1; --i) {
+  for (CS_INT i = exact::magnitude_bytes(*r); i >= 1; --i) {
     carry += left.next() + right.next();
     r->value[i] = static_cast<CS_BYTE>(carry);
     carry >>= 8;
@@ -135,15 +153,15 @@ int com__exctnume_intsub(__CONSTANT *a, __CONSTANT *b, __CONSTANT *r) noexcept {
   ByteReader left(*a), right(*b);
   // The inverted borrow: 1 while nothing was borrowed.
   unsigned carry = 1;
-  for (CS_INT i = exact::magnitude_length(*r); i >= 1; --i) {
+  for (CS_INT i = exact::magnitude_bytes(*r); i >= 1; --i) {
     carry += left.next() - right.next() + 255;
     r->value[i] = static_cast<CS_BYTE>(carry);
     carry >>= 8;
   }
   // What the difference still holds above the result.
   unsigned above = 0;
-  const CS_INT longest = std::max(exact::magnitude_length(*a), exact::magnitude_length(*b));
-  for (CS_INT i = longest - exact::magnitude_length(*r); i > 0; --i) {
+  const CS_INT longest = std::max(exact::magnitude_bytes(*a), exact::magnitude_bytes(*b));
+  for (CS_INT i = longest - exact::magnitude_bytes(*r); i > 0; --i) {
     carry += left.next() - right.next() + 255;
     above |= carry & 255;
     carry >>= 8;
@@ -159,8 +177,8 @@ int com__exctnume_intmul(__CONSTANT *a, __CONSTANT *b, __CONSTANT *r) noexcept {
   if (!exact::load_number(left, *a) || !exact::load_number(right, *b))
     return NUME_OVERFLOW;
   const bool negative = exact::is_negative(*a) != exact::is_negative(*b);
-  product.size = exact::multiply(product.limbs, left.limbs, left.size, right.limbs, right.size);
-  return exact::store_number(*r, product, negative);
+  exact::multiply(product, left, right);
+  return exact::store_number(exact::field_of(*r).with_any_digits(), product, negative);
 }
 
 int com__exctnume_intdiv(__CONSTANT *a, __CONSTANT *b, __CONSTANT *q, __CONSTANT *r) noexcept {
@@ -173,7 +191,7 @@ int com__exctnume_intdiv(__CONSTANT *a, __CONSTANT *b, __CONSTANT *q, __CONSTANT
     return NUME_OVERFLOW;
   if (divisor.size == 0)
     return NUME_DIVZERO;
-  if (exact::compare(dividend.limbs, dividend.size, divisor.limbs, divisor.size) < 0) {
+  if (exact::compare(dividend, divisor) < 0) {
     const int bytes = exact::byte_count(dividend.limbs, dividend.size);
     q->len = 0;
     r->len = bytes == 0 ? 0 : bytes + 1;
@@ -193,18 +211,20 @@ int com__exctnume_intdiv(__CONSTANT *a, __CONSTANT *b, __CONSTANT *q, __CONSTANT
   const int front = q->len > used;
   const int quotient_bytes = used - divisor_bytes;
   std::memset(space, 0, static_cast<size_t>(front));
-  exact::store_bytes(space + front, quotient_bytes, quotient.limbs, sizes.quotient);
-  exact::store_bytes(space + front + quotient_bytes, divisor_bytes, remainder.limbs,
-                     sizes.remainder);
+  CS_BYTE *const quotient_end = space + front + quotient_bytes;
+  quotient.size = sizes.quotient;
+  remainder.size = sizes.remainder;
+  store_magnitude(quotient_end, quotient_bytes, quotient);
+  store_magnitude(quotient_end + divisor_bytes, divisor_bytes, remainder);
 
   const int significant = exact::byte_count(quotient.limbs, sizes.quotient);
   const int kept = std::min(significant + 1, front + quotient_bytes);
-  q->value = space + front + quotient_bytes - kept;
+  q->value = quotient_end - kept;
   q->len = kept;
   const int rest = exact::byte_count(remainder.limbs, sizes.remainder);
   // In front of a remainder as long as the divisor stands the last byte of the quotient.
   r->len = rest == 0 ? 0 : rest + (divisor_bytes > 1);
-  r->value = space + front + used - r->len;
+  r->value = quotient_end + divisor_bytes - r->len;
   return NUME_OK;
 }
 
@@ -212,72 +232,37 @@ int com__exctnume_addorsub(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *result,
   COMN_CHECK_PTR(op1, NUME_OVERFLOW);
   COMN_CHECK_PTR(op2, NUME_OVERFLOW);
   COMN_CHECK_PTR(result, NUME_OVERFLOW);
-  Number left, right;
-  bool negative = exact::is_negative(*op1);
-  const bool other_negative = exact::is_negative(*op2) != (opn != 0);
-  const int scale = op1->scale;
-  if (!exact::load_number(left, *op1) || !exact::load_number(right, *op2)) {
-    clear(*result);
+  const Field field = exact::field_of(*result);
+  const int scale = result->scale;
+  Operand left, right;
+  if (!exact::load_operand(left, *op1) || !exact::load_operand(right, *op2)) {
+    clear(field);
     return NUME_OVERFLOW;
   }
-  const int size = std::max(left.size, right.size);
-  std::fill(left.limbs + left.size, left.limbs + size, Limb{0});
-  std::fill(right.limbs + right.size, right.limbs + size, Limb{0});
+  right.negative ^= opn != 0;
   Number sum;
-  if (negative == other_negative) {
-    sum.limbs[size] = exact::add(sum.limbs, left.limbs, right.limbs, size);
-    sum.size = exact::trim(sum.limbs, size + 1);
-  } else {
-    const int order = exact::compare(left.limbs, left.size, right.limbs, right.size);
-    if (order == 0) {
-      clear(*result);
-      return NUME_OK;
-    }
-    if (order < 0)
-      negative = other_negative;
-    exact::subtract(sum.limbs, order < 0 ? right.limbs : left.limbs,
-                    order < 0 ? left.limbs : right.limbs, size);
-    sum.size = exact::trim(sum.limbs, size);
-  }
-  const int shift = result->scale - scale;
-  if (!exact::fits(sum, exact::magnitude_length(*result))) {
-    clear(*result);
+  const bool negative = exact::add(sum, left, right);
+  if (!exact::fits(sum, field.with_any_digits())) {
+    clear(field);
     return NUME_OVERFLOW;
   }
-  int status = NUME_OK;
-  if (shift != 0) {
-    Number shifted = sum;
-    status = exact::shift_number(shifted, shift, exact::magnitude_length(*result), result->prec);
-    if (status == NUME_OK || status == NUME_TRUNCATED)
-      sum = shifted;
-  }
-  exact::store_number(*result, sum, negative);
-  return status != NUME_OK ? status : check_precision(sum, result->prec);
+  // Deliberate: magnitudes that cancel out are zero at any scale, without a shift.
+  const bool cancelled = sum.is_zero() && left.negative != right.negative;
+  const int status = cancelled ? NUME_OK : exact::shift_number(sum, scale - left.scale, field);
+  return store_outcome(status, field, sum, negative);
 }
 
 int com__exctnume_mul(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *res) noexcept {
   COMN_CHECK_PTR(op1, NUME_OVERFLOW);
   COMN_CHECK_PTR(op2, NUME_OVERFLOW);
   COMN_CHECK_PTR(res, NUME_OVERFLOW);
-  Number left, right, product;
-  if (!exact::load_number(left, *op1) || !exact::load_number(right, *op2))
+  Operand left, right;
+  if (!exact::load_operand(left, *op1) || !exact::load_operand(right, *op2))
     return NUME_OVERFLOW;
-  const bool negative = exact::is_negative(*op1) != exact::is_negative(*op2);
-  // Full width, or as wide as the longest value.
-  const int room =
-      res->prec >= op1->prec + op2->prec ? exact::magnitude_length(*res) : exact::value_bytes;
-  const int shift = res->scale - op1->scale - op2->scale;
-  product.size = exact::multiply(product.limbs, left.limbs, left.size, right.limbs, right.size);
-  int status = exact::fits(product, room) ? NUME_OK : NUME_OVERFLOW;
-  if (status == NUME_OK && shift != 0) {
-    Number shifted = product;
-    status = exact::shift_number(shifted, shift, exact::magnitude_length(*res), res->prec);
-    if (status == NUME_OK || status == NUME_TRUNCATED)
-      product = shifted;
-  }
-  if (exact::store_number(*res, product, negative) != NUME_OK && status == NUME_OK)
-    status = NUME_OVERFLOW;
-  return status != NUME_OK ? status : check_precision(product, res->prec);
+  const Field field = exact::field_of(*res);
+  Number product;
+  const int status = exact::multiply(product, left, right, field, res->scale);
+  return store_outcome(status, field, product, left.negative != right.negative);
 }
 
 int com__exctnume_div(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *quot,
@@ -285,67 +270,64 @@ int com__exctnume_div(__CONSTANT *op1, __CONSTANT *op2, __CONSTANT *quot,
   COMN_CHECK_PTR(op1, NUME_OVERFLOW);
   COMN_CHECK_PTR(op2, NUME_OVERFLOW);
   COMN_CHECK_PTR(quot, NUME_OVERFLOW);
-  Number left, right, quotient, remainder;
-  if (!exact::load_number(left, *op1) || !exact::load_number(right, *op2))
+  Operand left, right;
+  if (!exact::load_operand(left, *op1) || !exact::load_operand(right, *op2))
     return NUME_OVERFLOW;
-  const bool negative = exact::is_negative(*op1) != exact::is_negative(*op2);
-  const int status =
-      exact::divide_scaled(quotient, remainder, view_of(left, *op1), std::max(op1->len, 0),
-                           view_of(right, *op2), std::max(op2->len, 0), quot->scale);
+  Number quotient, remainder;
+  const int status = exact::divide(quotient, remainder, left, right, quot->scale);
   if (status != NUME_OK)
     return status;
-  if (remdr != nullptr) {
-    // The work space ends with this call, so a view of it is of no use to the caller.
-    const int bytes = exact::byte_count(remainder.limbs, remainder.size);
-    const int needed = bytes == 0 ? 0 : bytes + 1;
-    if (remdr->value != nullptr && remdr->len >= needed) {
-      remdr->value[0] = 0;
-      exact::store_bytes(remdr->value + 1, bytes, remainder.limbs, remainder.size);
-    } else {
-      remdr->value = nullptr;
-    }
-    remdr->len = needed;
-  }
-  if (exact::store_number(*quot, quotient, negative) != NUME_OK)
-    return NUME_OVERFLOW;
-  return check_precision(quotient, quot->prec);
+  if (remdr != nullptr)
+    hand_out_remainder(*remdr, remainder);
+  return exact::store_number(exact::field_of(*quot), quotient, left.negative != right.negative);
 }
 
 void com__exctnume_round(__CONSTANT *op, CS_INT scale, __CONSTANT *result) noexcept {
   COMN_CHECK_PTR(op);
   COMN_CHECK_PTR(result);
+  const Field field = exact::field_of(*result);
   Number number;
-  if (!exact::load_number(number, *op))
+  if (!exact::load_number(number, *op)) {
+    clear(field);
     return;
+  }
   const bool negative = exact::is_negative(*op);
   scale = std::clamp(scale, -exact::max_power, exact::max_power);
   if (scale < op->scale) {
     int dropped = op->scale - scale;
+    // Deliberate: to round integer digits away, no more digits than the precision has.
     if (scale <= 0)
       dropped = std::min<int>(dropped, op->prec);
     exact::round_number(number, dropped);
-    if (dropped > exact::max_power)
-      number.size = 0;
-    else
-      exact::multiply_by_power(number, dropped);
+    Number restored;
+    restored.size = 0;
+    if (dropped <= exact::max_power)
+      exact::multiply_by_power(restored, number, dropped);
+    exact::store_number(field, restored, negative);
+    return;
   }
-  exact::store_number(*result, number, negative);
+  exact::store_number(field, number, negative);
 }
 
 void com__exctnume_ceilingfloor(__CONSTANT *op, __CONSTANT *result, int type) noexcept {
   COMN_CHECK_PTR(op);
   COMN_CHECK_PTR(result);
-  Number number;
-  if (!exact::load_number(number, *op))
-    return;
   const bool negative = exact::is_negative(*op);
-  bool whole = true;
-  for (int left = op->scale; left > 0; left -= exact::max_power)
-    whole &= exact::divide_by_power(number, std::min(left, exact::max_power));
+  Number number;
+  const bool loaded = exact::load_number(number, *op);
+  const int scale = op->scale;
   result->len = op->len;
   result->prec = op->prec;
   result->scale = 0;
+  const Field field = exact::field_of(*result);
+  if (!loaded) {
+    clear(field);
+    return;
+  }
+  bool whole = true;
+  for (int left = scale; left > 0; left -= exact::max_power)
+    whole &= exact::divide_by_power(number, std::min(left, exact::max_power));
   if (!whole && negative == (type == 0))
     exact::increment(number);
-  exact::store_number(*result, number, negative);
+  exact::store_number(field, number, negative);
 }

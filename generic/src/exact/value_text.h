@@ -14,10 +14,10 @@ constexpr int longest_text = CS_MAX_SCALE + 3;
 
 class ValueText {
 public:
-  // `limbs`, trimmed, are used up.
-  ValueText(Limb *limbs, int size, int value_scale, bool value_negative) noexcept
-      : scale(value_scale), negative(value_negative && size != 0) {
-    first = write_number(digits + sizeof digits, limbs, size);
+  // Uses up the number.
+  ValueText(Number &number, int value_scale, bool value_negative) noexcept
+      : scale(value_scale), negative(value_negative && !number.is_zero()) {
+    first = write_number(digits + sizeof digits, number.limbs, number.size);
   }
 
   int length() const noexcept {

@@ -2,6 +2,7 @@
 #ifndef ZRVTEST_NUMERIC_OPERANDS_H
 #define ZRVTEST_NUMERIC_OPERANDS_H
 
+#include <array>
 #include <random>
 #include <string>
 #include <vector>
@@ -12,7 +13,11 @@
 namespace zrvtest {
 
 // Slow builds check the same properties on fewer random cases.
-constexpr int random_cases = sanitized || !optimized ? 20'000 : 1'000'000;
+constexpr int random_cases = sanitized || !optimized ? 10'000 : 200'000;
+
+inline const std::array<CS_BYTE, sizeof(CS_NUMERIC)> &bytes_of(const CS_NUMERIC &value) {
+  return reinterpret_cast<const std::array<CS_BYTE, sizeof(CS_NUMERIC)> &>(value);
+}
 
 inline Decimal make_decimal(int precision, int scale, const std::string &digits,
                             bool negative = false) {

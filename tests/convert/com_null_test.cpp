@@ -706,3 +706,16 @@ TEST(VoidToVoid, DoesNothing) {
   EXPECT_EQ(length, Conversion::untouched_length);
   EXPECT_EQ(comn_voidtovoid(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), CS_SUCCEED);
 }
+
+// The internal operation checks what its public sister has checked already, and stores nothing.
+TEST(UserNullSet, ChecksItsArguments) {
+  TestContext context;
+  CS_BYTE value[] = {1, 2};
+  EXPECT_NULL_POINTER_CHECK("com_null.cpp", CS_FAIL,
+                            com__null_usr_set(context.get(), 40, nullptr, 1));
+  EXPECT_ASSERTION("com_null.cpp", CS_FAIL, com__null_usr_set(context.get(), 40, value, -1));
+  EXPECT_EQ(context->ctxusrnulls, nullptr);
+  EXPECT_EQ(com__null_usr_set(context.get(), 40, value, 0), CS_SUCCEED);
+  ASSERT_NE(context->ctxusrnulls, nullptr);
+  EXPECT_EQ(context->ctxusrnulls->dvsize, 0);
+}

@@ -1,4 +1,4 @@
-// The return codes that a conversion can give, by name.
+// The return codes that the command meets, by name.
 #include "status_names.h"
 
 namespace zrvtool {
@@ -18,7 +18,7 @@ constexpr StatusName names[] = {
     STATUS(CS_CONV_BADSCALE),   STATUS(CS_CONV_SYNTAX),    STATUS(CS_CONV_PADCONFLICT),
     STATUS(CS_CONV_DOMAIN),     STATUS(CS_CONV_DIVZERO),   STATUS(CS_CONV_TRUNCATED),
     STATUS(CS_CONV_DATEBUFFER), STATUS(CS_CONV_BADCHAR),   STATUS(CS_CONV_NOXLATE),
-    STATUS(CS_CONV_PARTIAL),
+    STATUS(CS_CONV_PARTIAL),    STATUS(COM_INTL_ERROR),    STATUS(COM_LOCFILE_ERROR),
 };
 #undef STATUS
 

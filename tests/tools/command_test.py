@@ -446,7 +446,8 @@ class Command(unittest.TestCase):
         result = zrvcomn("--version")
         self.check(result, 0, f"zrvcomn {build.version} (library 16001)\n")
         for words in (["--help"], ["-h"], ["config", "--help"], ["convert", "--help"],
-                      ["types", "--help"], ["date", "--help"], ["completion", "--help"]):
+                      ["types", "--help"], ["date", "--help"], ["completion", "--help"],
+                      ["oid", "--help"]):
             result = zrvcomn(*words)
             self.assertEqual((result.code, result.err), (0, ""))
             self.assertIn("Usage: zrvcomn", result.out)
@@ -457,7 +458,7 @@ class Command(unittest.TestCase):
         (self.scratch / "countries.csv").write_bytes(
             (project.source_dir / "samples" / "countries.csv").read_bytes())
         environment = os.environ | {"PATH": f"{command.parent}:{os.environ['PATH']}"}
-        for words in ([], ["config"], ["convert"], ["date"], ["types"], ["completion"]):
+        for words in ([], ["config"], ["convert"], ["date"], ["oid"], ["types"], ["completion"]):
             text = zrvcomn(*words, "--help").out
             lines = re.findall(r"^  ((?:seq|zrvcomn|eval) .*(?:\S))$", text.split("Example")[1], re.M)
             self.assertTrue(lines)
@@ -468,7 +469,7 @@ class Command(unittest.TestCase):
 
     def test_full_device(self):
         for words in (["convert", "--from", "int", "--to", "int", "1"], ["types"], ["--help"],
-                      ["completion", "bash"], ["config", "paths"]):
+                      ["completion", "bash"], ["config", "paths"], ["oid", "list"]):
             with open("/dev/full", "wb") as full:
                 done = subprocess.run([command, *words], stdout=full, stderr=subprocess.PIPE)
             self.assertEqual(done.returncode, 1)
@@ -515,6 +516,73 @@ class Command(unittest.TestCase):
         self.assertEqual(row, {"code": 8, "name": "int", "width": 4, "aliases": ["integer", "i4"],
                                "converts_to": ["char"]})
         self.assertIsNone(json.loads(zrvcomn("types", "--json", "--from", "char").out)["width"])
+
+    # ---- oid ----
+
+    def oid(self, text, *words):
+        (self.scratch / "config").mkdir(exist_ok=True)
+        (self.scratch / "config" / "objectid.dat").write_text(text)
+        return zrvcomn("oid", *words, ZARVEK=str(self.scratch))
+
+    identifiers = ("[charset]\n1.2.3 = utf8, UTF-8\n1.2.840.113549 = \"a, b\", c\\\\\n"
+                   "[collate]\n1.2.3 = binary, utf8\n")
+
+    def test_oid_list(self):
+        self.check(self.oid(self.identifiers, "list"), 0,
+                   "class     identifier      names\n"
+                   "charset   1.2.3           utf8, UTF-8\n"
+                   "charset   1.2.840.113549  a, b, c\\\\\\\\\n"
+                   "collate   1.2.3           binary, utf8\n")
+        self.check(self.oid(self.identifiers, "list", "collate"), 0,
+                   "class     identifier  names\n"
+                   "collate   1.2.3       binary, utf8\n")
+        result = self.oid(self.identifiers, "list", "--json", "charset")
+        self.assertEqual([json.loads(line) for line in result.out.splitlines()], [
+            {"class": "charset", "identifier": "1.2.3", "encoding": "06022a03",
+             "names": ["utf8", "UTF-8"]},
+            {"class": "charset", "identifier": "1.2.840.113549", "encoding": "06062a864886f70d",
+             "names": ["a, b", "c\\\\"]}])
+
+    # A name or an identifier that stands in two classes is found in both.
+    def test_oid_find(self):
+        both = ("class       charset\nidentifier  1.2.3\nencoding    06022a03\n"
+                "names       utf8, UTF-8\n\n"
+                "class       collate\nidentifier  1.2.3\nencoding    06022a03\n"
+                "names       binary, utf8\n")
+        self.check(self.oid(self.identifiers, "find", "utf8"), 0, both)
+        self.check(self.oid(self.identifiers, "find", "1.2.3"), 0, both)
+        self.check(self.oid(self.identifiers, "find", "--", "1.2.3"), 0, both)
+        result = self.oid(self.identifiers, "find", "binary", "--json")
+        self.assertEqual([json.loads(line)["class"] for line in result.out.splitlines()], ["collate"])
+
+    def test_oid_not_found(self):
+        for wanted in ("UTF8", "1.2", "\x1b"):
+            result = self.oid(self.identifiers, "find", wanted)
+            self.assertEqual((result.code, result.out), (1, ""))
+            self.assertRegex(result.err, r"\Azrvcomn oid: nothing is known as '[ -~]*'\n\Z")
+        self.assertEqual(self.oid(self.identifiers, "list", "money").code, 1)
+
+    def test_oid_not_loaded(self):
+        result = self.oid("[charset]\nx\n", "list")
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertRegex(result.err, r"\Azrvcomn oid: cannot load objectid.dat: COM_INTL_ERROR, .*\n\Z")
+        result = zrvcomn("oid", "list", ZARVEK="/nonexistent")
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertRegex(result.err, r"COM_LOCFILE_ERROR, .*zrvcomn config paths")
+        result = self.oid("[charset]\n1 = a\n", "list")
+        self.assertRegex(result.err, r"objectid.dat: CS_FAIL \(")
+
+    def test_oid_usage(self):
+        self.check_usage(zrvcomn("oid"), "action")
+        self.check_usage(zrvcomn("oid", "fnd"), "'fnd'", "did you mean 'find'?")
+        self.check_usage(zrvcomn("oid", "find"), "find needs a name")
+        self.check_usage(zrvcomn("oid", "list", "charsets"), "'charsets'", "did you mean 'charset'?")
+        self.check_usage(zrvcomn("oid", "find", "a", "--", "b"), "at a time")
+
+    # Without a variable the build's own tree is used.
+    def test_shipped_identifiers(self):
+        result = zrvcomn("oid", "find", "--json", "windows-1252")
+        self.assertEqual(json.loads(result.out)["names"][0], "cp1252")
 
     # ---- config ----
 

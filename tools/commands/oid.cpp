@@ -1,0 +1,215 @@
+// zrvcomn oid: the identifiers of the installation.
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <memory>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "output.h"
+#include "status_names.h"
+#include "subcommand.h"
+#include "visible.h"
+#include "zrvcomn/comloc.h"
+#include "zrvcomn/zrvintl.h"
+
+namespace {
+
+using namespace zrvtool;
+
+// The classes by their numbers.
+const std::vector<std::string> class_names = {"charset",  "numeric", "money",    "datetime",
+                                              "collate",  "natlang", "integer2", "integer4",
+                                              "integer8", "float4",  "float8",   "secmech"};
+
+// The identifiers of the installation, in a context.
+class Identifiers {
+public:
+  Identifiers() {
+    context.ctxglobals = &globals;
+    const CS_RETCODE status = comn_intl_load_globalid(&context, &table);
+    if (status != CS_SUCCEED)
+      throw StreamError(
+          "cannot load objectid.dat: " + status_name(status) +
+          (context.ctxintlerr != 0 ? std::string(", ") + intl_errstr(context.ctxintlerr) : "") +
+          " (zrvcomn config paths tells where it should be)");
+    globals.ctxoids = table;
+  }
+  ~Identifiers() { comn_intl_drop_globalid(&context, table); }
+  Identifiers(const Identifiers &) = delete;
+  Identifiers &operator=(const Identifiers &) = delete;
+
+  const CsOID *first(CS_INT oidclass) const { return table->ot_oid[oidclass]; }
+
+  // The record of a class that has a name, or null.
+  const CsOID *find(CS_INT oidclass, std::string name) {
+    CsOID *found = nullptr;
+    comn_globalid(&context, COM_NAME_TO_OID, &found, &oidclass, CS_UNUSED, name.data(),
+                  static_cast<CS_INT>(name.size()), nullptr, nullptr);
+    return found;
+  }
+
+private:
+  CS_CONTEXT context{};
+  CsCtxGlobals globals{};
+  CS_OID_TABLE *table = nullptr;
+};
+
+struct Record {
+  CS_INT oidclass;
+  const CsOID *oid;
+};
+
+std::string_view dotted_of(const CsOID &oid) {
+  return {oid.oidstring, static_cast<size_t>(oid.oidnamelen)};
+}
+
+std::string_view name_of(const CS_STRING_LIST &name) {
+  return {name.string != nullptr ? name.string : "", static_cast<size_t>(name.len)};
+}
+
+std::string encoding_of(const CsOID &oid) {
+  std::string text;
+  append_hex(text,
+             {reinterpret_cast<const char *>(oid.oidber), static_cast<size_t>(oid.oidberlen)});
+  return text;
+}
+
+std::string names_of(const CsOID &oid) {
+  std::string text;
+  for (const CS_STRING_LIST *name = oid.oidlnames; name != nullptr; name = name->next) {
+    text += text.empty() ? "" : ", ";
+    append_visible(text, name_of(*name));
+  }
+  return text;
+}
+
+std::string padded(std::string text, size_t width) {
+  text.resize(std::max(text.size(), width), ' ');
+  return text;
+}
+
+void print_list(std::string &out, const std::vector<Record> &records) {
+  size_t width = std::string("identifier").size();
+  for (const Record &record : records)
+    width = std::max(width, dotted_of(*record.oid).size());
+  out += "class     " + padded("identifier", width) + "  names\n";
+  for (const auto &[oidclass, oid] : records)
+    out += padded(class_names[static_cast<size_t>(oidclass)], 10) +
+           padded(std::string(dotted_of(*oid)), width) + "  " + names_of(*oid) + "\n";
+}
+
+void print_records(std::string &out, const std::vector<Record> &records) {
+  for (const auto &[oidclass, oid] : records)
+    out += std::string(out.empty() ? "" : "\n") + "class       " +
+           class_names[static_cast<size_t>(oidclass)] + "\nidentifier  " +
+           std::string(dotted_of(*oid)) + "\nencoding    " + encoding_of(*oid) + "\nnames       " +
+           names_of(*oid) + "\n";
+}
+
+void print_json(std::string &out, const std::vector<Record> &records) {
+  for (const auto &[oidclass, oid] : records) {
+    nlohmann::ordered_json object;
+    object["class"] = class_names[static_cast<size_t>(oidclass)];
+    object["identifier"] = dotted_of(*oid);
+    object["encoding"] = encoding_of(*oid);
+    object["names"] = nlohmann::json::array();
+    for (const CS_STRING_LIST *name = oid->oidlnames; name != nullptr; name = name->next)
+      object["names"].push_back(name_of(*name));
+    out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+  }
+}
+
+// Everything, or one class.
+std::vector<Record> list(const Identifiers &identifiers, const std::string &class_name) {
+  std::vector<Record> records;
+  for (CS_INT oidclass = 0; oidclass < COM_OID_CLASS_COUNT; ++oidclass)
+    if (class_name.empty() || class_name == class_names[static_cast<size_t>(oidclass)])
+      for (const CsOID *oid = identifiers.first(oidclass); oid != nullptr; oid = oid->oidnext)
+        records.push_back({oidclass, oid});
+  return records;
+}
+
+// The record of each class that has the name, or else is written so.
+std::vector<Record> find(Identifiers &identifiers, const std::string &wanted) {
+  std::vector<Record> records;
+  for (CS_INT oidclass = 0; oidclass < COM_OID_CLASS_COUNT; ++oidclass) {
+    const CsOID *found = identifiers.find(oidclass, wanted);
+    for (const CsOID *oid = identifiers.first(oidclass); oid != nullptr && found == nullptr;
+         oid = oid->oidnext)
+      if (dotted_of(*oid) == wanted)
+        found = oid;
+    if (found != nullptr)
+      records.push_back({oidclass, found});
+  }
+  return records;
+}
+
+struct Options {
+  std::string action, what;
+  bool json = false;
+};
+
+int run(const Options &options) {
+  Identifiers identifiers;
+  const bool is_list = options.action == "list";
+  const std::vector<Record> records =
+      is_list ? list(identifiers, options.what) : find(identifiers, options.what);
+  if (records.empty()) {
+    std::string what;
+    append_visible(what, options.what);
+    std::cerr << "zrvcomn oid: nothing is known as '" << what << "'\n";
+    return exit_failure;
+  }
+  Writer out(STDOUT_FILENO);
+  if (options.json)
+    print_json(out.text, records);
+  else if (is_list)
+    print_list(out.text, records);
+  else
+    print_records(out.text, records);
+  out.flush();
+  return exit_success;
+}
+
+Subcommand::Run add(CLI::App &app) {
+  const auto options = std::make_shared<Options>();
+  app.add_option("action", options->action, "list or find")->required()->type_name("ACTION");
+  app.add_option("what", options->what, "list: a class; find: a name or a dotted identifier")
+      ->type_name("CLASS|NAME|DOTTED");
+  app.add_flag("--json", options->json, "Print one JSON object for each identifier");
+  app.footer(
+      "list: every identifier, or those of one class, with its names. find: the identifiers\n"
+      "that have a name, or the dotted one, with the encoding in hexadecimal.\n"
+      "Classes: charset, numeric, money, datetime, collate, natlang, integer2, integer4,\n"
+      "integer8, float4, float8, secmech.\n"
+      "\nExamples:\n"
+      "  zrvcomn oid list collate\n"
+      "  zrvcomn oid find UTF-8\n"
+      "  zrvcomn oid find --json german\n"
+      "\nExit codes: 0 found, 1 not found or not loaded, 2 wrong usage.");
+  return [options](const std::vector<std::string> &more) {
+    if (!more.empty()) {
+      if (more.size() > 1 || !options->what.empty())
+        throw UsageError("one class, name or identifier at a time");
+      options->what = more[0];
+    }
+    const std::vector<std::string> actions = {"list", "find"};
+    if (std::find(actions.begin(), actions.end(), options->action) == actions.end())
+      throw UsageError("there is no action '" + options->action + "'" +
+                       suggest(options->action, actions));
+    if (options->action == "find" && options->what.empty())
+      throw UsageError("find needs a name or a dotted identifier");
+    if (options->action == "list" && !options->what.empty() &&
+        std::find(class_names.begin(), class_names.end(), options->what) == class_names.end())
+      throw UsageError("there is no class '" + options->what + "'" +
+                       suggest(options->what, class_names));
+    return run(*options);
+  };
+}
+
+const Subcommand oid("oid", "List and find the identifiers of the installation", add);
+
+} // namespace

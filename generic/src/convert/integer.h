@@ -195,23 +195,24 @@ CS_RETCODE to_num(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT
   *destlen = sizeof(CS_NUMERIC);
   // Only the 64-bit sources choose a shape of their own. Deliberate: the mark for that replaces the
   // field in the caller's format and stays there.
-  constexpr bool chooses = sizeof(Value<S>) == 8;
-  constexpr CS_INT chosen = 255, length_of_chosen = 10;
+  constexpr bool chooses_shape = sizeof(Value<S>) == 8;
+  // The mark asks the builder for the longest precision of so many bytes, at scale 0.
+  constexpr CS_INT builder_chooses = 255, length_for_builder = 10;
   const Value<S> value = load<Value<S>>(src);
-  if (chooses && destfmt->precision == CS_DFMT_FROMSOURCE)
-    destfmt->precision = chosen;
+  if (chooses_shape && destfmt->precision == CS_DFMT_FROMSOURCE)
+    destfmt->precision = builder_chooses;
   else if (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC)
     return CS_CONV_BADPRECISION;
   // Deliberate: a negative scale is not refused here; its low byte is the scale.
-  if (chooses && destfmt->scale == CS_DFMT_FROMSOURCE)
-    destfmt->scale = chosen;
+  if (chooses_shape && destfmt->scale == CS_DFMT_FROMSOURCE)
+    destfmt->scale = builder_chooses;
   else if (destfmt->scale > CS_MAX_SCALE)
     return CS_CONV_BADSCALE;
   auto *const result = static_cast<CS_NUMERIC *>(dest);
   result->precision = static_cast<CS_BYTE>(destfmt->precision);
   result->scale = static_cast<CS_BYTE>(destfmt->scale);
-  const CS_INT length =
-      destfmt->precision == chosen ? length_of_chosen : comn_num_getlen(destfmt->precision);
+  const CS_INT length = destfmt->precision == builder_chooses ? length_for_builder
+                                                              : comn_num_getlen(destfmt->precision);
   const int status =
       build_numeric<S>(value, result->array, length, &result->precision, &result->scale);
   if (status == NUME_OVERFLOW)

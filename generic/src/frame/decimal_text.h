@@ -14,8 +14,10 @@
 namespace comn {
 
 // The digits of values below 10,000, one in each 32 bits of a word, leading zeroes included, as the
-// bytes of the text. All are divided at once, in lanes of 16 bits and then in lanes of 8; the
-// multiplications stand for division by 100 and 10.
+// bytes of the text. All are divided at once, in lanes of 32 bits and then in lanes of 16. The
+// multiplications stand for divisions: x * 5243 >> 19 is x / 100 for x below 43,699, and
+// x * 103 >> 10 is x / 10 for x below 179; 9,999 and 99 are the most that come here, and their
+// products stay within their lanes.
 template <class Word>
 [[gnu::always_inline]] inline Word text_of_fours(Word values) noexcept {
   constexpr auto fill = [](uint32_t pattern) {
@@ -38,7 +40,7 @@ constexpr uint32_t group_base = 100000000;
 constexpr int group_digits = 8;
 
 // The number of digits of a group, 1 for zero. The bit length times log10(2) is one too low at
-// most.
+// most; 1233 / 4096 stands for that factor, which gives the same whole numbers up to 59 bits.
 inline int count_group_digits(uint32_t value) noexcept {
   static constexpr Table<uint32_t, 9> powers_of_ten = {
       {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000}};

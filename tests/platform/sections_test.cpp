@@ -3,6 +3,7 @@
 // slow reader.
 #include <array>
 #include <climits>
+#include <cstddef>
 #include <cstring>
 #include <random>
 #include <string>
@@ -23,6 +24,15 @@ using zrvtest::SectionEvent;
 using zrvtest::TextFile;
 
 namespace {
+
+// Libraries that are built apart share the record.
+static_assert(offsetof(INTL_LOCFILE, comment_char) == 28);
+static_assert(offsetof(INTL_LOCFILE, line) == 33);
+static_assert(offsetof(INTL_LOCFILE, section) == 1057);
+static_assert(offsetof(INTL_LOCFILE, entry) == 1121);
+static_assert(offsetof(INTL_LOCFILE, value) == 1185);
+static_assert(offsetof(INTL_LOCFILE, file) == (sizeof(void *) == 4 ? 2212 : 2216));
+static_assert(sizeof(INTL_LOCFILE) == (sizeof(void *) == 4 ? 2224 : 2232));
 
 // A record as a caller has it, with anything in it, on a file that must be there.
 class Reader {
@@ -757,6 +767,17 @@ TEST(SectionSystem, ReadsOfEverySize) {
     IoProbe probe;
     probe.limit_reads(most);
     EXPECT_EQ(read_everything(file.path()), expected) << most;
+  }
+}
+
+// A line of the greatest length whose end comes with a later read, or half of it.
+TEST(SectionSystem, LongestLineInTwoReads) {
+  const TextFile text("[s]\nk = " + many(1019) + "\r\nl = 1\n");
+  for (size_t first = 1020; first < 1035; ++first) {
+    IoProbe probe;
+    probe.limit_reads(first);
+    EXPECT_EQ(transcript(read_everything(text.path())), "[s] k= <" + many(1019) + "> l= <1>")
+        << first;
   }
 }
 

@@ -616,8 +616,11 @@ class Command(unittest.TestCase):
         self.assertEqual(self.config_paths(ZARVEK=home, ZRVNCL_TCL_CFG="/first",
                                            ZARVEK_TCL_CFG="/second")["libtcl.cfg"],
                          ("/first", "missing", "ZRVNCL_TCL_CFG"))
-        # Without ZARVEK the tree that belongs to the library.
-        self.assertNotEqual(self.config_paths(ZARVEK="")["home"][2], "ZARVEK")
+        # Without ZARVEK the tree that belongs to the library, with what is shipped.
+        places = self.config_paths(ZARVEK="")
+        self.assertNotEqual(places["home"][2], "ZARVEK")
+        self.assertEqual(places["objectid.dat"],
+                         (f"{places['home'][0]}/config/objectid.dat", "file", below))
 
     def test_config_paths_table(self):
         result = zrvcomn("config", "paths", ZARVEK="/nowhere")

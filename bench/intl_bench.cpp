@@ -1,0 +1,108 @@
+// Benchmarks of what reads the installation. A pass opens the file, reads all of it and lets go of what
+// it has read; the time is that of a file.
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include <benchmark/benchmark.h>
+
+#include "comparison.h"
+#include "intl_peers.h"
+#include "zrvcomn/comloc.h"
+#include "zrvcomn/comnlib.h"
+#include "zrvcomn/zrvintl.h"
+
+namespace zrvbench {
+namespace {
+
+[[noreturn]] void give_up(const char *what) {
+  std::fprintf(stderr, "intl_bench: %s\n", what);
+  std::exit(1);
+}
+
+std::string identifiers_path() {
+  char path[1025];
+  char file[] = "objectid.dat";
+  if (com_path_cfgfile(nullptr, file, path, sizeof path, 0) != CS_SUCCEED)
+    give_up("no home directory");
+  return path;
+}
+
+// A file for the peer, which joins no lines and begins comments with another byte: as many bytes, with
+// as many keys and values.
+class KeyFile {
+public:
+  explicit KeyFile(const std::string &source) : name("/tmp/zrvbench_XXXXXX") {
+    const int file = mkstemp(name.data());
+    if (file < 0)
+      give_up("no temporary file");
+    close(file);
+    std::ifstream in(source, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(in), {}};
+    for (size_t at = 0; at < text.size(); ++at) {
+      if (text[at] == ';' && (at == 0 || text[at - 1] == '\n'))
+        text[at] = '#';
+      else if (text.compare(at, 2, "\\\n") == 0)
+        text.replace(at, 2, "  ");
+    }
+    std::ofstream(name, std::ios::binary) << text;
+  }
+  ~KeyFile() { std::filesystem::remove(name); }
+  KeyFile(const KeyFile &) = delete;
+  KeyFile &operator=(const KeyFile &) = delete;
+
+  const char *path() const { return name.c_str(); }
+
+private:
+  std::string name;
+};
+
+void read_sections(const char *path) {
+  INTL_LOCFILE file;
+  if (intl_open(path, &file) < 0)
+    give_up("cannot open the identifiers");
+  int status;
+  while (intl_nextsection(&file, &status) != nullptr)
+    while (intl_nextentry(&file, &status) != nullptr)
+      while (const char *const value = intl_nextvalue(&file, &status))
+        benchmark::DoNotOptimize(value);
+  if (status < 0 || intl_close(&file) < 0)
+    give_up("cannot read the identifiers");
+}
+
+void load_identifiers() {
+  CS_CONTEXT context{};
+  CS_OID_TABLE *table = nullptr;
+  if (comn_intl_load_globalid(&context, &table) != CS_SUCCEED)
+    give_up("cannot load the identifiers");
+  benchmark::DoNotOptimize(table);
+  comn_intl_drop_globalid(&context, table);
+}
+
+std::vector<Peer> key_file_peer([[maybe_unused]] const std::string &path,
+                                [[maybe_unused]] double goal) {
+#ifdef ZRVBENCH_WITH_GLIB
+  static const KeyFile key_file(path);
+  return {{"g_key_file_load_from_file", goal, [] { glib_load_key_file(key_file.path()); }}};
+#else
+  return {};
+#endif
+}
+
+} // namespace
+
+void register_comparisons() {
+  static const std::string path = identifiers_path();
+  compare({"section reader, a file", "intl_nextvalue", "objectid.dat", 1,
+           [] { read_sections(path.c_str()); }, key_file_peer(path, 0)});
+  compare({"load identifiers, a file", "comn_intl_load_globalid", "objectid.dat", 1,
+           load_identifiers, key_file_peer(path, 1.0)});
+}
+
+} // namespace zrvbench

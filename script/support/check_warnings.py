@@ -15,14 +15,15 @@ from pathlib import Path
 
 project = Path(__file__).resolve().parents[2]
 # What gcc alone understands, and has no bearing on warnings.
-gcc_only = {"-fno-reorder-blocks-and-partition"}
+gcc_only = {"-Winvalid-pch", "-fno-reorder-blocks-and-partition"}
 compilers = {"gcc": {".c": "gcc", ".cpp": "g++"}, "clang": {".c": "clang", ".cpp": "clang++"}}
 
 
 def check(entry, compiler, quick):
     """What a compiler says about a unit; the empty string when it says nothing."""
-    _, *flags = shlex.split(entry["command"])
-    for option in ("-o", "-MF", "-MT"):
+    command = shlex.split(entry["command"])
+    flags = command[2 if Path(command[0]).name == "ccache" else 1:]
+    for option in ("-o", "-MF", "-MT", "-include"):  # the last is a precompiled header: gcc's own
         if option in flags:
             place = flags.index(option)
             del flags[place:place + 2]

@@ -226,7 +226,7 @@ TEST(Crack, EveryDay) {
 }
 
 TEST(Crack, EveryTick) {
-  constexpr CS_INT step = sanitized ? 13 : 1;
+  const CS_INT step = sanitized ? 13 : 1;
   for (CS_INT tick = 0; tick < 25920000; tick += step) {
     CS_DATETIME value{0, tick};
     CS_DATEREC fields;

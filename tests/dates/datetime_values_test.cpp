@@ -174,7 +174,7 @@ TEST(Narrow, BigToTime) {
 }
 
 TEST(Narrow, EveryMillisecondOfABigTime) {
-  constexpr CS_UBIGINT step = sanitized ? 97 : 7;
+  const CS_UBIGINT step = sanitized ? 97 : 7;
   for (CS_UBIGINT milli = 0; milli < 86399999; milli += step) {
     CS_BIGTIME value = milli * 1000;
     CS_TIME ticks = -1;

@@ -708,7 +708,7 @@ struct RandomOperation {
   }
 };
 
-constexpr int random_operations = zrvtest::random_cases / 4;
+const int random_operations = zrvtest::random_cases / 4;
 
 } // namespace
 

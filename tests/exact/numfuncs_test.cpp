@@ -372,7 +372,8 @@ TEST(NumArithmetic, BoundaryOperandsOfAllShapesInPairs) {
 
 // All values up to 999 with scales 0 to 3, against integer arithmetic.
 TEST(NumArithmetic, AllSmallValuesInPairs) {
-  constexpr int precision = 3, step = zrvtest::random_cases < 100000 ? 37 : 3;
+  constexpr int precision = 3;
+  const int step = zrvtest::random_cases < 100000 ? 37 : 3;
   CS_NUMERIC values[4][1000];
   for (int scale = 0; scale <= 3; ++scale)
     for (int i = 0; i < 1000; ++i)

@@ -298,7 +298,7 @@ protected:
 
 // What a line comes to hangs on its section and the lines beside it alone.
 TEST_F(DamagedFile, EachByteOfEachLine) {
-  constexpr size_t step = sanitized ? 7 : 1;
+  const size_t step = sanitized ? 7 : 1;
   std::string section, before;
   for (size_t begin = 0; begin < text.size();) {
     const size_t end = text.find('\n', begin) + 1;
@@ -319,7 +319,7 @@ TEST_F(DamagedFile, EachByteOfEachLine) {
 }
 
 TEST_F(DamagedFile, BytesOfTheWholeFile) {
-  constexpr size_t step = sanitized ? 1999 : 307;
+  const size_t step = sanitized ? 1999 : 307;
   for (auto at = static_cast<size_t>(random_seed() % step); at < text.size() && !HasFatalFailure();
        at += step)
     damage(text, at);

@@ -32,6 +32,11 @@ struct User {
 
 } // namespace
 
+// The sanitizers' allocator answers a request for too much as the C library's does.
+extern "C" const char *__asan_default_options() {
+  return "allocator_may_return_null=1";
+}
+
 // Stands in for the C library's function.
 extern "C" int getpwnam_r(const char *name, passwd *entry, char *, size_t size, passwd **found) {
   EXPECT_STREQ(name, "zarvek");
@@ -137,7 +142,6 @@ TEST(Memory, ReallocKeepsTheContents) {
   comn_free(block);
 }
 
-#if !defined(__SANITIZE_ADDRESS__)
 TEST(Memory, TooMuchIsNull) {
   const volatile size_t huge = SIZE_MAX - 64;
   EXPECT_EQ(comn_malloc(huge), nullptr);
@@ -150,7 +154,6 @@ TEST(Memory, TooMuchIsNull) {
   EXPECT_STREQ(block, "abcdefg") << "the old block lives on";
   comn_free(block);
 }
-#endif
 
 TEST_F(Environment, Found) {
   setenv(variable, "value", 1);

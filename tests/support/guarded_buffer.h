@@ -1,4 +1,5 @@
-// A buffer that fails the test when any byte outside it was written.
+// A buffer that fails the test when any byte outside it was written; with sanitized libraries also when
+// one is read.
 #ifndef ZRVTEST_GUARDED_BUFFER_H
 #define ZRVTEST_GUARDED_BUFFER_H
 
@@ -8,6 +9,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+extern "C" {
+[[gnu::weak]] void __asan_poison_memory_region(const volatile void *begin, size_t size);
+[[gnu::weak]] void __asan_unpoison_memory_region(const volatile void *begin, size_t size);
+}
 
 namespace zrvtest {
 
@@ -23,9 +29,17 @@ public:
     start = static_cast<size_t>((base + guard + 63) / 64 * 64 - base) + misalignment;
     std::fill(bytes.data(), data(), canary);
     std::fill(data() + size, bytes.data() + bytes.size(), canary);
+    if (__asan_poison_memory_region != nullptr) {
+      __asan_poison_memory_region(bytes.data(), start);
+      __asan_poison_memory_region(data() + size, bytes.size() - start - size);
+    }
   }
 
-  ~GuardedBuffer() { EXPECT_TRUE(is_intact()) << "a byte outside the buffer was written"; }
+  ~GuardedBuffer() {
+    if (__asan_unpoison_memory_region != nullptr)
+      __asan_unpoison_memory_region(bytes.data(), bytes.size());
+    EXPECT_TRUE(is_intact()) << "a byte outside the buffer was written";
+  }
   GuardedBuffer(const GuardedBuffer &) = delete;
   GuardedBuffer &operator=(const GuardedBuffer &) = delete;
 

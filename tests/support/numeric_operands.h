@@ -13,7 +13,7 @@
 namespace zrvtest {
 
 // Slow builds check the same properties on fewer random cases.
-constexpr int random_cases = sanitized || !optimized ? 10'000 : 200'000;
+const int random_cases = sanitized || !optimized ? 10'000 : 200'000;
 
 inline const std::array<CS_BYTE, sizeof(CS_NUMERIC)> &bytes_of(const CS_NUMERIC &value) {
   return reinterpret_cast<const std::array<CS_BYTE, sizeof(CS_NUMERIC)> &>(value);

@@ -241,6 +241,10 @@ TEST(DateAdd, WhereTheSplitIntoDaysBegins) {
     EXPECT_EQ(add_days(1), (Sum{5, 25919995}));
     EXPECT_EQ(add_days(-2), (Sum{2, 25919995}));
     EXPECT_EQ(add_days(2), (Sum{6, 25919995}));
+    CS_DATETIME smallest{5, INT_MIN};
+    EXPECT_EQ(com__date_add(part, per_day[part - 6], &smallest), 0);
+    EXPECT_EQ(smallest.dtdays, 4);
+    EXPECT_EQ(smallest.dttime, INT_MIN + 2 * ticks_per_day);
   }
 }
 

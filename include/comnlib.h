@@ -196,9 +196,9 @@ ZRV_API CS_RETCODE comn_set_threaduserdata(CS_VOID *key, CS_VOID *dataptr) ZRV_N
  * report; nothing else happens if the application catches its signal. */
 ZRV_API void com_panic(char *msg) ZRV_NOEXCEPT;
 
-/* Checked copy and append. `size` is the full size of `dest`, terminator included. Null arguments,
- * a size below 1 and a result that does not fit are fatal, CS_FAIL, `dest` unchanged; else
- * CS_SUCCEED. */
+/* Checked copy and append. `size` is the full size of `dest`, terminator included. Null arguments
+ * (an assertion report, not that of a null pointer), a size below 1 and a result that does not fit
+ * are fatal, CS_FAIL, `dest` unchanged; else CS_SUCCEED. */
 ZRV_API CS_RETCODE com_copstr(char *dest, char *src, int size) ZRV_NOEXCEPT;
 ZRV_API CS_RETCODE com_catstr(char *dest, char *src, int size) ZRV_NOEXCEPT;
 
@@ -227,9 +227,12 @@ ZRV_API CS_RETCODE comn_debug_print(const char *fmtstr, ...) ZRV_NOEXCEPT
  * ap      in  the arguments, an array of intptr_t words; may be null for a format without any
  *
  * %d, %x and %X print the next word as an int, %ld and %lx (and a bare %l) as a long, %c as one
- * byte, %s as a string ("(null)" for null), with the flags, width and precision of printf, and the
- * integers with its h and hh; %% is a percent sign. Anything else prints "illegal format
- * specification" and a line feed, and consumes no word.
+ * byte, %s as a string ("(null)" for null); %% is a percent sign. A specification runs up to one of
+ * the letters c, d, l, s, x, X and consumes one word. What printf knows counts in it: the flags
+ * (with the apostrophe), width and precision, and the lengths h, hh, z, j and t before d, x and X;
+ * all else (an asterisk, a dollar sign, an n, any other letter) is passed over.
+ * A specification that ends without its letter, and one without a word because `ap` is null, prints
+ * "illegal format specification" and a line feed.
  */
 ZRV_API CS_RETCODE comn_debug_vprint(CS_CHAR *fmtstr, CS_VOID *ap) ZRV_NOEXCEPT;
 
@@ -419,7 +422,8 @@ ZRV_API CS_RETCODE com_conv_init(CS_CONTEXT *context) ZRV_NOEXCEPT;
 ZRV_API CS_RETCODE com_conv_free(CS_CONTEXT *context) ZRV_NOEXCEPT;
 
 /* The function that converts from one datatype to another, or null where there is none. A pair with
- * a code of 40 or above comes from the user list; a negative code gives null. */
+ * a code of 40 or above comes from the user list; a negative code gives null before anything else
+ * is looked at. */
 ZRV_API CS_CONV_FUNC com_conv_func(CS_CONTEXT *context, CS_INT srctype,
                                    CS_INT desttype) ZRV_NOEXCEPT;
 
@@ -440,9 +444,10 @@ ZRV_API CS_RETCODE com_conv_default(CS_CONTEXT *context, CS_INT srctype,
 
 /* ---- default values ---- */
 
-/* Gives a context its private default values, one for each built-in type. Once per context. On
- * CS_MEM_ERROR what was made so far stays for com_null_free, or for a second com_null_init, to
- * release; otherwise CS_SUCCEED. */
+/* Gives a context its private default values, one for each built-in type. Once per context, whose
+ * slots may hold anything before: they are not read. On CS_MEM_ERROR what was made so far stays for
+ * com_null_free to release; a second com_null_init before that would build anew and lose it.
+ * Otherwise CS_SUCCEED. */
 ZRV_API CS_RETCODE com_null_init(CS_CONTEXT *context) ZRV_NOEXCEPT;
 
 /* Releases all default values of a context. A second call is harmless. CS_SUCCEED. */
@@ -452,10 +457,12 @@ ZRV_API CS_RETCODE com_null_free(CS_CONTEXT *context) ZRV_NOEXCEPT;
  * Delivers the default value of destfmt->datatype.
  *
  * destfmt  in   datatype, format bits and, for numerics, precision and scale of the result
- * dest     out  the destination
- * destlen  in   its capacity; nothing is written past it, save the NUL behind a user default
+ * dest     out  the destination, of destfmt->maxlength bytes and no fewer than destlen
+ * destlen  in   the most bytes of the value to copy. It does not bound the pads, which fill up to
+ *               destfmt->maxlength
  * outlen   out  the length of the result
  *
+ * The precision and scale of a numeric are stored where `destlen` has room for them.
  * A user default is followed by a NUL, which counts in `*outlen` and is written even when the value
  * filled `destlen`: the destination must have room for that one more byte. A user type without a
  * default gives length 0. Returns CS_SUCCEED, or the status of the pad. A negative type, a context

@@ -1,6 +1,7 @@
 // Dispatch: the matrix, a context's private copy of it, and user conversions.
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -275,6 +276,53 @@ TEST(Matrix, HandedOut) {
       zrvtest::catch_check([&] { com__get_ctbl(&table, nullptr); }), "com_conv.cpp"));
 }
 
+namespace {
+
+// Calls every conversion of the matrix (the locators aside, whose values hold pointers) on values
+// that it takes and on values that it does not, with room and without.
+template <class Visit>
+void for_each_conversion(CS_CONTEXT *context, Visit visit) {
+  for (const int fill : {0x00, 0x01, 0x37, 0xFF}) {
+    // Long enough for whatever length a record of these bytes tells.
+    std::vector<unsigned char> source(70000, static_cast<unsigned char>(fill));
+    for (CS_INT from = 0; from <= CS_TYPE_BIGTIME; ++from)
+      for (CS_INT to = 0; to <= CS_TYPE_BIGTIME; ++to)
+        for (const CS_INT maxlength : {0, 2, 400}) {
+          const CS_CONV_FUNC function = com_conv_func(context, from, to);
+          if (function == no_function)
+            continue;
+          unsigned char dest[512];
+          CS_INT length = 0;
+          CS_DATAFMT srcfmt = zrvtest::make_format(from, comn_typelen(from, 8));
+          CS_DATAFMT destfmt = zrvtest::make_format(to, maxlength);
+          destfmt.precision = maxlength == 0 ? 0 : 10;
+          visit(from, to, function(context, &srcfmt, source.data(), &destfmt, dest, &length));
+        }
+  }
+}
+
+int error_calls;
+
+CS_RETCODE count_error_call(CS_CONTEXT *, CS_CLIENTMSG *) {
+  ++error_calls;
+  return CS_SUCCEED;
+}
+
+} // namespace
+
+TEST(Matrix, NoConversionSendsAMessage) {
+  TestContext context;
+  context->ctxerrfunc = count_error_call;
+  error_calls = 0;
+  int successes = 0, failures = 0;
+  for_each_conversion(context.get(), [&](CS_INT from, CS_INT to, CS_RETCODE status) {
+    ++(status == CS_SUCCEED ? successes : failures);
+    ASSERT_EQ(error_calls, 0) << from << " to " << to;
+  });
+  EXPECT_GT(successes, 1000);
+  EXPECT_GT(failures, 200);
+}
+
 TEST(ConvFunc, BuiltInPairsComeFromTheMatrix) {
   TestContext context;
   for (CS_INT row = 0; row < CS_TYPE_COUNT; ++row)
@@ -292,6 +340,9 @@ TEST(ConvFunc, NegativeCodesGiveNull) {
                 CS_SUCCEED);
       EXPECT_EQ(com_conv_func(context.get(), code, other), no_function);
       EXPECT_EQ(com_conv_func(context.get(), other, code), no_function);
+      // Nothing else is looked at: a context that is not there is no fault then.
+      EXPECT_EQ(com_conv_func(nullptr, code, other), no_function);
+      EXPECT_EQ(com_conv_func(nullptr, other, code), no_function);
     }
 }
 
@@ -325,18 +376,35 @@ TEST(ConvInit, TakesOneBlockOfTheToldSize) {
   EXPECT_EQ(com_conv_free(&context), CS_SUCCEED);
 }
 
+// A context may come from anywhere, so nothing that its slots held before is read or released.
+TEST(ConvInit, ReadsNothingThatTheContextHeld) {
+  CS_CONTEXT context;
+  std::memset(&context, 0x5A, sizeof context);
+  AllocationProbe probe;
+  ASSERT_EQ(com_conv_init(&context), CS_SUCCEED);
+  EXPECT_EQ(context.ctxusrcvttbl, nullptr);
+  EXPECT_EQ(com_conv_func(&context, 40, 40), no_function);
+  EXPECT_EQ(com_conv_free(&context), CS_SUCCEED);
+  EXPECT_EQ(probe.live_blocks(), 0U);
+}
+
+// A context whose start failed can be torn down like any other, also one that held rubbish before.
 TEST(ConvInit, EachAllocationFails) {
-  CS_CONTEXT context{};
-  const size_t failed =
-      zrvtest::fail_each_allocation([&] { context = CS_CONTEXT{}; },
-                                    [&] {
-                                      const CS_RETCODE status = com_conv_init(&context);
-                                      EXPECT_TRUE(status == CS_SUCCEED || status == CS_MEM_ERROR)
-                                          << status;
-                                      return status == CS_MEM_ERROR;
-                                    },
-                                    [&] { EXPECT_EQ(com_conv_free(&context), CS_SUCCEED); });
-  EXPECT_EQ(failed, 2U); // one allocation, in two modes
+  for (const int before : {0, 0x5A}) {
+    CS_CONTEXT context;
+    const size_t failed =
+        zrvtest::fail_each_allocation([&] { std::memset(&context, before, sizeof context); },
+                                      [&] {
+                                        const CS_RETCODE status = com_conv_init(&context);
+                                        if (status == CS_SUCCEED)
+                                          return false;
+                                        EXPECT_EQ(status, CS_MEM_ERROR);
+                                        EXPECT_EQ(com_conv_free(&context), CS_SUCCEED);
+                                        return true;
+                                      },
+                                      [&] { EXPECT_EQ(com_conv_free(&context), CS_SUCCEED); });
+    EXPECT_EQ(failed, 2U); // one allocation, in two modes
+  }
 }
 
 TEST(ConvInstall, ReplacesAndRestoresABuiltInCell) {
@@ -462,6 +530,24 @@ TEST(UserConversions, DefaultLeavesARecordThatAnswersNull) {
   EXPECT_EQ(com_conv_install(context.get(), 40, 41, second_user_conversion), CS_SUCCEED);
   EXPECT_EQ(com__conv_usr_struct(context.get(), 40, 41), record);
   EXPECT_EQ(com_conv_func(context.get(), 40, 41), second_user_conversion);
+}
+
+// A pair of a built-in and a user type lives on the user list, on whichever side the user type is.
+TEST(UserConversions, DefaultOfAMixedPair) {
+  const CS_INT pairs[][2] = {{8, 40}, {40, 8}, {0, INT_MAX}, {39, 40}};
+  for (const auto &pair : pairs) {
+    TestContext context;
+    EXPECT_EQ(com_conv_default(context.get(), pair[0], pair[1]), CS_SUCCEED); // never installed
+    EXPECT_EQ(context->ctxusrcvttbl, nullptr);
+    ASSERT_EQ(com_conv_install(context.get(), pair[0], pair[1], first_user_conversion), CS_SUCCEED);
+    CsUsrCvtFunc *const record = context->ctxusrcvttbl;
+    EXPECT_EQ(com_conv_default(context.get(), pair[0], pair[1]), CS_SUCCEED);
+    EXPECT_EQ(com_conv_func(context.get(), pair[0], pair[1]), no_function);
+    EXPECT_EQ(context->ctxusrcvttbl, record);
+    // The matrix keeps its own.
+    EXPECT_TRUE(std::equal(&Com__cnvrt_array[0][0], &Com__cnvrt_array[0][0] + 1600,
+                           context->ctxcvttbl.cvttbl));
+  }
 }
 
 TEST(UserConversions, FreeReleasesBothLevels) {

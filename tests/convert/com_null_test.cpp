@@ -2,6 +2,7 @@
 // from void.
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -13,6 +14,7 @@
 #include "conversion.h"
 #include "guarded_buffer.h"
 #include "zrvcomn/numeric.h"
+#include "zrvcomn/zrvintl.h"
 
 using zrvtest::AllocationProbe;
 using zrvtest::Conversion;
@@ -185,30 +187,52 @@ TEST(NullInit, CopiesEveryRow) {
   EXPECT_EQ(com_null_free(&context), CS_SUCCEED);
 }
 
-TEST(NullInit, EachAllocationFails) {
-  CS_CONTEXT context{};
-  const size_t failed =
-      zrvtest::fail_each_allocation([&] { context = CS_CONTEXT{}; },
-                                    [&] {
-                                      const CS_RETCODE status = com_null_init(&context);
-                                      EXPECT_TRUE(status == CS_SUCCEED || status == CS_MEM_ERROR)
-                                          << status;
-                                      return status == CS_MEM_ERROR;
-                                    },
-                                    [&] { EXPECT_EQ(com_null_free(&context), CS_SUCCEED); });
-  EXPECT_EQ(failed, 2U * 41U);
+// A context may come from anywhere, so nothing that its slots held before is read or released.
+TEST(NullInit, ReadsNothingThatTheContextHeld) {
+  CS_CONTEXT context;
+  std::memset(&context, 0x5A, sizeof context);
+  AllocationProbe probe;
+  ASSERT_EQ(com_null_init(&context), CS_SUCCEED);
+  EXPECT_EQ(context.ctxnulls.nulldim, 40);
+  EXPECT_EQ(context.ctxusrnulls, nullptr);
+  EXPECT_EQ(get(&context, make_format(40, 4), 4).length, 0);
+  EXPECT_EQ(com_null_free(&context), CS_SUCCEED);
+  EXPECT_EQ(probe.live_blocks(), 0U);
 }
 
-// A context whose start failed can be torn down without a second attempt.
-TEST(NullInit, FreeAfterAFailure) {
-  for (size_t nth = 1; nth <= 41; ++nth) {
-    CS_CONTEXT context{};
-    AllocationProbe probe;
-    probe.fail(nth, AllocationProbe::fail_from_then_on);
-    EXPECT_EQ(com_null_init(&context), CS_MEM_ERROR);
-    EXPECT_EQ(com_null_free(&context), CS_SUCCEED);
-    EXPECT_EQ(probe.live_blocks(), 0U) << nth;
+// A context whose start failed is torn down like any other, also one that held rubbish before; then
+// it starts anew.
+TEST(NullInit, EachAllocationFails) {
+  for (const int before : {0, 0x5A}) {
+    CS_CONTEXT context;
+    const size_t failed =
+        zrvtest::fail_each_allocation([&] { std::memset(&context, before, sizeof context); },
+                                      [&] {
+                                        const CS_RETCODE status = com_null_init(&context);
+                                        if (status == CS_SUCCEED)
+                                          return false;
+                                        EXPECT_EQ(status, CS_MEM_ERROR);
+                                        EXPECT_EQ(com_null_free(&context), CS_SUCCEED);
+                                        return true;
+                                      },
+                                      [&] { EXPECT_EQ(com_null_free(&context), CS_SUCCEED); });
+    EXPECT_EQ(failed, 2U * 41U);
   }
+}
+
+// Without the release in between the second start builds anew, and what the first made is lost.
+TEST(NullInit, ASecondStartBuildsAnew) {
+  CS_CONTEXT context{};
+  AllocationProbe probe;
+  probe.fail(3);
+  ASSERT_EQ(com_null_init(&context), CS_MEM_ERROR);
+  CsDefVal *const first = context.ctxnulls.nullvals;
+  ASSERT_EQ(com_null_init(&context), CS_SUCCEED);
+  EXPECT_NE(context.ctxnulls.nullvals, first);
+  EXPECT_EQ(com_null_free(&context), CS_SUCCEED);
+  EXPECT_EQ(probe.live_blocks(), 2U); // the first table and the bytes of its first row
+  comn_free(first[0].dventity);
+  comn_free(first);
 }
 
 // Without pads, into more room than needed, exactly enough, and every smaller one down to none.
@@ -330,13 +354,16 @@ TEST(NullGet, Pads) {
       {CS_TYPE_UNITEXT, N, 3, 3, CS_SUCCEED, 3, "\0\0\0"s},
       {CS_TYPE_UNITEXT, N, 2, 2, CS_CONV_OVERFLOW, 1, "\0\0"s},
       {CS_TYPE_UNITEXT, 0, 0, 0, CS_SUCCEED, 0, ""},
-      // the pads see no more room than `destlen`, and no more than `maxlength`
-      {CS_TYPE_CHAR, B, 10, 4, CS_SUCCEED, 4, "    "},
+      // deliberate: `destlen` cuts the copy alone, and the pads fill up to `maxlength`
+      {CS_TYPE_CHAR, B, 10, 4, CS_SUCCEED, 10, "          "},
+      {CS_TYPE_CHAR, B | N, 6, 1, CS_SUCCEED, 6, "     \0"s},
       {CS_TYPE_CHAR, B, 4, 6, CS_SUCCEED, 4, "    \xA5\xA5"},
-      {CS_TYPE_CHAR, N, 10, 0, CS_CONV_OVERFLOW, 0, ""},
-      {CS_TYPE_CHAR, N, 10, -3, CS_CONV_OVERFLOW, 0, ""},
-      {CS_TYPE_LONGBINARY, P, 10, 4, CS_SUCCEED, 4, "\0\0\0\0"s},
-      {CS_TYPE_UNICHAR, B, 10, 2, CS_SUCCEED, 1, "\0\xA5"s},
+      {CS_TYPE_CHAR, N, 3, 0, CS_SUCCEED, 1, "\0\xA5\xA5"s},
+      {CS_TYPE_CHAR, N, 3, -3, CS_SUCCEED, 1, "\0\xA5\xA5"s},
+      {CS_TYPE_LONGBINARY, P, 10, 4, CS_SUCCEED, 10, "\0\0\0\0\0\0\0\0\0\0"s},
+      {CS_TYPE_UNICHAR, B, 8, 2, CS_SUCCEED, 7, "\0 \0 \0 \0\xA5"s},
+      {CS_TYPE_UNICHAR, N, 8, 2, CS_SUCCEED, 3, "\0\0\0\xA5\xA5\xA5\xA5\xA5"s},
+      {CS_TYPE_UNICHAR, B, 4, 0, CS_SUCCEED, 4, " \0 \0"s},
       // fixed types are never padded
       {CS_TYPE_INT, P | B | N, 10, 10, CS_SUCCEED, 4, "\0\0\0\0\xA5\xA5\xA5\xA5\xA5\xA5"s},
   };
@@ -345,8 +372,8 @@ TEST(NullGet, Pads) {
     SCOPED_TRACE(testing::Message()
                  << "type " << row.type << " format " << row.format << " maxlength "
                  << row.maxlength << " destlen " << row.destlen);
-    const Delivered result =
-        get(context.get(), make_format(row.type, row.maxlength, row.format), row.destlen);
+    const Delivered result = get(context.get(), make_format(row.type, row.maxlength, row.format),
+                                 row.destlen, std::max(row.maxlength, row.destlen));
     EXPECT_EQ(result.status, row.status);
     EXPECT_EQ(result.length, row.length);
     EXPECT_EQ(result.bytes, row.bytes);
@@ -565,6 +592,10 @@ TEST(UserDefaults, LengthZero) {
   EXPECT_EQ(result.status, CS_SUCCEED);
   EXPECT_EQ(result.length, 1);
   EXPECT_EQ(result.bytes, "\0\xA5\xA5\xA5"s);
+  // Reinstalling the default of length 0 removes it: from then on it is a miss.
+  EXPECT_EQ(com_null_reinstall(context.get(), 40), CS_SUCCEED);
+  EXPECT_EQ(context->ctxusrnulls, nullptr);
+  EXPECT_EQ(get(context.get(), make_format(40, 4), 4).length, 0);
   // From something to nothing and back.
   ASSERT_EQ(set(context.get(), 40, "abc"), CS_SUCCEED);
   ASSERT_EQ(set(context.get(), 40, ""), CS_SUCCEED);
@@ -670,6 +701,53 @@ TEST(VoidToAny, EveryTypeByItsWidth) {
     EXPECT_EQ(length, std::min(width, defaults[type].size)) << type;
     EXPECT_TRUE(dest.is_untouched(static_cast<size_t>(length))) << type;
   }
+}
+
+// The bits of the format reach the pads through the matrix, and the room is maxlength for every text
+// type, those with a width of their own too.
+TEST(VoidToAny, FormatBitsForEveryText) {
+  struct Row {
+    CS_INT format;
+    CS_RETCODE status;
+    CS_INT length;
+    std::string bytes;
+  };
+  const Row of_text[] = {
+      {0, CS_SUCCEED, 0, "\xA5\xA5\xA5\xA5\xA5\xA5"},
+      {N, CS_SUCCEED, 1, "\0\xA5\xA5\xA5\xA5\xA5"s},
+      {P, CS_SUCCEED, 6, "\0\0\0\0\0\0"s},
+      {B, CS_SUCCEED, 6, "      "},
+      {B | N, CS_SUCCEED, 6, "     \0"s},
+      {P | B, CS_CONV_PADCONFLICT, 0, "\xA5\xA5\xA5\xA5\xA5\xA5"},
+  };
+  // The default of 16-bit text is one byte, and the units stand behind it.
+  const Row of_unitext[] = {
+      {0, CS_SUCCEED, 1, "\0\xA5\xA5\xA5\xA5\xA5"s},
+      {N, CS_SUCCEED, 3, "\0\0\0\xA5\xA5\xA5"s},
+      {P, CS_SUCCEED, 5, "\0\0\0\0\0\xA5"s},
+      {B, CS_SUCCEED, 5, "\0 \0 \0\xA5"s},
+      {B | N, CS_SUCCEED, 5, "\0 \0\0\0\xA5"s},
+      {P | B, CS_CONV_PADCONFLICT, 1, "\0\xA5\xA5\xA5\xA5\xA5"s},
+  };
+  TestContext context;
+  const auto expect_rows = [&](CS_INT type, const auto &rows) {
+    for (const Row &row : rows) {
+      SCOPED_TRACE(testing::Message() << "type " << type << " format " << row.format);
+      CS_DATAFMT format = make_format(type, 6, row.format);
+      GuardedBuffer dest(6);
+      CS_INT length = -1;
+      EXPECT_EQ(com_conv_func(context.get(), CS_TYPE_VOID, type)(context.get(), nullptr, nullptr,
+                                                                 &format, dest.data(), &length),
+                row.status);
+      EXPECT_EQ(length, row.length);
+      EXPECT_EQ(dest.contents(), row.bytes);
+    }
+  };
+  for (const CS_INT type :
+       {CS_TYPE_CHAR, CS_TYPE_TEXT, CS_TYPE_SENSITIVITY, CS_TYPE_BOUNDARY, CS_TYPE_XML})
+    expect_rows(type, of_text);
+  for (const CS_INT type : {CS_TYPE_UNICHAR, CS_TYPE_UNITEXT})
+    expect_rows(type, of_unitext);
 }
 
 TEST(VoidToAny, AUserType) {

@@ -128,7 +128,8 @@ TEST(PadBin, Examples) {
       // the fill starts at srclen, wherever the data ends
       {1, P, 5, 3, CS_SUCCEED, 5, "#\0\0\0\0"s},
       {4, P, 5, 1, CS_SUCCEED, 5, "####\0"s},
-      {1, P, 5, 5, CS_SUCCEED, 5, "#####"},
+      {1, P, 5, 5, CS_SUCCEED, 5, "#\0\0\0\0"s},
+      {1, P, 5, 9, CS_SUCCEED, 5, "#\0\0\0\0"s},
       {0, P, -1, 0, CS_SUCCEED, 0, ""},
       {0, P, INT_MIN, 0, CS_SUCCEED, 0, ""},
       {INT_MIN, P, 2, INT_MIN, CS_SUCCEED, 2, "\0\0"s},

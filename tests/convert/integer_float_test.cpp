@@ -53,13 +53,15 @@ const Row rows[] = {
     {"i8", "flt4", "9223369000000000000", 0x5EFFFFFA},
     {"i8", "flt4", "9223369999999999999", 0x5EFFFFFC},
     {"i8", "flt4", "9223370000000000000", 0x5EFFFFFC},
-    {"i8", "flt4", "9223370200000000000", 0x5EFFFFFC}, // the nearest would be 5EFFFFFD
+    {"i8", "flt4", "9223370112709427201", 0x5EFFFFFC}, // the first whose nearest is 5EFFFFFD
+    {"i8", "flt4", "9223370200000000000", 0x5EFFFFFC},
     {"i8", "flt4", "9223372036854775807", 0x5EFFFFFC}, // the nearest would be 5F000000
     {"i8", "flt8", "9223372036854769151", 0x43DFFFFFFFFFFFF9},
     {"i8", "flt8", "9223372036854769152", 0x43DFFFFFFFFFFFFA},
     {"i8", "flt8", "9223372036854769663", 0x43DFFFFFFFFFFFFA},
     {"i8", "flt8", "9223372036854769664", 0x43DFFFFFFFFFFFFA},
-    {"i8", "flt8", "9223372036854770700", 0x43DFFFFFFFFFFFFA}, // not 43DFFFFFFFFFFFFB
+    {"i8", "flt8", "9223372036854770177", 0x43DFFFFFFFFFFFFA}, // the first whose nearest is ...B
+    {"i8", "flt8", "9223372036854770700", 0x43DFFFFFFFFFFFFA},
     {"i8", "flt8", "9223372036854775807", 0x43DFFFFFFFFFFFFA}, // not 43E0000000000000
 
     {"ui8", "flt4", "0", 0},
@@ -78,12 +80,16 @@ const Row rows[] = {
     {"ui8", "flt8", "18446744073709499393", 0x43EFFFFFFFFFFFE6}, // the nearest would be ...E7
     // the limits
     {"ui8", "flt4", "18446690000000000000", 0x5F7FFFCF},
+    {"ui8", "flt4", "18446699268610719743", 0x5F7FFFD7}, // the last that is not 5F7FFFD8
     {"ui8", "flt4", "18446699999999999999", 0x5F7FFFD8},
     {"ui8", "flt4", "18446700000000000000", 0x5F7FFFD8},
+    {"ui8", "flt4", "18446700917878161407", 0x5F7FFFD8}, // the nearest would be 5F7FFFD9
     {"ui8", "flt4", "18446744073709551615", 0x5F7FFFD8}, // the nearest would be 5F800000
     {"ui8", "flt8", "18446744073709490176", 0x43EFFFFFFFFFFFE2},
+    {"ui8", "flt8", "18446744073709499902", 0x43EFFFFFFFFFFFE6}, // the last that is not ...E7
     {"ui8", "flt8", "18446744073709500415", 0x43EFFFFFFFFFFFE7},
     {"ui8", "flt8", "18446744073709500416", 0x43EFFFFFFFFFFFE7},
+    {"ui8", "flt8", "18446744073709500928", 0x43EFFFFFFFFFFFE7}, // the sum would give ...E8
     {"ui8", "flt8", "18446744073709551615", 0x43EFFFFFFFFFFFE7}, // not 43F0000000000000
 };
 

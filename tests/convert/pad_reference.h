@@ -58,7 +58,7 @@ inline CS_RETCODE reference_pad_binary(CS_INT srclen, CS_INT format, CS_INT maxl
                                        Padded &dest) {
   if (srclen < 0)
     srclen = 0;
-  if ((format & CS_DFMT_PADNULL) != 0 && maxlength > srclen && maxlength > dest.length) {
+  if ((format & CS_DFMT_PADNULL) != 0 && maxlength > srclen) {
     for (CS_INT i = srclen; i < maxlength; ++i)
       dest.bytes.at(static_cast<size_t>(i)) = '\0';
     dest.length = maxlength;

@@ -1,5 +1,6 @@
 // The two checks and how they end the process.
 #include <csignal>
+#include <cstdio>
 #include <string>
 
 #include <fcntl.h>
@@ -20,6 +21,13 @@ void report_stderr_and_exit(int) {
 }
 
 void ignore_signal(int) {}
+
+// Gives standard error a buffer, as an application may: what it holds is lost when the process ends
+// with _exit or by a signal.
+void buffer_stderr() {
+  static char buffer[4096];
+  std::setvbuf(stderr, buffer, _IOFBF, sizeof buffer);
+}
 
 } // namespace
 
@@ -78,6 +86,22 @@ TEST(ChecksDeathTest, DefaultRaisesSignalSixWithStandardErrorOpen) {
         com_bomb(unit, 42);
       },
       testing::ExitedWithCode(42), "assertion failed");
+}
+
+TEST(ChecksDeathTest, ReportsAreFlushedBeforeTheSignal) {
+  EXPECT_EXIT(
+      {
+        buffer_stderr();
+        com_bomb(unit, 42);
+      },
+      testing::KilledBySignal(SIGABRT), "assertion failed, file 'some/unit.cpp' line 42");
+  EXPECT_EXIT(
+      {
+        buffer_stderr();
+        std::signal(SIGABRT, report_stderr_and_exit);
+        com_raise_invalid_null_pointer(unit, 7);
+      },
+      testing::ExitedWithCode(42), "Invalid NULL pointer , file 'some/unit.cpp' line 7");
 }
 
 TEST(ChecksDeathTest, HardAbortClosesStandardErrorFirst) {

@@ -168,13 +168,27 @@ TEST(DebugVprint, Integers) {
   EXPECT_EQ(vprint("%x", {-1}), "ffffffff");
   EXPECT_EQ(vprint("[%5d|%-5d|%05d|%+d|% d|%.3d]", {42, 42, 42, 42, 42, 42}),
             "[   42|42   |00042|+42| 42|042]");
+  EXPECT_EQ(vprint("[%.d|%.0d|%5.2d|%-5.2d|%10d|%+-6d|%'d]", {0, 0, 7, 7, 42, 42, 1234}),
+            "[||   07|07   |        42|+42   |1234]");
+  EXPECT_EQ(vprint("[%0005d|%--++5d|%5-d]", {42, 42, 42}), "[00042|+42  |42   ]");
   EXPECT_EQ(vprint("%#x %8.8x", {255, 255}), "0xff 000000ff");
 }
 
-// A word is an int, of which an h takes 16 bits and two take 8.
-TEST(DebugVprint, NarrowIntegers) {
+// A word is an int, of which an h takes 16 bits and two take 8; the other lengths take all of it.
+TEST(DebugVprint, LengthLetters) {
   EXPECT_EQ(vprint("%hd %hx %hX %hhx", {70000, 0x1beef, 0x1beef, 0x1ef}), "4464 beef BEEF ef");
-  EXPECT_EQ(vprint("%6hd|%d", {-1, 5}), "    -1|5");
+  EXPECT_EQ(vprint("%6hd|%hhd|%d", {0x1ffff, 0x180, 5}), "    -1|-128|5");
+  for (const char *length : {"z", "j", "t"}) {
+    SCOPED_TRACE(length);
+    const std::string percent = std::string("%") + length;
+    EXPECT_EQ(vprint(percent + "d " + percent + "d|", {INTPTR_MIN, -1}),
+              sizeof(intptr_t) == 8 ? "-9223372036854775808 -1|" : "-2147483648 -1|");
+    EXPECT_EQ(vprint(percent + "x " + percent + "X", {-1, INTPTR_MIN}),
+              sizeof(intptr_t) == 8 ? "ffffffffffffffff 8000000000000000" : "ffffffff 80000000");
+  }
+  // Before the other letters they say nothing.
+  EXPECT_EQ(vprint("%hs|%zc|%jld|%hlx|%tl", {word("text"), 'c', 70000, 0x1ffff, 70000}),
+            "text|c|70000|1ffff|70000");
 }
 
 TEST(DebugVprint, Longs) {
@@ -236,34 +250,27 @@ TEST(DebugVprint, UnterminatedSpecificationIsIllegal) {
   EXPECT_EQ(vprint("%5"), illegal);
   EXPECT_EQ(vprint("%5.2f"), illegal);
   EXPECT_EQ(vprint("%u", {1}), illegal);
-  EXPECT_EQ(vprint("%y and no more", {1}), std::string(illegal) + " no more")
-      << "the d of \"and\" ends it";
+  EXPECT_EQ(vprint("%h", {1}), illegal);
   EXPECT_EQ(vprint("%n", {0}), illegal);
   EXPECT_EQ(vprint("% "), illegal);
+  EXPECT_EQ(vprint("%" + std::string(10000, '0')), illegal);
 }
 
-// Whatever would make fprintf reach for other arguments than one word is refused, and consumes
-// none.
-TEST(DebugVprint, ForeignSpecificationIsIllegal) {
-  EXPECT_EQ(vprint("%*d%d", {5, 6}), std::string(illegal) + "5");
-  EXPECT_EQ(vprint("%qd%d", {5}), std::string(illegal) + "5");
-  EXPECT_EQ(vprint("%hs%d", {5}), std::string(illegal) + "5");
-  EXPECT_EQ(vprint("%hc%d", {5}), std::string(illegal) + "5");
-  EXPECT_EQ(vprint("%hld%d", {5}), std::string(illegal) + "5");
-  EXPECT_EQ(vprint("%h", {5}), illegal);
-  EXPECT_EQ(vprint("%1$d%d", {5}), std::string(illegal) + "5");
-  EXPECT_EQ(vprint("%n%d", {5}), illegal) << "one specification, up to the d";
-  EXPECT_EQ(vprint("%5%d%d", {5}), std::string(illegal) + "5");
+// Whatever would make fprintf reach for other arguments than one word is passed over; the word of
+// the specification is taken and printed all the same.
+TEST(DebugVprint, ForeignLettersArePassedOver) {
+  EXPECT_EQ(vprint("%*d|%d", {5, 6}), "5|6");
+  EXPECT_EQ(vprint("%.*d|%d", {5, 6}), "5|6");
+  EXPECT_EQ(vprint("%4$d|%d", {5, 6}), "   5|6");
+  EXPECT_EQ(vprint("%qd|%Lx|%d", {5, 6, 7}), "5|6|7");
+  EXPECT_EQ(vprint("%n%d|%d", {5, 6}), "5|6") << "one specification, up to the d";
+  EXPECT_EQ(vprint("%4%d%d", {5, 6}), "   56");
+  EXPECT_EQ(vprint("%y and no more", {5}), " 5 no more") << "the d of \"and\" ends it";
 }
 
 TEST(DebugVprint, LongSpecifications) {
-  // 31 bytes from the percent sign to the letter are the longest.
-  const std::string zeros(27, '0');
-  EXPECT_EQ(vprint("%" + zeros + "+5d", {42}).size(), 5U);
-  EXPECT_EQ(vprint("%" + zeros + "0+5d", {42}), std::string(illegal));
-  EXPECT_EQ(vprint("%" + std::string(10000, '0') + "d|%d", {42}), std::string(illegal) + "|42");
-  EXPECT_EQ(vprint("%" + std::string(10000, '0')), illegal);
-  // With an l the letter behind it counts as well.
-  EXPECT_EQ(vprint("%" + zeros + "5ld", {42}).size(), 5U);
-  EXPECT_EQ(vprint("%" + zeros + "05ld|", {42}), std::string(illegal) + "|");
+  const std::string zeros(10000, '0');
+  EXPECT_EQ(vprint("%" + zeros + "+5d|%d", {42, 43}), "+0042|43");
+  EXPECT_EQ(vprint("%." + zeros + "5ld|", {42}), "00042|");
+  EXPECT_EQ(vprint("%" + std::string(10000, '*') + "d|", {42}), "42|");
 }

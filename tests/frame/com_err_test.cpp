@@ -1,5 +1,7 @@
 // The return-code trace and the table of printable names.
 #include <cstdio>
+#include <functional>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -94,9 +96,24 @@ TEST_F(Trace, CutsThePathBehindItsLastSlash) {
   EXPECT_EQ(trace(0, "a\\b.cpp"), "(CS_FAIL) file a\\b.cpp, line 12\n");
 }
 
-// The stack depth is always 0 here, so no dots stand before the line.
+// The stack depth is always 0 here, so no dots stand before the line, however deep its call.
 TEST_F(Trace, IsNotIndented) {
-  EXPECT_EQ(com__get_stack_depth(), 0);
+  com_errset(3);
+  const std::function<std::string(int)> trace_below = [&](int levels) {
+    EXPECT_EQ(com__get_stack_depth(), 0);
+    return levels == 0 ? trace(CS_BUSY) : trace_below(levels - 1);
+  };
+  EXPECT_EQ(trace_below(0), "(CS_BUSY) file unit.cpp, line 12\n");
+  EXPECT_EQ(trace_below(9), "(CS_BUSY) file unit.cpp, line 12\n");
+  // An exported function that is called by another one is not indented either.
+  CS_CONTEXT context{};
+  const std::string text = zrvtest::capture_stdout([&] {
+    EXPECT_EQ(com_conv_init(&context), CS_SUCCEED);
+    EXPECT_EQ(com_conv_default(&context, 8, 7), CS_SUCCEED);
+    EXPECT_EQ(com_conv_free(&context), CS_SUCCEED);
+  });
+  const std::regex lines("(\\(CS_SUCCEED\\) file com_conv.cpp, line [0-9]+\n){4}");
+  EXPECT_TRUE(std::regex_match(text, lines)) << text;
 }
 
 TEST_F(Trace, GoesToTheDebugFile) {

@@ -1,6 +1,10 @@
 // The panic exit and the checked string copies.
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -25,6 +29,18 @@ TEST(PanicDeathTest, ReportsAndExits) {
               "^\nINTERNAL ERROR: unrecoverable error: \n$");
 }
 
+// The text does not wait for the end of the process.
+TEST(PanicDeathTest, FlushesBeforeItExits) {
+  EXPECT_EXIT(
+      {
+        static char buffer[4096];
+        std::setvbuf(stderr, buffer, _IOFBF, sizeof buffer);
+        std::atexit([] { _exit(7); });
+        com_panic(text("no more"));
+      },
+      testing::ExitedWithCode(7), "^\nINTERNAL ERROR: unrecoverable error: no more\n$");
+}
+
 TEST(Panic, NullMessageIsANullPointerReportAlone) {
   const auto report = zrvtest::catch_check([] { com_panic(nullptr); });
   EXPECT_TRUE(zrvtest::is_null_pointer_report(report, "dbgfuncs.cpp")) << report.text;
@@ -44,8 +60,9 @@ TEST(CheckedCopy, WhatDoesNotFitIsAnAssertion) {
   EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_copstr(buffer.text(), text("hello"), 5));
   EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_copstr(buffer.text(), text(""), 0));
   EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_copstr(buffer.text(), text(""), -1));
-  EXPECT_NULL_POINTER_CHECK("dbgfuncs.cpp", CS_FAIL, com_copstr(nullptr, text("a"), 6));
-  EXPECT_NULL_POINTER_CHECK("dbgfuncs.cpp", CS_FAIL, com_copstr(buffer.text(), nullptr, 6));
+  // A null argument is an assertion too, not an invalid pointer.
+  EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_copstr(nullptr, text("a"), 6));
+  EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_copstr(buffer.text(), nullptr, 6));
   EXPECT_TRUE(buffer.is_untouched());
 }
 
@@ -65,8 +82,8 @@ TEST(CheckedAppend, WhatDoesNotFitIsAnAssertion) {
   EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_catstr(buffer.text(), text("llo"), 5));
   EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_catstr(buffer.text(), text(""), 0));
   EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_catstr(buffer.text(), text(""), -1));
-  EXPECT_NULL_POINTER_CHECK("dbgfuncs.cpp", CS_FAIL, com_catstr(nullptr, text("a"), 6));
-  EXPECT_NULL_POINTER_CHECK("dbgfuncs.cpp", CS_FAIL, com_catstr(buffer.text(), nullptr, 6));
+  EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_catstr(nullptr, text("a"), 6));
+  EXPECT_ASSERTION("dbgfuncs.cpp", CS_FAIL, com_catstr(buffer.text(), nullptr, 6));
   EXPECT_STREQ(buffer.text(), "he");
   EXPECT_TRUE(buffer.is_untouched(3));
 }

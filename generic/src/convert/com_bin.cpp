@@ -5,6 +5,7 @@
 
 #include "conv_func.h"
 #include "pad.h"
+#include "raw_copy.h"
 
 namespace {
 
@@ -50,7 +51,7 @@ bool is_space(CS_CHAR c) noexcept {
 
 // The copies are memmove: of a length within known bounds the compiler would expand memcpy in line,
 // to something slower than the call.
-CS_RETCODE comn_fixedtobin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
+CS_RETCODE comn::fixed_to_binary(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
   COMN_CHECK_CONV(COMN_HERE, true, destfmt->maxlength >= 0 && tlen >= 1);
   const CS_INT capacity = destfmt->maxlength;
   *destlen = std::min(capacity, tlen);
@@ -60,7 +61,7 @@ CS_RETCODE comn_fixedtobin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
   return comn::pad_binary(tlen, destfmt->format, capacity, dest, destlen);
 }
 
-CS_RETCODE comn_fixedtovarbin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
+CS_RETCODE comn::fixed_to_varbinary(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
   COMN_CHECK_CONV(COMN_HERE, true, true);
   const CS_INT length = tlen < 0 || tlen > varbinary_capacity ? varbinary_capacity : tlen;
   auto *record = static_cast<CS_BYTE *>(dest);
@@ -68,6 +69,14 @@ CS_RETCODE comn_fixedtovarbin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
   comn::store(record + offsetof(CS_VARBINARY, len), static_cast<CS_SMALLINT>(length));
   *destlen = sizeof(CS_VARBINARY);
   return length < tlen ? CS_CONV_OVERFLOW : CS_SUCCEED;
+}
+
+CS_RETCODE comn_fixedtobin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
+  return COMN_TRACE(comn::fixed_to_binary(COMN_CONV_ARGUMENTS, tlen));
+}
+
+CS_RETCODE comn_fixedtovarbin(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {
+  return COMN_TRACE(comn::fixed_to_varbinary(COMN_CONV_ARGUMENTS, tlen));
 }
 
 void comn__hex2binbytes(CS_CHAR **src, CS_INT *srclen) noexcept {
@@ -91,7 +100,9 @@ void comn__hex2binbytes(CS_CHAR **src, CS_INT *srclen) noexcept {
   *srclen = length;
 }
 
-CS_RETCODE comn_chartobin(COMN_CONV_PARAMETERS) noexcept {
+namespace {
+
+CS_RETCODE text_to_binary(COMN_CONV_PARAMETERS) noexcept {
   COMN_CHECK_CONV(COMN_HERE, comn::text_types.contains(srcfmt->datatype),
                   comn::binary_types.contains(destfmt->datatype));
   auto *text = static_cast<CS_CHAR *>(src);
@@ -123,3 +134,7 @@ CS_RETCODE comn_chartobin(COMN_CONV_PARAMETERS) noexcept {
     return CS_CONV_TRUNCATED;
   return comn::pad_binary(count, destfmt->format, capacity, dest, destlen);
 }
+
+} // namespace
+
+COMN_CONV(comn_chartobin, text_to_binary)

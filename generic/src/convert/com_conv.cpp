@@ -28,9 +28,9 @@ UserSearch find_user(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexc
 // What com_conv_func does when the answer is no cell of the matrix.
 [[gnu::noinline]] CS_CONV_FUNC find_elsewhere(CS_CONTEXT *context, CS_INT srctype,
                                               CS_INT desttype) noexcept {
-  COMN_CHECK_PTR(context, nullptr);
   if (srctype < 0 || desttype < 0)
     return nullptr;
+  COMN_CHECK_PTR(context, nullptr);
   if (comn::is_builtin(srctype) && comn::is_builtin(desttype))
     COMN_CHECK_PTR(context->ctxcvttbl.cvttbl, nullptr);
   return com__conv_usr_func(context, srctype, desttype);
@@ -47,6 +47,9 @@ void com__get_ctbl(CS_CONV_FUNC **cvt_array, int *cvt_dim) noexcept {
 
 CS_RETCODE com_conv_init(CS_CONTEXT *context) noexcept {
   COMN_CHECK_PTR(context, COMN_TRACE(CS_FAIL));
+  // The context may come from anywhere: nothing is read, and com_conv_free must find an empty list
+  // also after a failure.
+  context->ctxusrcvttbl = nullptr;
   CsConvertTbl &table = context->ctxcvttbl;
   constexpr size_t bytes = matrix_cells * sizeof(CS_CONV_FUNC);
   table.cvttbl = static_cast<CS_CONV_FUNC *>(comn_malloc(bytes));
@@ -54,7 +57,6 @@ CS_RETCODE com_conv_init(CS_CONTEXT *context) noexcept {
     return COMN_TRACE(CS_MEM_ERROR);
   std::memcpy(table.cvttbl, Com__cnvrt_array, bytes);
   table.cvtdim = CS_TYPE_COUNT;
-  context->ctxusrcvttbl = nullptr;
   return COMN_TRACE(CS_SUCCEED);
 }
 

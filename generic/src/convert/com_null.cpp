@@ -49,9 +49,10 @@ void free_values(CsNullTbl &table) noexcept {
 
 CS_RETCODE com_null_init(CS_CONTEXT *context) noexcept {
   COMN_CHECK_PTR(context, COMN_TRACE(CS_FAIL));
+  // The context may come from anywhere: nothing is read, and com_null_free must find what it can
+  // release also after a failure.
+  context->ctxusrnulls = nullptr;
   CsNullTbl &table = context->ctxnulls;
-  // What an attempt that ran out of memory left behind.
-  free_values(table);
   table.nulldim = CS_TYPE_COUNT;
   table.nullvals = static_cast<CsDefVal *>(comn_calloc(CS_TYPE_COUNT, sizeof(CsDefVal)));
   if (table.nullvals == nullptr)
@@ -62,7 +63,6 @@ CS_RETCODE com_null_init(CS_CONTEXT *context) noexcept {
     if (!copy_bytes(&value.dventity, Comv_values[row].dventity, value.dvsize, true))
       return COMN_TRACE(CS_MEM_ERROR);
   }
-  context->ctxusrnulls = nullptr;
   return COMN_TRACE(CS_SUCCEED);
 }
 
@@ -97,8 +97,8 @@ CS_RETCODE com_null_get(CS_CONTEXT *context, CS_DATAFMT *destfmt, CS_VOID *dest,
   std::memcpy(dest, value.dventity, static_cast<size_t>(held));
   std::memset(static_cast<CS_BYTE *>(dest) + held, 0, static_cast<size_t>(length - held));
 
-  // The pads see no more room than `destlen`, whatever the format says.
-  const CS_INT capacity = std::min(destfmt->maxlength, room);
+  // Deliberate: `destlen` cuts the copy alone, and the pads go on to the end of the format's room.
+  const CS_INT capacity = destfmt->maxlength;
   const CS_INT format = destfmt->format;
   switch (value.dvpadtype) {
   case COM_PAD_BIN:
@@ -231,12 +231,12 @@ CS_RETCODE com__null_usr_free(CS_CONTEXT *context) noexcept {
 
 CS_RETCODE comn_voidtoany(CS_CONTEXT *context, CS_DATAFMT *, CS_VOID *, CS_DATAFMT *destfmt,
                           CS_VOID *dest, CS_INT *destlen) noexcept {
-  COMN_CHECK_PTR(destfmt, CS_FAIL);
-  return com_null_get(context, destfmt, dest, comn_typelen(destfmt->datatype, destfmt->maxlength),
-                      destlen);
+  COMN_CHECK_PTR(destfmt, COMN_TRACE(CS_FAIL));
+  const CS_INT length = comn_typelen(destfmt->datatype, destfmt->maxlength);
+  return COMN_TRACE(com_null_get(context, destfmt, dest, length, destlen));
 }
 
 CS_RETCODE comn_voidtovoid(CS_CONTEXT *, CS_DATAFMT *, CS_VOID *, CS_DATAFMT *, CS_VOID *,
                            CS_INT *) noexcept {
-  return CS_SUCCEED;
+  return COMN_TRACE(CS_SUCCEED);
 }

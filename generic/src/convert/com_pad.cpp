@@ -95,7 +95,7 @@ CS_RETCODE comn::pad_unitext(CS_INT srclen, CS_INT format, CS_INT capacity, CS_V
 CS_RETCODE comn::pad_binary(CS_INT srclen, CS_INT format, CS_INT capacity, CS_VOID *dest,
                             CS_INT *destlen) noexcept {
   srclen = std::max<CS_INT>(srclen, 0);
-  if ((format & CS_DFMT_PADNULL) != 0 && capacity > srclen && capacity > *destlen) {
+  if ((format & CS_DFMT_PADNULL) != 0 && capacity > srclen) {
     std::memset(static_cast<CS_BYTE *>(dest) + srclen, 0, static_cast<size_t>(capacity - srclen));
     *destlen = capacity;
   }

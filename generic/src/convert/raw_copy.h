@@ -1,5 +1,4 @@
-// Raw copies of fixed types to binary, for the members that know the length of their type. What is
-// not the ordinary case is left to comn_fixedtobin and comn_fixedtovarbin.
+// Raw copies of fixed types to binary, as the bytes stand in memory.
 #ifndef COMN_CONVERT_RAW_COPY_H
 #define COMN_CONVERT_RAW_COPY_H
 
@@ -9,21 +8,20 @@
 
 namespace comn {
 
-template <CS_INT Length>
-[[gnu::cold, gnu::noinline]] CS_RETCODE fixed_to_binary(COMN_CONV_PARAMETERS) noexcept {
-  return comn_fixedtobin(COMN_CONV_ARGUMENTS, Length);
-}
+// The rules of comn_fixedtobin and comn_fixedtovarbin, without their trace. Hidden, so that a call
+// needs no table of addresses.
+#pragma GCC visibility push(hidden)
+CS_RETCODE fixed_to_binary(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept;
+CS_RETCODE fixed_to_varbinary(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept;
+#pragma GCC visibility pop
 
-template <CS_INT Length>
-[[gnu::cold, gnu::noinline]] CS_RETCODE fixed_to_varbinary(COMN_CONV_PARAMETERS) noexcept {
-  return comn_fixedtovarbin(COMN_CONV_ARGUMENTS, Length);
-}
-
+// For members that know the length of their type: the ordinary case in line, all else left to the
+// rules.
 template <CS_INT Length>
 CS_RETCODE copy_to_binary(COMN_CONV_PARAMETERS) noexcept {
   if (!context || !src || !srcfmt || !dest || !destfmt || !destlen || destfmt->maxlength < Length ||
       (destfmt->format & CS_DFMT_PADNULL) != 0) [[unlikely]]
-    return fixed_to_binary<Length>(COMN_CONV_ARGUMENTS);
+    return fixed_to_binary(COMN_CONV_ARGUMENTS, Length);
   std::memmove(dest, src, Length);
   *destlen = Length;
   return CS_SUCCEED;
@@ -33,7 +31,7 @@ template <CS_INT Length>
 CS_RETCODE copy_to_varbinary(COMN_CONV_PARAMETERS) noexcept {
   static_assert(Length < CS_INT{sizeof(CS_VARBINARY::array)});
   if (!context || !src || !srcfmt || !dest || !destfmt || !destlen) [[unlikely]]
-    return fixed_to_varbinary<Length>(COMN_CONV_ARGUMENTS);
+    return fixed_to_varbinary(COMN_CONV_ARGUMENTS, Length);
   auto *record = static_cast<CS_BYTE *>(dest);
   std::memmove(record + offsetof(CS_VARBINARY, array), src, Length);
   store(record + offsetof(CS_VARBINARY, len), CS_SMALLINT{Length});

@@ -11,79 +11,87 @@ FILE *Com_fp = nullptr;
 
 namespace {
 
-// A conversion specification of the debug format, from its "%" to its letter.
+bool is_one_of(CS_CHAR c, const char *characters) noexcept {
+  return c != '\0' && std::strchr(characters, c) != nullptr;
+}
+
+// A conversion specification of the debug format: flags, width, precision and length up to a letter.
+// What else stands there, above all what would make fprintf reach for other arguments than one word
+// ("*", "$", "n"), is passed over.
 class Specification {
 public:
   // Reads what stands behind a "%" and moves `format` past it.
   explicit Specification(const CS_CHAR *&format) noexcept {
-    append('%');
-    while (*format != '\0') {
-      const CS_CHAR c = *format++;
-      append(c);
-      if (std::strchr("cdlsxX", c) == nullptr) {
-        // With no more than these fprintf reaches for no argument but the word.
-        well_formed = well_formed && std::strchr("-+ #.0123456789h", c) != nullptr;
-        narrow = narrow || c == 'h';
-        continue;
-      }
-      letter = c;
-      if (c == 'l') {
-        if (*format == 'd' || *format == 'x')
-          append(*format++);
-        else
-          append('d');
-      }
-      break;
+    while (*format != '\0' && letter == '\0')
+      read(*format++);
+    if (letter == 'l') {
+      letter = *format == 'x' ? 'x' : 'd';
+      length = long_length;
+      if (is_one_of(*format, "dx"))
+        ++format;
     }
-    // Only an integer has a narrow form.
-    if (narrow && std::strchr("dxX", letter) == nullptr)
-      well_formed = false;
-    if (length == sizeof text)
-      well_formed = false;
-    else
-      text[length] = '\0';
   }
 
-  void print(FILE *stream, const intptr_t *&words) const noexcept {
-    if (!well_formed || words == nullptr) {
-      print_illegal(stream);
-      return;
-    }
-    switch (letter) {
-    case 'd':
-    case 'x':
-    case 'X':
-    case 'c':
-      std::fprintf(stream, text, static_cast<int>(*words++));
-      break;
-    case 'l':
-      std::fprintf(stream, text, static_cast<long>(*words++));
-      break;
-    case 's': {
-      const auto *string = reinterpret_cast<const char *>(*words++);
-      std::fprintf(stream, text, string != nullptr ? string : "(null)");
-      break;
-    }
-    default:
-      print_illegal(stream);
+  bool is_complete() const noexcept { return letter != '\0'; }
+
+  void print(FILE *stream, intptr_t word) const noexcept {
+    CS_CHAR text[16];
+    if (letter == 's') {
+      const auto *string = reinterpret_cast<const char *>(word);
+      std::fprintf(stream, compose(text, ""), width, precision, string ? string : "(null)");
+    } else if (letter == 'c') {
+      std::fprintf(stream, compose(text, ""), width, precision, static_cast<int>(word));
+    } else {
+      std::fprintf(stream, compose(text, "j"), width, precision, integer(word));
     }
   }
 
 private:
-  static void print_illegal(FILE *stream) noexcept {
-    std::fputs("illegal format specification\n", stream);
+  static constexpr CS_CHAR long_length = 'l';
+
+  void read(CS_CHAR c) noexcept {
+    if (is_one_of(c, "cdlsxX")) {
+      letter = c;
+    } else if (is_one_of(c, "-+ #'") || (c == '0' && width == 0 && precision < 0)) {
+      if (std::strchr(flags, c) == nullptr)
+        flags[std::strlen(flags)] = c;
+    } else if (c == '.') {
+      precision = 0;
+    } else if (is_one_of(c, "0123456789")) {
+      append_digit(precision < 0 ? width : precision, c - '0');
+    } else if (is_one_of(c, "hzjt")) {
+      halvings = c == 'h' ? halvings + 1 : 0;
+      length = c;
+    }
   }
 
-  void append(CS_CHAR c) noexcept {
-    if (length < sizeof text)
-      text[length++] = c;
+  static void append_digit(int &number, int digit) noexcept {
+    number = number > (INT_MAX - digit) / 10 ? INT_MAX : number * 10 + digit;
   }
 
-  CS_CHAR text[32];
-  size_t length = 0;
+  const CS_CHAR *compose(CS_CHAR (&text)[16], const char *modifier) const noexcept {
+    std::snprintf(text, sizeof text, "%%%s*.*%s%c", flags, modifier, letter);
+    return text;
+  }
+
+  // The integer that a word is: of its lower half, fourth or eighth for h and hh, of an int without
+  // a length, of all of it for any other.
+  intmax_t integer(intptr_t word) const noexcept {
+    const int used = length == 'h' ? (halvings == 1 ? 16 : 8) : length != '\0' ? word_bits : 32;
+    const int unused = 64 - used;
+    const uint64_t shifted = static_cast<uint64_t>(word) << unused;
+    return letter == 'd' ? static_cast<int64_t>(shifted) >> unused
+                         : static_cast<int64_t>(shifted >> unused);
+  }
+
+  static constexpr int word_bits = 8 * sizeof(intptr_t);
+
+  CS_CHAR flags[7] = {}; // each of the six at most once
+  int width = 0;
+  int precision = -1; // negative for none
+  CS_CHAR length = '\0';
+  int halvings = 0; // how many h there are
   CS_CHAR letter = '\0';
-  bool narrow = false;
-  bool well_formed = true;
 };
 
 } // namespace
@@ -131,7 +139,11 @@ CS_RETCODE comn_debug_vprint(CS_CHAR *fmtstr, CS_VOID *ap) noexcept {
       std::fputc('%', stream);
       ++format;
     } else {
-      Specification(format).print(stream, words);
+      const Specification specification(format);
+      if (specification.is_complete() && words != nullptr)
+        specification.print(stream, *words++);
+      else
+        std::fputs("illegal format specification\n", stream);
     }
   }
   std::fflush(stream);

@@ -7,7 +7,9 @@
 CsAppGlobal Application_global;
 
 // Releases a configuration chain. It comes with the configuration reader, which alone makes chains.
-extern "C" void comn_globdrop_cfg(CS_VOID *cfgchain) noexcept __attribute__((weak));
+// Hidden, so that until then it is no application's function of the same name.
+extern "C" void comn_globdrop_cfg(CS_VOID *cfgchain) noexcept
+    __attribute__((weak, visibility("hidden")));
 
 CS_RETCODE com_appglobal_alloc(CsAppGlobal **appglobal, CS_THREAD *thread, CS_INT flags) noexcept {
   COMN_CHECK_PTR(appglobal, COMN_TRACE(CS_FAIL));

@@ -14,8 +14,7 @@ void com_panic(char *msg) noexcept {
 }
 
 CS_RETCODE com_copstr(char *dest, char *src, int size) noexcept {
-  COMN_CHECK_PTR(dest, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(src, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(dest != nullptr && src != nullptr, COMN_TRACE(CS_FAIL));
   COMN_CHECK(size >= 1, COMN_TRACE(CS_FAIL));
   const auto room = static_cast<size_t>(size);
   COMN_CHECK(std::strlen(src) < room, COMN_TRACE(CS_FAIL));
@@ -24,8 +23,7 @@ CS_RETCODE com_copstr(char *dest, char *src, int size) noexcept {
 }
 
 CS_RETCODE com_catstr(char *dest, char *src, int size) noexcept {
-  COMN_CHECK_PTR(dest, COMN_TRACE(CS_FAIL));
-  COMN_CHECK_PTR(src, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(dest != nullptr && src != nullptr, COMN_TRACE(CS_FAIL));
   COMN_CHECK(size >= 1, COMN_TRACE(CS_FAIL));
   const auto room = static_cast<size_t>(size);
   COMN_CHECK(strnlen(dest, room) + std::strlen(src) < room, COMN_TRACE(CS_FAIL));

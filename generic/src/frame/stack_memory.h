@@ -7,8 +7,7 @@
 
 namespace comn {
 
-// Copies `size` bytes, at most a page, from `address`; false, and nothing faults, when any of them
-// cannot be read.
+// Copies `size` bytes from `address`; false, and nothing faults, when any of them cannot be read.
 bool read_stack_memory(uintptr_t address, void *buffer, size_t size) noexcept;
 
 } // namespace comn

@@ -2,10 +2,7 @@
 #include "pad.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <cstring>
-#include <cwchar>
 
 #include "any_address.h"
 #include "checks.h"
@@ -13,7 +10,7 @@
 namespace {
 
 // The two widths of text. The units of a pad start where the data ends, so 16-bit text never pads
-// an odd byte that is left at the end of the capacity. A fill has at least one unit.
+// an odd byte that is left at the end of the capacity.
 struct NarrowText {
   using Unit = CS_CHAR;
   static void fill(CS_BYTE *first, CS_INT units, Unit unit) noexcept {
@@ -23,22 +20,28 @@ struct NarrowText {
 
 struct WideText {
   using Unit = CS_UNICHAR;
-  // The C library fills pairs of units as fast as it fills bytes, at addresses that suit a wchar_t:
-  // so both ends are stored by themselves, and the pairs between them are turned to where they
-  // start.
+  // Stores the largest pieces that fit, one behind the other, and the last of them at the end, where
+  // it overlaps the one before: no rest is left whose length the processor would have to guess.
   static void fill(CS_BYTE *first, CS_INT units, Unit unit) noexcept {
-    static_assert(sizeof(wchar_t) == 2 * sizeof unit);
-    if (units == 1)
-      return comn::store(first, unit);
-    const CS_UINT pair = unit * CS_UINT{0x10001};
-    CS_BYTE *const last = first + (units - 2) * CS_INT{sizeof unit};
-    comn::store(first, pair);
-    comn::store(last, pair);
-    const auto offset = static_cast<CS_INT>(-reinterpret_cast<uintptr_t>(first) % sizeof pair);
-    CS_BYTE *const aligned = first + offset;
-    std::wmemset(reinterpret_cast<wchar_t *>(aligned),
-                 static_cast<wchar_t>(std::rotr(pair, 8 * offset)),
-                 static_cast<size_t>(last + sizeof pair - aligned) / sizeof pair);
+    using Eight __attribute__((vector_size(8 * sizeof(Unit)))) = Unit;
+    using Four __attribute__((vector_size(4 * sizeof(Unit)))) = Unit;
+    const Eight eight = Eight{} + unit;
+    if (units >= 8)
+      store_run(first, units, eight);
+    else if (units >= 4)
+      store_run(first, units, Four{} + unit);
+    else
+      for (CS_INT i = 0; i < units; ++i)
+        comn::store(first + i * CS_INT{sizeof unit}, unit);
+  }
+
+private:
+  template <class Piece>
+  static void store_run(CS_BYTE *first, CS_INT units, Piece piece) noexcept {
+    CS_BYTE *const last = first + units * CS_INT{sizeof(Unit)} - sizeof piece;
+    for (; first < last; first += sizeof piece)
+      comn::store(first, piece);
+    comn::store(last, piece);
   }
 };
 
@@ -75,8 +78,7 @@ CS_RETCODE pad(CS_INT srclen, CS_INT format, CS_INT capacity, CS_VOID *dest,
   *destlen = used + units * width;
   if (asks_for(CS_DFMT_NULLTERM))
     comn::store(end + --units * width, Unit{});
-  if (units > 0)
-    Text::fill(end, units, asks_for(CS_DFMT_PADNULL) ? Unit{} : Unit{' '});
+  Text::fill(end, units, asks_for(CS_DFMT_PADNULL) ? Unit{} : Unit{' '});
   return CS_SUCCEED;
 }
 

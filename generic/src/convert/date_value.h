@@ -8,6 +8,7 @@
 
 #include "conv_func.h"
 #include "datetime.h"
+#include "raw_copy.h"
 
 namespace comn::date_value {
 
@@ -67,14 +68,14 @@ template <class Source, class Where>
 CS_RETCODE to_binary(COMN_CONV_PARAMETERS, Where where) noexcept {
   COMN_CHECK_CONV(where, srcfmt->datatype == Source::code,
                   binary_types.contains(destfmt->datatype) && destfmt->maxlength >= 0);
-  return comn_fixedtobin(COMN_CONV_ARGUMENTS, sizeof(typename Source::Value));
+  return fixed_to_binary(COMN_CONV_ARGUMENTS, sizeof(typename Source::Value));
 }
 
 template <class Source, class Where>
 CS_RETCODE to_varbinary(COMN_CONV_PARAMETERS, Where where) noexcept {
   COMN_CHECK_CONV(where, srcfmt->datatype == Source::code,
                   destfmt->datatype == CS_TYPE_VARBINARY && destfmt->maxlength >= 0);
-  return comn_fixedtovarbin(COMN_CONV_ARGUMENTS, sizeof(typename Source::Value));
+  return fixed_to_varbinary(COMN_CONV_ARGUMENTS, sizeof(typename Source::Value));
 }
 
 } // namespace comn::date_value

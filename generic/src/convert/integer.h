@@ -1,5 +1,5 @@
 // The integer family: seven units of the same members, which differ in the bounds of their types
-// and in the statuses below. Each unit instantiates its members with the macros at the end.
+// and in the statuses below. Each unit instantiates all of them with COMN_INTEGER_UNIT.
 //
 // The character of the family is that nothing is silent: a narrowing conversion stores the nearest
 // value that the destination can take and then returns a failure.
@@ -73,27 +73,6 @@ constexpr OutOfRange table[type_count][type_count] = {
 // clang-format on
 } // namespace statuses
 
-// One of two values without a branch: which side a value lies out of range on cannot be foreseen.
-template <class Integer>
-constexpr Integer select(bool first, Integer if_first, Integer if_not) noexcept {
-  return static_cast<Integer>(if_not ^ ((if_first ^ if_not) & -static_cast<Integer>(first)));
-}
-
-// True when `value` is in the range of `Narrow`. A signed value fits a narrower signed type when it
-// survives the way there and back, which takes fewer registers than two bounds; one of two words
-// does so word by word.
-template <class Narrow, class Integer>
-constexpr bool fits(Integer value) noexcept {
-  if constexpr (!std::is_signed_v<Integer> || !std::is_signed_v<Narrow> ||
-                sizeof(Narrow) >= sizeof(Integer))
-    return std::in_range<Narrow>(value);
-  else if constexpr (sizeof(Integer) <= sizeof(intptr_t))
-    return static_cast<Integer>(static_cast<Narrow>(value)) == value;
-  else
-    return ((static_cast<int32_t>(value >> 32) ^ static_cast<int32_t>(value) >> 31) |
-            (static_cast<Narrow>(value) ^ static_cast<int32_t>(value))) == 0;
-}
-
 // Integer destinations, with bit as a type of its own.
 template <Type S, Type D>
 CS_RETCODE to_integer(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
@@ -106,14 +85,16 @@ CS_RETCODE to_integer(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
 
   *destlen = sizeof(Value<D>);
   const auto value = load<Value<S>>(src);
-  const auto narrowed = static_cast<Value<D>>(value);
   if constexpr (has_below || has_above)
-    if (!fits<Value<D>>(value)) {
+    if (!std::in_range<Value<D>>(value)) {
+      // One past the highest value is the lowest, so neither needs a branch: which side a value lies
+      // out of range on cannot be foreseen.
       const bool below = value < 0;
-      store(dest, select(below, Bounds::min(), Bounds::max()));
-      return select(below, status.below, status.above);
+      using Unsigned = std::make_unsigned_t<Value<D>>;
+      store(dest, static_cast<Unsigned>(Unsigned{Bounds::max()} + below));
+      return below ? status.below : status.above;
     }
-  store(dest, narrowed);
+  store(dest, static_cast<Value<D>>(value));
   return CS_SUCCEED;
 }
 
@@ -309,5 +290,23 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
     return comn::copy_to_varbinary<sizeof(comn::integer::Value<comn::integer::source>)>(           \
         COMN_CONV_ARGUMENTS);                                                                      \
   }
+
+// All members of a source. The reports of failed checks name the unit that says this.
+#define COMN_INTEGER_UNIT(source)                                                                  \
+  COMN_INTEGER_TO_BIT(source)                                                                      \
+  COMN_INTEGER_TO_INTEGER(source, i1)                                                              \
+  COMN_INTEGER_TO_INTEGER(source, i2)                                                              \
+  COMN_INTEGER_TO_INTEGER(source, i4)                                                              \
+  COMN_INTEGER_TO_INTEGER(source, i8)                                                              \
+  COMN_INTEGER_TO_INTEGER(source, ui2)                                                             \
+  COMN_INTEGER_TO_INTEGER(source, ui4)                                                             \
+  COMN_INTEGER_TO_INTEGER(source, ui8)                                                             \
+  COMN_INTEGER_TO_FLT4(source)                                                                     \
+  COMN_INTEGER_TO_FLT8(source)                                                                     \
+  COMN_INTEGER_TO_NUM(source)                                                                      \
+  COMN_INTEGER_TO_CHAR(source)                                                                     \
+  COMN_INTEGER_TO_VARCHAR(source)                                                                  \
+  COMN_INTEGER_TO_BIN(source)                                                                      \
+  COMN_INTEGER_TO_VARBIN(source)
 
 #endif

@@ -55,7 +55,7 @@ ZRV_API CS_VOID *com_secure_memset(CS_VOID *s, CS_CHAR c, size_t n) ZRV_NOEXCEPT
 /* Compare text as unsigned bytes and return the first difference, 0 when equal. com_unsignstrcmp
  * and com_unsignstricmp stop at the end of the strings. com_unsignstrncmp and com_unsignstrnicmp
  * compare exactly `len` bytes and do not stop at a NUL: both buffers must hold `len` bytes. The `i`
- * forms fold A to Z to lower case. */
+ * forms fold A to Z to lower case, ASCII alone and whatever the locale of the application. */
 ZRV_API CS_INT com_unsignstrcmp(unsigned char *str1, unsigned char *str2) ZRV_NOEXCEPT;
 ZRV_API CS_INT com_unsignstrncmp(unsigned char *str1, unsigned char *str2, int len) ZRV_NOEXCEPT;
 ZRV_API CS_INT com_unsignstricmp(unsigned char *str1, unsigned char *str2) ZRV_NOEXCEPT;
@@ -599,12 +599,14 @@ ZRV_INTEGER_CONVS(ui8);
  * to numeric    destfmt->precision and scale are the shape, CS_DFMT_FROMSOURCE keeps that of the
  *               source. Digits are dropped without rounding: CS_CONV_TRUNCATED, the rest is stored.
  *               CS_CONV_OVERFLOW beyond the precision, and where the digits of the source before
- * the change of scale do not fit the new length. CS_CONV_BADPRECISION, CS_CONV_BADSCALE (outside 0
- * to 77). `*destlen` is the length of the precision plus 2. `dest` may be the source. to text all
- * digits of the scale, and a zero before a point that would come first; 80 bytes hold every value.
- * Text that does not fit is cut: CS_CONV_OVERFLOW. Padding as `format` asks. to varchar    the same
- * text, no terminator; `*destlen` is 258. to binary     the 33 bytes of the array, without the
- * shape (comn_fixedtobin, comn_fixedtovarbin).
+ *               the change of scale do not fit the new length. CS_CONV_BADPRECISION;
+ *               CS_CONV_BADSCALE outside 0 to 77, a negative scale too. `*destlen` is the length of
+ *               the precision plus 2. `dest` may be the source.
+ * to text       all digits of the scale, and a zero before a point that would come first; 80 bytes
+ *               hold every value. Text that does not fit is cut: CS_CONV_OVERFLOW. Padding as
+ *               `format` asks.
+ * to varchar    the same text, no terminator; `*destlen` is 258.
+ * to binary     the 33 bytes of the array, without the shape (comn_fixedtobin, comn_fixedtovarbin).
  */
 ZRV_CONV(comn_numtobit);
 ZRV_CONV(comn_numtoi1);

@@ -332,16 +332,17 @@ extern ZRV_PRIVATE const CS_LOCATOR Comv_CS_LOCATOR;
  * should fit, `*destlen` where the data ends now; both are bytes, also for 16-bit text. A negative
  * length counts as 0. A null pointer is fatal, CS_FAIL.
  *
- * comn__padchar     obeys CS_DFMT_NULLTERM, CS_DFMT_PADNULL and CS_DFMT_PADBLANK. It writes only from
- *                   `*destlen` up to destfmt->maxlength, and counts nothing when maxlength does not
- *                   exceed `*destlen`. Returns CS_SUCCEED; CS_CONV_PADCONFLICT with both pad bits,
+ * comn__padchar     obeys CS_DFMT_NULLTERM, CS_DFMT_PADNULL and CS_DFMT_PADBLANK. It writes only
+ *                   from `*destlen` up to destfmt->maxlength, and counts nothing when maxlength
+ *                   does not exceed `*destlen`. Returns CS_SUCCEED; CS_CONV_PADCONFLICT with both pad bits,
  *                   nothing written; CS_CONV_OVERFLOW when the data (with its terminator) has no
  *                   room: the last byte of the capacity is then NUL if a terminator was asked for,
  *                   and `*destlen` is left as it was
  * comn__padunichar  is comn__padchar in units of two bytes; an odd last byte stays untouched and is
  *                   not counted
  * comn__padbin      obeys CS_DFMT_PADNULL alone. Where maxlength exceeds `srclen` it fills from
- *                   `srclen` on, and `*destlen` becomes maxlength whatever it was. Returns CS_SUCCEED
+ *                   `srclen` on, and `*destlen` becomes maxlength whatever it was. Returns
+ *                   CS_SUCCEED
  */
 ZRV_PRIVATE CS_RETCODE comn__padchar(CS_INT srclen, CS_DATAFMT *destfmt, CS_VOID *dest,
                                      CS_INT *destlen) ZRV_NOEXCEPT;

@@ -100,7 +100,9 @@ ZRV_API OCTET *comb_get_Netkey(CS_INT index) ZRV_NOEXCEPT;
 extern ZRV_PRIVATE const OCTET Com__Enkeys[256][32];
 
 /* The working key table: four 8-byte keys a row and a spare byte that is never written. Rows 2 to
- * 255 are keys, rows 0 and 1 the seeds of the build. */
+ * 255 are keys, rows 0 and 1 the seeds of the build. The keys are read when the table is built, and
+ * the subkeys made from them then are kept: what is written into the table later changes no cipher
+ * block, but for the row that com__uninitialize_tds_text takes as its salt. */
 extern ZRV_PRIVATE OCTET Com__Netkey[256][33];
 extern ZRV_PRIVATE ncl_once_flag com_init_text_mem_once_flag; /* 1 until the table is built */
 
@@ -118,7 +120,8 @@ ZRV_PRIVATE void com__charbuf_initialize(OCTET *input, OCTET *output, OCTET *sub
 ZRV_PRIVATE void com__charbuf_uninitialize(OCTET *input, OCTET *output,
                                            OCTET *subkeys) ZRV_NOEXCEPT;
 
-/* Builds the working key table. The functions below run it once, on first use. */
+/* Builds the working key table and the subkeys of its keys. The functions below run it once, on
+ * first use. */
 ZRV_PRIVATE void com_init_text_mem(void) ZRV_NOEXCEPT;
 
 /* One salted block of 8 bytes each way. `salt` has COM_ENC_SALTLEN bytes; `block`, 0 to 3, chooses
@@ -139,8 +142,9 @@ ZRV_PRIVATE void com__pad(OCTET *salt, OCTET *text, CS_INT length, OCTET *padded
 ZRV_PRIVATE void com__trunc(OCTET *salt, OCTET *padded, CS_INT length, OCTET *text) ZRV_NOEXCEPT;
 
 /* A string block each way: com__string_initialize cuts the text to COM_ENC_MAXTEXT and delivers
- * COM_ENC_BLOCKLEN bytes; com__string_uninitialize delivers at most COM_ENC_MAXTEXT. CS_SUCCEED;
- * CS_FAIL, outputs unchanged, for a wrong length. */
+ * COM_ENC_BLOCKLEN bytes, of which the last, byte 32, is the length of the text;
+ * com__string_uninitialize delivers as many bytes as that says. CS_SUCCEED; CS_FAIL, outputs
+ * unchanged, for a wrong length, a block whose byte 32 exceeds COM_ENC_MAXTEXT included. */
 ZRV_PRIVATE CS_RETCODE com__string_initialize(OCTET *salt, CS_INT saltlen, OCTET *text,
                                               CS_INT length, OCTET *output,
                                               CS_INT *outlen) ZRV_NOEXCEPT;

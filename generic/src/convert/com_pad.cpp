@@ -20,8 +20,8 @@ struct NarrowText {
 
 struct WideText {
   using Unit = CS_UNICHAR;
-  // Stores the largest pieces that fit, one behind the other, and the last of them at the end, where
-  // it overlaps the one before: no rest is left whose length the processor would have to guess.
+  // Stores the largest pieces that fit, one behind the other, and the last of them at the end,
+  // where it overlaps the one before: no rest is left whose length the processor must guess.
   static void fill(CS_BYTE *first, CS_INT units, Unit unit) noexcept {
     using Eight __attribute__((vector_size(8 * sizeof(Unit)))) = Unit;
     using Four __attribute__((vector_size(4 * sizeof(Unit)))) = Unit;

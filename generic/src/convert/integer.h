@@ -87,8 +87,8 @@ CS_RETCODE to_integer(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
   const auto value = load<Value<S>>(src);
   if constexpr (has_below || has_above)
     if (!std::in_range<Value<D>>(value)) {
-      // One past the highest value is the lowest, so neither needs a branch: which side a value lies
-      // out of range on cannot be foreseen.
+      // One past the highest value is the lowest, so neither needs a branch: on which side a value
+      // lies out of range cannot be foreseen.
       const bool below = value < 0;
       using Unsigned = std::make_unsigned_t<Value<D>>;
       store(dest, static_cast<Unsigned>(Unsigned{Bounds::max()} + below));

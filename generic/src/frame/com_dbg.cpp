@@ -15,9 +15,9 @@ bool is_one_of(CS_CHAR c, const char *characters) noexcept {
   return c != '\0' && std::strchr(characters, c) != nullptr;
 }
 
-// A conversion specification of the debug format: flags, width, precision and length up to a letter.
-// What else stands there, above all what would make fprintf reach for other arguments than one word
-// ("*", "$", "n"), is passed over.
+// A conversion specification of the debug format: flags, width, precision and length up to a
+// letter. What else stands there, above all what would make fprintf reach for other arguments than
+// one word ("*", "$", "n"), is passed over.
 class Specification {
 public:
   // Reads what stands behind a "%" and moves `format` past it.

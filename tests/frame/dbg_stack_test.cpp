@@ -23,7 +23,7 @@ namespace {
 std::vector<std::string> lines;
 size_t stop_after; // lines to take before the walk is told to stop; 0 takes all
 
-CS_RETCODE take(CS_CHAR *text, CS_INT len) {
+CS_RETCODE take_line(CS_CHAR *text, CS_INT len) {
   EXPECT_EQ(std::strlen(text), static_cast<size_t>(len));
   lines.emplace_back(text, static_cast<size_t>(len));
   return lines.size() == stop_after ? CS_FAIL : CS_SUCCEED;
@@ -32,7 +32,7 @@ CS_RETCODE take(CS_CHAR *text, CS_INT len) {
 const std::vector<std::string> &walk(CS_VOID *fp, CS_INT depth, size_t stop = 0) {
   lines.clear();
   stop_after = stop;
-  EXPECT_EQ(comn_dbg_stack(nullptr, fp, depth, take), CS_SUCCEED);
+  EXPECT_EQ(comn_dbg_stack(nullptr, fp, depth, take_line), CS_SUCCEED);
   return lines;
 }
 

@@ -10,8 +10,11 @@ libraries = {"libzrvcomn": build.zrvcomn, "libzrvintl": build.zrvintl}
 sonames = {"libzrvcomn": "libzrvcomn.so.16", "libzrvintl": "libzrvintl.so.1"}
 maps = {"libzrvcomn": "generic/src/libzrvcomn.map", "libzrvintl": "platform/zrvintl/zrvintl.map"}
 
-# The only shared objects that ours may need. libgcc_s has the 64-bit division of 32-bit programs.
-system_libraries = {"libc.so.6", "libm.so.6", "libdl.so.2", "libgcc_s.so.1"}
+# The only shared objects that ours may need. libgcc_s has the 64-bit division of 32-bit programs, and
+# 64-bit ones have no use for it.
+system_libraries = {"libc.so.6", "libm.so.6", "libdl.so.2"}
+if build.pointer_size == 4:
+    system_libraries.add("libgcc_s.so.1")
 allowed_libraries = {"libzrvcomn": system_libraries | {"libzrvintl.so.1"},
                      "libzrvintl": system_libraries}
 

@@ -225,6 +225,28 @@ TEST(NetencTest, PadAtEveryRotationAndLength) {
     }
 }
 
+// The keys are read when the table is built: what a row holds later changes no block. As the salt of
+// a response a row is read as it stands.
+TEST(NetencTest, TheTableIsReadWhenItIsBuilt) {
+  Salt salt = {5, 6, 7, 8, 9, 10, 11, 12};
+  Block block = {1, 2, 3, 4, 5, 6, 7, 8};
+  Block challenge = {7};
+  const std::string before = to_hex(salted(block, salt, 0));
+  const auto answer = [&] {
+    GuardedBuffer response(8);
+    com__uninitialize_tds_text(challenge.data(), response.data());
+    return to_hex(response.value<Block>());
+  };
+  const std::string answer_before = answer();
+  for (int row = 2; row < 256; ++row)
+    Com__Netkey[row][0] ^= 0xFF;
+  EXPECT_EQ(to_hex(salted(block, salt, 0)), before);
+  EXPECT_NE(answer(), answer_before);
+  for (int row = 2; row < 256; ++row)
+    Com__Netkey[row][0] ^= 0xFF;
+  EXPECT_EQ(answer(), answer_before);
+}
+
 // ---- string blocks ----
 
 TEST(NetencTest, StringBlockLengths) {

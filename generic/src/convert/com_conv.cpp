@@ -16,7 +16,7 @@ struct UserSearch {
   CsUsrCvtFunc **link;
 };
 
-UserSearch find_user(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexcept {
+UserSearch find_user_conversion(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexcept {
   CsUsrCvtFunc **link = &context->ctxusrcvttbl;
   while (*link != nullptr && (*link)->srctype != srctype)
     link = &(*link)->nextsrc;
@@ -26,8 +26,8 @@ UserSearch find_user(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexc
 }
 
 // What com_conv_func does when the answer is no cell of the matrix.
-[[gnu::noinline]] CS_CONV_FUNC find_elsewhere(CS_CONTEXT *context, CS_INT srctype,
-                                              CS_INT desttype) noexcept {
+[[gnu::noinline]] CS_CONV_FUNC find_beyond_matrix(CS_CONTEXT *context, CS_INT srctype,
+                                                  CS_INT desttype) noexcept {
   if (srctype < 0 || desttype < 0)
     return nullptr;
   COMN_CHECK_PTR(context, nullptr);
@@ -88,12 +88,12 @@ CS_CONV_FUNC com_conv_func(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype)
     if (table.cvttbl != nullptr) [[likely]]
       return table.cvttbl[table.cvtdim * srctype + desttype];
   }
-  return find_elsewhere(context, srctype, desttype);
+  return find_beyond_matrix(context, srctype, desttype);
 }
 
 CsUsrCvtFunc *com__conv_usr_struct(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexcept {
   COMN_CHECK_PTR(context, nullptr);
-  return find_user(context, srctype, desttype).record;
+  return find_user_conversion(context, srctype, desttype).record;
 }
 
 CS_CONV_FUNC com__conv_usr_func(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype) noexcept {
@@ -104,7 +104,7 @@ CS_CONV_FUNC com__conv_usr_func(CS_CONTEXT *context, CS_INT srctype, CS_INT dest
 CS_RETCODE com__conv_usr_install(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype,
                                  CS_CONV_FUNC newfunc) noexcept {
   COMN_CHECK_PTR(context, CS_FAIL);
-  auto [record, link] = find_user(context, srctype, desttype);
+  auto [record, link] = find_user_conversion(context, srctype, desttype);
   if (record == nullptr) {
     record = static_cast<CsUsrCvtFunc *>(comn_malloc(sizeof *record));
     if (record == nullptr)

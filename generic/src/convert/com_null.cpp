@@ -30,7 +30,7 @@ bool copy_bytes(CS_VOID **copy, const CS_VOID *bytes, CS_INT size, bool empty_bl
   return true;
 }
 
-CsUsrNull **find_user(CS_CONTEXT *context, CS_INT type) noexcept {
+CsUsrNull **find_user_default(CS_CONTEXT *context, CS_INT type) noexcept {
   CsUsrNull **link = &context->ctxusrnulls;
   while (*link != nullptr && (*link)->dttype != type)
     link = &(*link)->nextnull;
@@ -171,7 +171,7 @@ CS_RETCODE com__null_usr_get(CS_CONTEXT *context, CS_DATAFMT *destfmt, CS_VOID *
   COMN_CHECK_PTR(outlen, CS_FAIL);
   COMN_CHECK_PTR(destfmt, CS_FAIL);
   *outlen = 0;
-  const CsUsrNull *record = *find_user(context, destfmt->datatype);
+  const CsUsrNull *record = *find_user_default(context, destfmt->datatype);
   if (record == nullptr)
     return CS_SUCCEED;
   const CS_INT length = std::min(record->dvsize, std::max<CS_INT>(destlen, 0));
@@ -192,7 +192,7 @@ CS_RETCODE com__null_usr_set(CS_CONTEXT *context, CS_INT nulltype, CS_VOID *null
   CS_VOID *copy;
   if (!copy_bytes(&copy, null, nulllen, false))
     return CS_MEM_ERROR;
-  CsUsrNull *record = *find_user(context, nulltype);
+  CsUsrNull *record = *find_user_default(context, nulltype);
   if (record == nullptr) {
     record = static_cast<CsUsrNull *>(comn_malloc(sizeof *record));
     if (record == nullptr) {
@@ -210,7 +210,7 @@ CS_RETCODE com__null_usr_set(CS_CONTEXT *context, CS_INT nulltype, CS_VOID *null
 
 CS_RETCODE com__null_usr_reinstall(CS_CONTEXT *context, CS_INT nulltype) noexcept {
   COMN_CHECK_PTR(context, CS_FAIL);
-  CsUsrNull **link = find_user(context, nulltype);
+  CsUsrNull **link = find_user_default(context, nulltype);
   if (CsUsrNull *record = *link) {
     *link = record->nextnull;
     comn_free(record->dventity);

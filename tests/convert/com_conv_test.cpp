@@ -1,6 +1,7 @@
 // Dispatch: the matrix, a context's private copy of it, and user conversions.
 #include <algorithm>
 #include <climits>
+#include <cstdio>
 #include <cstring>
 #include <sstream>
 #include <string>
@@ -321,6 +322,26 @@ TEST(Matrix, NoConversionSendsAMessage) {
   });
   EXPECT_GT(successes, 1000);
   EXPECT_GT(failures, 200);
+}
+
+// One line for each conversion, whatever its result; none for those from integers.
+TEST(Matrix, ConversionsButThoseFromIntegersAreTraced) {
+  TestContext context;
+  FILE *const lines = std::tmpfile();
+  ASSERT_NE(lines, nullptr);
+  Com_fp = lines;
+  com_errset(3);
+  long seen = 0;
+  for_each_conversion(context.get(), [&](CS_INT from, CS_INT to, CS_RETCODE status) {
+    const bool is_integer = (from >= CS_TYPE_TINYINT && from <= CS_TYPE_INT) ||
+                            (from >= CS_TYPE_BIGINT && from <= CS_TYPE_UBIGINT);
+    const long now = std::ftell(lines);
+    ASSERT_EQ(now == seen, is_integer) << from << " to " << to << ", status " << status;
+    seen = now;
+  });
+  com_errset(1);
+  Com_fp = nullptr;
+  std::fclose(lines);
 }
 
 TEST(ConvFunc, BuiltInPairsComeFromTheMatrix) {

@@ -1,6 +1,8 @@
-"""The sources: headers that stand alone, layers that hold, no warnings, one format."""
+"""The sources: headers that stand alone, layers that hold, traced exits, no warnings, one format."""
+import json
 import os
 import re
+import shlex
 import sys
 import tempfile
 import unittest
@@ -58,6 +60,89 @@ class Warnings(unittest.TestCase):
 
     def test_no_warning_with_clang(self):
         self.check_libraries("clang")
+
+
+class Trace(unittest.TestCase):
+    """Every exit of an exported function that returns a code passes through COMN_TRACE."""
+
+    # The conversions from integers report by their result alone, and the trace cannot trace itself.
+    exempt = re.compile(r"comn_u?i[1248]to\w+|com_errtrace")
+
+    # The one exit of any other kind: the quick allocation of a pool that only allocates.
+    untraced_successes = {"com___alloconly_malloc"}
+
+    @classmethod
+    def setUpClass(cls):
+        entries = json.loads((Path(build.binary_dir) / "compile_commands.json").read_text())
+        roots = [source_dir / "generic", source_dir / "linux"]
+        units = [entry for entry in entries
+                 if any(root in Path(entry["file"]).parents for root in roots)]
+        map_text = (source_dir / "generic/src/libzrvcomn.map").read_text()
+        cls.exported = set(re.findall(r"\w+(?=;)", map_text.partition("ZRVCOMN_16")[2].partition("}")[0]))
+        cls.declared, cls.exits, cls.untraced = set(), {}, {}
+        for text in in_parallel(cls.expand, units):
+            cls.declared.update(re.findall(r"\bCS_RETCODE (\w+)\([^;{}()]*\) noexcept\s*;", text))
+            exits = cls.find_exits(text)
+            cls.exits.update(exits)
+            cls.untraced.update({name: cls.untraced_exits(name, exits) for name in exits})
+
+    @staticmethod
+    def expand(unit):
+        """A unit as the compiler sees it, with the places of checks and traces cut out of it."""
+        command = shlex.split(unit["command"])
+        command = command[:command.index("-o")] + ["-E", "-P", unit["file"]]
+        text = run(*command, cwd=unit["directory"])
+        return re.sub(r"\[\] *\{ *return comn::Place\{[^}]*\}; *\}", "here", text)
+
+    @staticmethod
+    def find_exits(text):
+        """What each function that returns a code returns: {name: [expressions]}."""
+        exits = {}
+        for match in re.finditer(r"\bCS_RETCODE (\w+)\([^;{}]*?\) noexcept\s*\{", text):
+            depth, end = 1, match.end()
+            while depth > 0:
+                depth += {"{": 1, "}": -1}.get(text[end], 0)
+                end += 1
+            body = text[match.end():end]
+            exits[match[1]] = [" ".join(found.split()) for found in re.findall(r"\breturn\b([^;]*);", body)]
+        return exits
+
+    @classmethod
+    def untraced_exits(cls, name, exits):
+        """The exits of a function that neither pass through the trace nor hand over, in the same unit,
+        to a function all of whose exits do."""
+        def hands_over(expression):
+            call = re.fullmatch(r"(\w+)\(.*\)", expression)
+            return (call and call[1] in exits and call[1] != name
+                    and not cls.untraced_exits(call[1], exits))
+
+        return [expression for expression in exits[name]
+                if not (expression.startswith("comn::trace((") and expression.endswith("), here)"))
+                and not hands_over(expression)]
+
+    def functions(self):
+        """The exported functions that return a code, those with an exception by name included."""
+        return (self.exported & self.declared) | self.untraced_successes
+
+    def test_every_function_is_looked_at(self):
+        self.assertGreater(len(self.functions()), 200)
+        self.assertEqual(self.functions() - self.exits.keys(), set())
+
+    def test_exits_are_traced(self):
+        trouble = [f"{name}: return {expression}" for name in sorted(self.functions())
+                   if not self.exempt.fullmatch(name)
+                   for expression in self.untraced.get(name, [])
+                   if not (name in self.untraced_successes and expression == "1")]
+        self.assertEqual(trouble, [], "\n" + "\n".join(trouble))
+
+    def test_exempt_exits_are_not_traced(self):
+        trouble = [name for name in self.functions() if self.exempt.fullmatch(name)
+                   and any("trace(" in expression for expression in self.exits[name])]
+        self.assertEqual(trouble, [])
+
+    def test_the_quick_allocation_succeeds_without_the_trace(self):
+        for name in self.untraced_successes:
+            self.assertIn("1", self.untraced[name])
 
 
 class Layering(unittest.TestCase):

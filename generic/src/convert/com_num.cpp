@@ -9,6 +9,7 @@
 #include "conv_func.h"
 #include "number.h"
 #include "pad.h"
+#include "raw_copy.h"
 #include "value_text.h"
 
 namespace exact = comn::exact;
@@ -218,7 +219,7 @@ CS_RETCODE to_binary(COMN_CONV_PARAMETERS, Where where) noexcept {
   if (!exact::is_valid(value_at(src))) [[unlikely]]
     return CS_CONV_DOMAIN;
   src = static_cast<CS_BYTE *>(src) + offsetof(CS_NUMERIC, array);
-  return comn_fixedtobin(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
+  return comn::fixed_to_binary(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
 }
 
 template <class Where>
@@ -228,7 +229,7 @@ CS_RETCODE to_varbinary(COMN_CONV_PARAMETERS, Where where) noexcept {
   if (!exact::is_valid(value_at(src))) [[unlikely]]
     return CS_CONV_DOMAIN;
   src = static_cast<CS_BYTE *>(src) + offsetof(CS_NUMERIC, array);
-  return comn_fixedtovarbin(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
+  return comn::fixed_to_varbinary(COMN_CONV_ARGUMENTS, sizeof(CS_NUMERIC::array));
 }
 
 } // namespace

@@ -226,8 +226,9 @@ CS_RETCODE run(const CS_NUMERIC *left, const CS_NUMERIC *right, CS_NUMERIC *resu
 CS_RETCODE comn_num_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result,
                              CS_INT operation) noexcept {
   COMN_CHECK(operation == 0 || operation == 1, COMN_TRACE(CS_FAIL));
-  return operation == 0 ? COMN_TRACE(run<add>(oper1, oper2, result, COMN_HERE))
-                        : COMN_TRACE(run<subtract>(oper1, oper2, result, COMN_HERE));
+  if (operation == 0)
+    return COMN_TRACE(run<add>(oper1, oper2, result, COMN_HERE));
+  return COMN_TRACE(run<subtract>(oper1, oper2, result, COMN_HERE));
 }
 
 CS_RETCODE comn_numadd(CS_NUMERIC *add1p, CS_NUMERIC *add2p, CS_NUMERIC *sump) noexcept {

@@ -324,7 +324,7 @@ TEST(Matrix, NoConversionSendsAMessage) {
   EXPECT_GT(failures, 200);
 }
 
-// One line for each conversion, whatever its result; none for those from integers.
+// Each conversion leaves a line, whatever its result, but those from integers.
 TEST(Matrix, ConversionsButThoseFromIntegersAreTraced) {
   TestContext context;
   FILE *const lines = std::tmpfile();

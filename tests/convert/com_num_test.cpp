@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "allocation_probe.h"
 #include "check_trap.h"
 #include "conversion.h"
 #include "guarded_buffer.h"
@@ -140,6 +141,25 @@ TEST(NumConversions, MalformedSourcesAreRefusedByEveryMember) {
       EXPECT_TRUE(result.is_untouched()) << member.name;
       EXPECT_EQ(result.length, member.size != 0 ? member.size : unwritten) << member.name;
     }
+}
+
+// Nor when they fail: 10^39 overflows what is shorter than it.
+TEST(NumConversions, AllocateNothing) {
+  CS_CONTEXT context{};
+  CS_NUMERIC values[] = {number(77, 40, std::string(77, '7'), true),
+                         number(40, 0, "1"),
+                         number(40, 0, "1" + std::string(39, '0')),
+                         {}};
+  char dest[300];
+  CS_INT length;
+  const zrvtest::AllocationProbe probe;
+  for (const Member &member : members) {
+    CS_DATAFMT from = make_format(CS_TYPE_NUMERIC, 35), to = make_format(member.type, 258);
+    to.precision = 5;
+    for (CS_NUMERIC &value : values)
+      member.function(&context, &from, &value, &to, dest, &length);
+    EXPECT_EQ(probe.allocations(), 0U) << member.name;
+  }
 }
 
 TEST(NumToInteger, TruncatesAndClamps) {
@@ -319,11 +339,13 @@ TEST(NumToNum, BadShapes) {
   for (CS_INT precision : {0, -1, 78, 255, INT32_MIN, INT32_MAX}) {
     const Converted result = to_num(comn_numtonum, &value, CS_TYPE_NUMERIC, precision, 0);
     EXPECT_EQ(result.code, CS_CONV_BADPRECISION);
+    EXPECT_EQ(result.length, unwritten);
     EXPECT_TRUE(result.is_untouched());
   }
   for (CS_INT scale : {78, 255, -1, INT32_MIN, INT32_MAX}) {
     const Converted result = to_num(comn_numtonum, &value, CS_TYPE_NUMERIC, 5, scale);
     EXPECT_EQ(result.code, CS_CONV_BADSCALE);
+    EXPECT_EQ(result.length, unwritten);
     EXPECT_TRUE(result.is_untouched());
   }
 }

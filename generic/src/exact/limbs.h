@@ -159,24 +159,27 @@ inline Limb add(Limb *result, const Limb *a, const Limb *b, int size) noexcept {
   return static_cast<Limb>(carry);
 }
 
-// a - b of equal sizes; the borrow out, 0 or 1.
+// a - b - borrow; the borrow out. A borrow is 0 or 1.
+inline Limb subtract_limb(Limb &result, Limb a, Limb b, Limb borrow) noexcept {
+  const bool below = __builtin_sub_overflow(a, b, &result);
+  return below | __builtin_sub_overflow(result, borrow, &result);
+}
+
+// a - b of equal sizes; the borrow out.
 inline Limb subtract(Limb *result, const Limb *a, const Limb *b, int size) noexcept {
   Limb borrow = 0;
 #pragma GCC unroll 8
-  for (int i = 0; i < size; ++i) {
-    const WideLimb difference = static_cast<WideLimb>(a[i]) - b[i] - borrow;
-    result[i] = static_cast<Limb>(difference);
-    borrow = static_cast<Limb>(difference >> limb_bits) & 1;
-  }
+  for (int i = 0; i < size; ++i)
+    borrow = subtract_limb(result[i], a[i], b[i], borrow);
   return borrow;
 }
 
 // a < b, of equal sizes.
 inline bool is_below(const Limb *a, const Limb *b, int size) noexcept {
-  Limb borrow = 0;
+  Limb borrow = 0, difference;
 #pragma GCC unroll 8
   for (int i = 0; i < size; ++i)
-    borrow = static_cast<Limb>((static_cast<WideLimb>(a[i]) - b[i] - borrow) >> limb_bits) & 1;
+    borrow = subtract_limb(difference, a[i], b[i], borrow);
   return borrow != 0;
 }
 

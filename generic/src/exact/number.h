@@ -91,6 +91,12 @@ inline bool is_negative(const __CONSTANT &value) noexcept {
   return value.len > 0 && value.value[0] != 0;
 }
 
+// A limb of the magnitude, the least significant one is 0; zero above the last.
+inline Limb limb_at(const __CONSTANT &value, CS_INT index) noexcept {
+  const CS_INT bytes = magnitude_bytes(value) - index * limb_bytes;
+  return bytes > 0 ? load_limb(value.value + 1 + bytes, bytes) : 0;
+}
+
 // A descriptor of a value of valid precision.
 inline __CONSTANT describe(const CS_NUMERIC &value) noexcept {
   __CONSTANT result{};

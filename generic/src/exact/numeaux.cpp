@@ -5,6 +5,7 @@
 
 namespace exact = comn::exact;
 using exact::Field;
+using exact::Limb;
 using exact::Number;
 using exact::Operand;
 
@@ -27,31 +28,33 @@ struct Significant {
   }
 };
 
-int compare_bytes(const __CONSTANT &a, const __CONSTANT &b) noexcept {
-  const Significant left(a), right(b);
-  if (left.count != right.count)
-    return left.count < right.count ? -1 : 1;
-  const int order =
-      left.count == 0 ? 0 : std::memcmp(left.bytes, right.bytes, static_cast<size_t>(left.count));
-  return (order > 0) - (order < 0);
+// Of magnitudes of any length, a limb at a time from the top of the longer one.
+int compare_magnitudes(const __CONSTANT &a, const __CONSTANT &b) noexcept {
+  const CS_INT longest = std::max(exact::magnitude_bytes(a), exact::magnitude_bytes(b));
+  for (CS_INT i = exact::limbs_for(longest) - 1; i >= 0; --i) {
+    const Limb left = exact::limb_at(a, i), right = exact::limb_at(b, i);
+    if (left != right)
+      return left < right ? -1 : 1;
+  }
+  return 0;
 }
 
 // Compares the magnitudes at one scale: where the precision of the operand with the smaller scale
 // and the greater scale are at most 77 together, that operand is multiplied.
 int compare_scaled(Operand &a, Operand &b) noexcept {
-  const bool a_is_deep = a.scale > b.scale;
-  Operand &deep = a_is_deep ? a : b, &shallow = a_is_deep ? b : a;
-  const int shift = deep.scale - shallow.scale;
-  Number scaled;
-  if (shallow.precision + deep.scale <= exact::max_power) {
-    exact::multiply_by_power(scaled, shallow.magnitude, shift);
-    exact::copy_number(shallow.magnitude, scaled);
-  } else if (shift <= exact::max_power) {
-    // Deliberate: the digits beyond the smaller scale are dropped.
-    exact::divide_by_power(deep.magnitude, shift);
-  } else {
-    deep.magnitude.size = 0;
+  if (a.scale < b.scale)
+    return -compare_scaled(b, a);
+  const int shift = a.scale - b.scale;
+  if (b.precision + a.scale <= exact::max_power) {
+    Number scaled;
+    exact::multiply_by_power(scaled, b.magnitude, shift);
+    return exact::compare(a.magnitude, scaled);
   }
+  // Deliberate: the digits beyond the smaller scale are dropped.
+  if (shift <= exact::max_power)
+    exact::divide_by_power(a.magnitude, shift);
+  else
+    a.magnitude.size = 0;
   return exact::compare(a.magnitude, b.magnitude);
 }
 
@@ -100,7 +103,7 @@ int com__exctnume_cmp(__CONSTANT *op1, __CONSTANT *op2, int flag) noexcept {
   if (with_signs && negative1 != negative2)
     return is_zero(*op1) && is_zero(*op2) ? 0 : negative1 ? -1 : 1;
   const int order = with_scales && op1->scale != op2->scale ? compare_at_one_scale(*op1, *op2)
-                                                            : compare_bytes(*op1, *op2);
+                                                            : compare_magnitudes(*op1, *op2);
   return with_signs && negative1 ? -order : order;
 }
 
@@ -154,7 +157,7 @@ int com__exctnume_checkprecision(__CONSTANT *val) noexcept {
   __CONSTANT power = {};
   power.len = row[0];
   power.value = const_cast<CS_BYTE *>(row + 1);
-  return compare_bytes(power, *val) <= 0;
+  return compare_magnitudes(power, *val) <= 0;
 }
 
 int com__exctnume_divby10(CS_BYTE **bufpp, CS_INT *lenptr) noexcept {

@@ -153,13 +153,14 @@ TEST(NumConversions, AllocateNothing) {
   char dest[300];
   CS_INT length;
   const zrvtest::AllocationProbe probe;
-  for (const Member &member : members) {
-    CS_DATAFMT from = make_format(CS_TYPE_NUMERIC, 35), to = make_format(member.type, 258);
-    to.precision = 5;
-    for (CS_NUMERIC &value : values)
-      member.function(&context, &from, &value, &to, dest, &length);
-    EXPECT_EQ(probe.allocations(), 0U) << member.name;
-  }
+  for (const Member &member : members)
+    for (CS_INT room : {258, 2}) {
+      CS_DATAFMT from = make_format(CS_TYPE_NUMERIC, 35), to = make_format(member.type, room);
+      to.precision = 5;
+      for (CS_NUMERIC &value : values)
+        member.function(&context, &from, &value, &to, dest, &length);
+      EXPECT_EQ(probe.allocations(), 0U) << member.name;
+    }
 }
 
 TEST(NumToInteger, TruncatesAndClamps) {

@@ -105,6 +105,27 @@ TEST(ExctnumeCmp, DifferentSignsDecideBeforeDigitsAreDropped) {
   EXPECT_EQ(com__exctnume_cmp(minus_tiny.get(), minus_zero.get(), 3), 0);
 }
 
+// A byte outweighs all that follow, wherever it stands in whichever word.
+TEST(ExctnumeCmp, EveryByteCountsByItsPlace) {
+  for (CS_INT length = 2; length <= 40; ++length)
+    for (CS_INT place = 1; place < length; ++place) {
+      std::vector<CS_BYTE> greater(static_cast<size_t>(length), 0), smaller(greater);
+      greater[static_cast<size_t>(place)] = 1;
+      std::fill(smaller.begin() + place + 1, smaller.end(), CS_BYTE{255});
+      __CONSTANT a{}, b{};
+      a.len = b.len = length;
+      a.value = greater.data();
+      b.value = smaller.data();
+      EXPECT_EQ(com__exctnume_cmp(&a, &b, 0), 1) << length << ", " << place;
+      EXPECT_EQ(com__exctnume_cmp(&b, &a, 0), -1) << length << ", " << place;
+      // Zeroes in front make no difference.
+      b.len = length - place;
+      b.value += place;
+      EXPECT_EQ(com__exctnume_cmp(&a, &b, 0), 1) << length << ", " << place;
+      EXPECT_EQ(com__exctnume_cmp(&b, &a, 0), -1) << length << ", " << place;
+    }
+}
+
 TEST(ExctnumeCmp, EmptyValuesAreZero) {
   Descriptor one(3, 3, 0, "1");
   __CONSTANT empty{};

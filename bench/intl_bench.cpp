@@ -1,10 +1,11 @@
-// Benchmarks of what reads the installation. A pass opens the file, reads all of it and lets go of what
-// it has read; the time is that of a file.
+// Benchmarks of what reads the installation, and of look-ups in it. A pass of the former opens the file,
+// reads all of it and lets go of what it has read; the time is that of a file.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include <benchmark/benchmark.h>
 
 #include "comparison.h"
+#include "inputs.h"
 #include "intl_peers.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
@@ -95,6 +97,58 @@ std::vector<Peer> key_file_peer([[maybe_unused]] const std::string &path,
 #endif
 }
 
+// The identifiers, loaded into a context.
+struct Loaded {
+  Loaded() {
+    context.ctxglobals = &globals;
+    if (comn_intl_load_globalid(&context, &table) != CS_SUCCEED)
+      give_up("cannot load the identifiers");
+    globals.ctxoids = table;
+  }
+  ~Loaded() { comn_intl_drop_globalid(&context, table); }
+  Loaded(const Loaded &) = delete;
+  Loaded &operator=(const Loaded &) = delete;
+
+  CS_CONTEXT context{};
+  CsCtxGlobals globals{};
+  CS_OID_TABLE *table = nullptr;
+};
+
+// Names of one class, each as often as any other: the canonical ones, or all.
+void compare_names(const std::shared_ptr<Loaded> &loaded, CS_INT oidclass, const char *class_name,
+                   bool only_canonical) {
+  std::vector<std::string> all;
+  for (const CsOID *oid = loaded->table->ot_oid[oidclass]; oid != nullptr; oid = oid->oidnext)
+    for (const CS_STRING_LIST *name = oid->oidlnames; name != nullptr; name = name->next) {
+      all.emplace_back(name->string, static_cast<size_t>(name->len));
+      if (only_canonical)
+        break;
+    }
+  constexpr size_t count = 1 << 12;
+  Random random(25);
+  auto probes = std::make_shared<std::vector<std::string>>(count);
+  for (std::string &probe : *probes)
+    probe = all[random_below(random, all.size())];
+  compare({"identifiers, look-up by name",
+           "comn_globalid",
+           std::string(class_name) + (only_canonical ? ", canonical names" : ", all names"),
+           count,
+           [=] {
+             for (std::string &probe : *probes) {
+               CsOID *found = nullptr;
+               CS_INT wanted = oidclass;
+               comn_globalid(&loaded->context, COM_NAME_TO_OID, &found, &wanted, CS_UNUSED,
+                             probe.data(), static_cast<CS_INT>(probe.size()), nullptr, nullptr);
+               benchmark::DoNotOptimize(found);
+             }
+           },
+           {{"bare scan", 1.5, [=] {
+               for (const std::string &probe : *probes)
+                 benchmark::DoNotOptimize(
+                     peer_scan_names(loaded->table->ot_oid[oidclass], probe.data(), probe.size()));
+             }}}});
+}
+
 } // namespace
 
 void register_comparisons() {
@@ -103,6 +157,11 @@ void register_comparisons() {
            [] { read_sections(path.c_str()); }, key_file_peer(path, 0)});
   compare({"load identifiers, a file", "comn_intl_load_globalid", "objectid.dat", 1,
            load_identifiers, key_file_peer(path, 1.0)});
+  const auto loaded = std::make_shared<Loaded>();
+  for (const bool only_canonical : {true, false}) {
+    compare_names(loaded, COM_OID_CHARSET, "character sets", only_canonical);
+    compare_names(loaded, COM_OID_NATLANG, "languages", only_canonical);
+  }
 }
 
 } // namespace zrvbench

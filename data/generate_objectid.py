@@ -4,8 +4,8 @@
     data/generate_objectid.py > home/config/objectid.dat
 
 The list beside this program tells its own form. Each of its lines becomes an entry: the identifier,
-then its names in the order of preference. A name that is written with capitals is followed by its
-lower-case form.
+then its names in the order of preference. The name of a character set that is written with capitals is
+followed by its lower-case form, for people write both.
 """
 
 import argparse
@@ -47,11 +47,13 @@ class Identifiers:
             raise ValueError("neither an arc nor classes nor a number with names")
         else:
             for name in self.current:
-                self.add(self.classes[name], int(words[0]), words[1:])
+                names = words[1:]
+                if name == "charset":
+                    names = [form for written in names for form in (written, written.lower())]
+                self.add(self.classes[name], int(words[0]), list(dict.fromkeys(names)))
 
     @staticmethod
-    def add(entries, number, written):
-        names = list(dict.fromkeys(form for name in written for form in (name, name.lower())))
+    def add(entries, number, names):
         taken = {name for _, others in entries for name in others}
         for name in names:
             if not NAME.fullmatch(name):

@@ -36,7 +36,7 @@ typedef struct _csstringlist {
 
 /* One object identifier. */
 typedef struct _csoid {
-  CS_CHAR *oidstring;        /* the dotted text, owned, not NUL-terminated */
+  CS_CHAR *oidstring;        /* the dotted text, in the block of the record, not NUL-terminated */
   CS_INT oidnamelen;         /* its length in bytes */
   CS_BYTE *oidber;           /* the encoding, owned: COM_OID_BER_SIZE bytes, cleared behind it */
   CS_INT oidberlen;          /* its length in bytes, tag and length octets included */
@@ -208,7 +208,7 @@ ZRV_PRIVATE CS_RETCODE comn__read_oidsection(CS_CONTEXT *context, struct intl_lo
 ZRV_PRIVATE CS_RETCODE comn__read_localnames(CS_CONTEXT *context, struct intl_locfile *file,
                                              CsOID *oid) ZRV_NOEXCEPT;
 
-/* A new record for a NUL-terminated dotted text, without names. CS_SUCCEED, CS_MEM_ERROR, or CS_FAIL
+/* A new record for a NUL-terminated dotted text, one block with it, without names. CS_SUCCEED, CS_MEM_ERROR, or CS_FAIL
  * as comn__encode_oid; `*oidp` is null on failure. */
 ZRV_PRIVATE CS_RETCODE comn__new_oid(CS_CONTEXT *context, CS_CHAR *oidstring,
                                      CsOID **oidp) ZRV_NOEXCEPT;

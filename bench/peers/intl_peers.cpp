@@ -1,6 +1,17 @@
 // The peers of installation files.
 #include "intl_peers.h"
 
+#include <cstring>
+
+const CsOID *zrvbench::peer_scan_names(const CsOID *oid, const char *name, std::size_t length) {
+  for (; oid != nullptr; oid = oid->oidnext)
+    for (const CS_STRING_LIST *other = oid->oidlnames; other != nullptr; other = other->next)
+      if (static_cast<std::size_t>(other->len) == length &&
+          std::memcmp(other->string, name, length) == 0)
+        return oid;
+  return nullptr;
+}
+
 #ifdef ZRVBENCH_WITH_GLIB
 #include <cstdio>
 #include <cstdlib>

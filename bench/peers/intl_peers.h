@@ -2,7 +2,14 @@
 #ifndef ZRVBENCH_INTL_PEERS_H
 #define ZRVBENCH_INTL_PEERS_H
 
+#include <cstddef>
+
+#include "zrvcomn/comloc.h"
+
 namespace zrvbench {
+
+// The first record of a class that has a name: a loop over the same strings, without a check.
+const CsOID *peer_scan_names(const CsOID *oid, const char *name, std::size_t length);
 
 #ifdef ZRVBENCH_WITH_GLIB
 // Loads a key file and releases it; ends the program when it cannot.

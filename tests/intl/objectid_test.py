@@ -30,7 +30,7 @@ class Objectid(unittest.TestCase):
         self.assertTrue(sections[0].startswith("; "))
         self.assertEqual(sections[1], "[charset]\n1.2.0.7 = first, Second, second, x\n1.2.0.8 = UTF-8, utf-8")
         self.assertEqual([section for section in sections[2:] if "=" in section],
-                         ["[float8]\n1.2.10.7 = first, Second, second, x"])
+                         ["[float8]\n1.2.10.7 = first, Second, x"])
         self.assertEqual(len(sections), 13)
 
     def test_wrong_lists_are_refused(self):

@@ -36,22 +36,27 @@ public:
   }
 
 private:
+  bool is_at_digit() const noexcept { return at < end && *at >= '0' && *at <= '9'; }
+
   // What strtoul makes of a text where a long has 32 bits, whatever the host's locale and data model:
   // white space and a sign count, and what follows the digits does not.
   CS_UINT read() noexcept {
-    while (at < end && (*at == ' ' || (*at >= '\t' && *at <= '\r')))
-      ++at;
-    const CS_CHAR sign = at < end ? *at : '.';
-    if (sign == '-' || sign == '+')
-      ++at;
+    bool is_negative = false;
+    if (!is_at_digit()) {
+      while (at < end && (*at == ' ' || (*at >= '\t' && *at <= '\r')))
+        ++at;
+      is_negative = at < end && *at == '-';
+      if (is_negative || (at < end && *at == '+'))
+        ++at;
+    }
     CS_UBIGINT value = 0;
-    for (; at < end && *at >= '0' && *at <= '9'; ++at)
+    for (; is_at_digit(); ++at)
       if (value <= UINT_MAX)
         value = value * 10 + static_cast<CS_UBIGINT>(*at - '0');
     if (value > UINT_MAX)
       return UINT_MAX;
     const auto arc = static_cast<CS_UINT>(value);
-    return sign == '-' ? 0 - arc : arc;
+    return is_negative ? 0 - arc : arc;
   }
 
   const CS_CHAR *at, *const end;
@@ -64,13 +69,14 @@ struct Content {
 
   // Adds the digits of an arc in base 128, the highest first; all but the last have bit 7 set.
   bool add(CS_UINT arc) noexcept {
-    size_t digits = 1;
-    for (CS_UINT rest = arc >> 7; rest != 0; rest >>= 7)
-      ++digits;
-    if (length + digits > content_max)
+    size_t further = 0;
+    while (arc >> 7 * further > 0x7F)
+      ++further;
+    if (length + further >= content_max)
       return false;
-    for (size_t left = digits; left-- > 0;)
-      bytes[length++] = static_cast<CS_BYTE>((arc >> 7 * left & 0x7F) | (left > 0 ? 0x80 : 0));
+    for (; further > 0; --further)
+      bytes[length++] = static_cast<CS_BYTE>((arc >> 7 * further & 0x7F) | 0x80);
+    bytes[length++] = static_cast<CS_BYTE>(arc & 0x7F);
     return true;
   }
 };
@@ -87,7 +93,7 @@ CS_RETCODE comn__encode_oid(CS_CONTEXT *, CS_CHAR *objectid, CS_INT idlen,
   if (!arcs.next(first) || !arcs.next(second))
     return CS_FAIL;
   Content content;
-  for (CS_UINT arc; arcs.next(arc);)
+  for (CS_UINT arc = 0; arcs.next(arc);)
     if (!content.add(arc))
       return CS_FAIL;
 

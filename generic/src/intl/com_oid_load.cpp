@@ -19,7 +19,6 @@ void free_oid(CsOID *oid) noexcept {
   if (oid == nullptr)
     return;
   free_names(oid->oidlnames);
-  comn_free(oid->oidstring);
   comn_free(oid->oidber);
   comn_free(oid);
 }
@@ -146,17 +145,16 @@ CS_RETCODE comn__new_oid(CS_CONTEXT *context, CS_CHAR *oidstring, CsOID **oidp) 
   COMN_CHECK_PTR(oidstring, CS_FAIL);
   COMN_CHECK_PTR(oidp, CS_FAIL);
   *oidp = nullptr;
-  auto *const oid = static_cast<CsOID *>(comn_calloc(1, sizeof(CsOID)));
+  // The text stands behind the record, as that of a name does.
+  const size_t length = std::strlen(oidstring);
+  auto *const oid = static_cast<CsOID *>(comn_malloc(sizeof(CsOID) + length));
   if (oid == nullptr)
     return CS_MEM_ERROR;
-  const size_t length = std::strlen(oidstring);
-  oid->oidstring = static_cast<CS_CHAR *>(comn_malloc(length));
-  CS_RETCODE result = CS_MEM_ERROR;
-  if (oid->oidstring != nullptr) {
-    std::memcpy(oid->oidstring, oidstring, length);
-    oid->oidnamelen = static_cast<CS_INT>(length);
-    result = comn__encode_oid(context, oid->oidstring, oid->oidnamelen, oid);
-  }
+  *oid = {};
+  oid->oidstring = reinterpret_cast<CS_CHAR *>(oid + 1);
+  oid->oidnamelen = static_cast<CS_INT>(length);
+  std::memcpy(oid->oidstring, oidstring, length);
+  const CS_RETCODE result = comn__encode_oid(context, oid->oidstring, oid->oidnamelen, oid);
   if (result != CS_SUCCEED) {
     free_oid(oid);
     return result;
@@ -190,9 +188,10 @@ CS_RETCODE comn__add_oid(CS_CONTEXT *context, CS_OID_TABLE *oidtable, CS_INT oid
   COMN_CHECK_PTR(oidtable, CS_FAIL);
   COMN_CHECK_PTR(oid, CS_FAIL);
   COMN_CHECK(comn::is_oid_class(oidclass), CS_FAIL);
+  const comn::ByteSpan<CS_BYTE> encoding = comn::encoding_of(*oid);
   CsOID **link = &oidtable->ot_oid[oidclass];
   for (; *link != nullptr; link = &(*link)->oidnext)
-    if (comn::encoding_of(**link) == comn::encoding_of(*oid)) {
+    if (comn::encoding_of(**link) == encoding) {
       comn__cat_localnames(context, *link, oid);
       free_oid(oid);
       return CS_SUCCEED;

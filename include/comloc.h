@@ -26,7 +26,7 @@ struct intl_locfile; /* an open section file, see zrvintl.h */
 
 /* A local name. */
 typedef struct _csstringlist {
-  CS_CHAR *string; /* in the block of the element, not NUL-terminated; null for an empty one */
+  CS_CHAR *string; /* owned, not NUL-terminated; null for an empty name */
   CS_INT len;      /* bytes */
   struct _csstringlist *next;
 } CS_STRING_LIST;
@@ -36,7 +36,7 @@ typedef struct _csstringlist {
 
 /* One object identifier. */
 typedef struct _csoid {
-  CS_CHAR *oidstring;        /* the dotted text, in the block of the record, not NUL-terminated */
+  CS_CHAR *oidstring;        /* the dotted text, owned, not NUL-terminated */
   CS_INT oidnamelen;         /* its length in bytes */
   CS_BYTE *oidber;           /* the encoding, owned: COM_OID_BER_SIZE bytes, cleared behind it */
   CS_INT oidberlen;          /* its length in bytes, tag and length octets included */
@@ -208,13 +208,13 @@ ZRV_PRIVATE CS_RETCODE comn__read_oidsection(CS_CONTEXT *context, struct intl_lo
 ZRV_PRIVATE CS_RETCODE comn__read_localnames(CS_CONTEXT *context, struct intl_locfile *file,
                                              CsOID *oid) ZRV_NOEXCEPT;
 
-/* A new record for a NUL-terminated dotted text, one block with it, without names. CS_SUCCEED, CS_MEM_ERROR, or CS_FAIL
- * as comn__encode_oid; `*oidp` is null on failure. */
+/* A new record with a copy of a NUL-terminated dotted text and its encoding, without names. CS_SUCCEED,
+ * CS_MEM_ERROR, or CS_FAIL as comn__encode_oid; `*oidp` is null on failure. */
 ZRV_PRIVATE CS_RETCODE comn__new_oid(CS_CONTEXT *context, CS_CHAR *oidstring,
                                      CsOID **oidp) ZRV_NOEXCEPT;
 
-/* A new element for a name of `len` bytes, one block with its text; a null name or a length below 1
- * gives an empty element. CS_SUCCEED, or CS_MEM_ERROR with `*elementp` null. */
+/* A new element with a copy of a name of `len` bytes; a null name or a length below 1 gives an empty
+ * element. CS_SUCCEED, or CS_MEM_ERROR with `*elementp` null. */
 ZRV_PRIVATE CS_RETCODE comn__newstring(CS_CONTEXT *context, CS_CHAR *string, CS_INT len,
                                        CS_STRING_LIST **elementp) ZRV_NOEXCEPT;
 

@@ -210,7 +210,8 @@ TEST(LoadGlobalId, EachAllocationFailed) {
   const size_t descriptors = open_descriptors();
   CS_CONTEXT context{};
   CS_OID_TABLE *table = nullptr;
-  // The table, the reader's block, for each entry the record and its encoding, and the names.
+  // The table, the reader's block, for each entry the record, its text and its encoding; the elements
+  // of the five names, and the texts of the four that have one.
   const size_t failed = fail_each_allocation(
       [] {},
       [&] {
@@ -226,7 +227,7 @@ TEST(LoadGlobalId, EachAllocationFailed) {
         EXPECT_EQ(comn_intl_drop_globalid(&context, table), CS_SUCCEED);
         table = nullptr;
       });
-  EXPECT_EQ(failed, 2U * (2 + 3 * 2 + 5));
+  EXPECT_EQ(failed, 2U * (2 + 3 * 3 + 5 + 4));
 }
 
 TEST(LoadGlobalId, RefusesNullPointers) {
@@ -297,6 +298,7 @@ TEST_F(LoaderSteps, ANewName) {
   EXPECT_EQ(comn__newstring(&context, Text("name"), 3, &element), CS_SUCCEED);
   EXPECT_EQ(text_of(element->string, element->len), "nam");
   EXPECT_EQ(element->next, nullptr);
+  comn_free(element->string);
   comn_free(element);
   for (const CS_INT length : {0, -1, CS_LEN_NULLTERM}) {
     EXPECT_EQ(comn__newstring(&context, Text("name"), length, &element), CS_SUCCEED);
@@ -311,19 +313,33 @@ TEST_F(LoaderSteps, ANewName) {
   EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL, comn__newstring(&context, Text("n"), 1, nullptr));
 }
 
+// Every text of a record is a block of its own, so a table of any origin is released whole.
+TEST_F(LoaderSteps, ATableMadeByHandIsReleased) {
+  auto *const oid = static_cast<CsOID *>(comn_calloc(1, sizeof(CsOID)));
+  oid->oidstring = static_cast<CS_CHAR *>(comn_malloc(3));
+  oid->oidber = static_cast<CS_BYTE *>(comn_calloc(COM_OID_BER_SIZE, 1));
+  oid->oidlnames = static_cast<CS_STRING_LIST *>(comn_calloc(1, sizeof(CS_STRING_LIST)));
+  oid->oidlnames->string = static_cast<CS_CHAR *>(comn_malloc(4));
+  EXPECT_EQ(probe.live_blocks(), 5U);
+  drop({oid});
+}
+
 TEST_F(LoaderSteps, FailedAllocations) {
-  for (size_t nth = 1; nth <= 2; ++nth) {
+  for (size_t nth = 1; nth <= 3; ++nth) {
     CsOID untouched{}, *oid = &untouched;
     probe.fail(nth);
     EXPECT_EQ(comn__new_oid(&context, Text("1.2"), &oid), CS_MEM_ERROR);
     EXPECT_EQ(oid, nullptr);
     EXPECT_EQ(probe.live_blocks(), 0U);
   }
-  CS_STRING_LIST untouched{}, *element = &untouched;
-  probe.fail(1);
-  EXPECT_EQ(comn__newstring(&context, Text("n"), 1, &element), CS_MEM_ERROR);
-  EXPECT_EQ(element, nullptr);
-  EXPECT_EQ(probe.failures(), 3U);
+  for (size_t nth = 1; nth <= 2; ++nth) {
+    CS_STRING_LIST untouched{}, *element = &untouched;
+    probe.fail(nth);
+    EXPECT_EQ(comn__newstring(&context, Text("n"), 1, &element), CS_MEM_ERROR);
+    EXPECT_EQ(element, nullptr);
+    EXPECT_EQ(probe.live_blocks(), 0U);
+  }
+  EXPECT_EQ(probe.failures(), 5U);
 }
 
 TEST_F(LoaderSteps, NamesAreMoved) {
@@ -351,7 +367,7 @@ TEST_F(LoaderSteps, ARecordIsTakenOrMerged) {
   EXPECT_EQ(comn__add_oid(&context, &table, 3, make("1.2.4", {"c"})), CS_SUCCEED);
   EXPECT_EQ(second->oidnext, nullptr);
   EXPECT_EQ(names_of(*second), (Names{"b", "c"}));
-  EXPECT_EQ(probe.live_blocks(), blocks + 1); // the name
+  EXPECT_EQ(probe.live_blocks(), blocks + 2); // the name: an element and its text
   CsOID *const elsewhere = make("1.2.4", {"d"});
   EXPECT_EQ(comn__add_oid(&context, &table, 4, elsewhere), CS_SUCCEED);
   EXPECT_EQ(table.ot_oid[4], elsewhere);

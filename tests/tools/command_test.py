@@ -636,7 +636,7 @@ class Command(unittest.TestCase):
         result = zrvcomn("config", "paths", "--json", ZARVEK="/" + "x" * 5000)
         self.assertEqual((result.code, result.err), (1, ""))
         row = json.loads(result.out.splitlines()[0])
-        self.assertEqual((row["path"], row["is"]), (None, "-301"))
+        self.assertEqual((row["path"], row["is"]), (None, "COM_INTL_ERROR"))
         self.check_usage(zrvcomn("config", "nonsense"), "nonsense")
         self.check_usage(zrvcomn("config"), "topic")
 

@@ -10,6 +10,7 @@ CS_CHAR file_name[] = "objectid.dat";
 void free_names(CS_STRING_LIST *name) noexcept {
   while (name != nullptr) {
     CS_STRING_LIST *const next = name->next;
+    comn_free(name->string);
     comn_free(name);
     name = next;
   }
@@ -19,8 +20,17 @@ void free_oid(CsOID *oid) noexcept {
   if (oid == nullptr)
     return;
   free_names(oid->oidlnames);
+  comn_free(oid->oidstring);
   comn_free(oid->oidber);
   comn_free(oid);
+}
+
+// A copy without a terminator; null without memory.
+CS_CHAR *copy_text(const CS_CHAR *text, CS_INT length) noexcept {
+  auto *const copy = static_cast<CS_CHAR *>(comn_malloc(static_cast<size_t>(length)));
+  if (copy != nullptr)
+    std::memcpy(copy, text, static_cast<size_t>(length));
+  return copy;
 }
 
 // Where a pointer to a further element goes.
@@ -145,16 +155,14 @@ CS_RETCODE comn__new_oid(CS_CONTEXT *context, CS_CHAR *oidstring, CsOID **oidp) 
   COMN_CHECK_PTR(oidstring, CS_FAIL);
   COMN_CHECK_PTR(oidp, CS_FAIL);
   *oidp = nullptr;
-  // The text stands behind the record, as that of a name does.
-  const size_t length = std::strlen(oidstring);
-  auto *const oid = static_cast<CsOID *>(comn_malloc(sizeof(CsOID) + length));
+  auto *const oid = static_cast<CsOID *>(comn_calloc(1, sizeof(CsOID)));
   if (oid == nullptr)
     return CS_MEM_ERROR;
-  *oid = {};
-  oid->oidstring = reinterpret_cast<CS_CHAR *>(oid + 1);
-  oid->oidnamelen = static_cast<CS_INT>(length);
-  std::memcpy(oid->oidstring, oidstring, length);
-  const CS_RETCODE result = comn__encode_oid(context, oid->oidstring, oid->oidnamelen, oid);
+  oid->oidnamelen = static_cast<CS_INT>(std::strlen(oidstring));
+  oid->oidstring = copy_text(oidstring, oid->oidnamelen);
+  const CS_RETCODE result = oid->oidstring != nullptr
+                                ? comn__encode_oid(context, oid->oidstring, oid->oidnamelen, oid)
+                                : CS_MEM_ERROR;
   if (result != CS_SUCCEED) {
     free_oid(oid);
     return result;
@@ -167,17 +175,16 @@ CS_RETCODE comn__newstring(CS_CONTEXT *, CS_CHAR *string, CS_INT len,
                            CS_STRING_LIST **elementp) noexcept {
   COMN_CHECK_PTR(elementp, CS_FAIL);
   *elementp = nullptr;
-  const bool is_empty = string == nullptr || len < 1;
-  const size_t length = is_empty ? 0 : static_cast<size_t>(len);
-  // The text stands behind its element: half the blocks, and a look-up reads on where it is.
-  auto *const element = static_cast<CS_STRING_LIST *>(comn_malloc(sizeof(CS_STRING_LIST) + length));
+  auto *const element = static_cast<CS_STRING_LIST *>(comn_calloc(1, sizeof(CS_STRING_LIST)));
   if (element == nullptr)
     return CS_MEM_ERROR;
-  *element = {};
-  if (!is_empty) {
-    element->string = reinterpret_cast<CS_CHAR *>(element + 1);
+  if (string != nullptr && len >= 1) {
+    element->string = copy_text(string, len);
     element->len = len;
-    std::memcpy(element->string, string, length);
+    if (element->string == nullptr) {
+      comn_free(element);
+      return CS_MEM_ERROR;
+    }
   }
   *elementp = element;
   return CS_SUCCEED;

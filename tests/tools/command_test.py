@@ -555,6 +555,17 @@ class Command(unittest.TestCase):
         result = self.oid(self.identifiers, "find", "binary", "--json")
         self.assertEqual([json.loads(line)["class"] for line in result.out.splitlines()], ["collate"])
 
+    # What stands in the file commands no terminal, and columns stay columns.
+    def test_oid_control_characters(self):
+        text = "[charset]\n1.2\x1b = a\x1bb\n1.3 = c\n"
+        self.check(self.oid(text, "list"), 0,
+                   "class     identifier  names\n"
+                   "charset   1.2\\x1b     a\\x1bb\n"
+                   "charset   1.3         c\n")
+        self.check(self.oid(text, "find", "1.2\x1b"), 0,
+                   "class       charset\nidentifier  1.2\\x1b\nencoding    06012a\n"
+                   "names       a\\x1bb\n")
+
     def test_oid_not_found(self):
         for wanted in ("UTF8", "1.2", "\x1b"):
             result = self.oid(self.identifiers, "find", wanted)

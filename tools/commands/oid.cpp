@@ -77,6 +77,12 @@ std::string encoding_of(const CsOID &oid) {
   return text;
 }
 
+std::string visible_dotted_of(const CsOID &oid) {
+  std::string text;
+  append_visible(text, dotted_of(oid));
+  return text;
+}
+
 std::string names_of(const CsOID &oid) {
   std::string text;
   for (const CS_STRING_LIST *name = oid.oidlnames; name != nullptr; name = name->next) {
@@ -94,19 +100,18 @@ std::string padded(std::string text, size_t width) {
 void print_list(std::string &out, const std::vector<Record> &records) {
   size_t width = std::string("identifier").size();
   for (const Record &record : records)
-    width = std::max(width, dotted_of(*record.oid).size());
+    width = std::max(width, visible_dotted_of(*record.oid).size());
   out += "class     " + padded("identifier", width) + "  names\n";
   for (const auto &[oidclass, oid] : records)
     out += padded(class_names[static_cast<size_t>(oidclass)], 10) +
-           padded(std::string(dotted_of(*oid)), width) + "  " + names_of(*oid) + "\n";
+           padded(visible_dotted_of(*oid), width) + "  " + names_of(*oid) + "\n";
 }
 
 void print_records(std::string &out, const std::vector<Record> &records) {
   for (const auto &[oidclass, oid] : records)
     out += std::string(out.empty() ? "" : "\n") + "class       " +
-           class_names[static_cast<size_t>(oidclass)] + "\nidentifier  " +
-           std::string(dotted_of(*oid)) + "\nencoding    " + encoding_of(*oid) + "\nnames       " +
-           names_of(*oid) + "\n";
+           class_names[static_cast<size_t>(oidclass)] + "\nidentifier  " + visible_dotted_of(*oid) +
+           "\nencoding    " + encoding_of(*oid) + "\nnames       " + names_of(*oid) + "\n";
 }
 
 void print_json(std::string &out, const std::vector<Record> &records) {

@@ -28,8 +28,13 @@ namespace {
   std::exit(1);
 }
 
+// Names the home directory in the environment as well: the peer is given a path, so the search for a
+// home in the user database and beside the library is no part of what is compared.
 std::string identifiers_path() {
   char path[1025];
+  if (intl_home(path, sizeof path) < 0)
+    give_up("no home directory");
+  setenv("ZARVEK", path, 1);
   char file[] = "objectid.dat";
   if (com_path_cfgfile(nullptr, file, path, sizeof path, 0) != CS_SUCCEED)
     give_up("no home directory");

@@ -239,10 +239,16 @@ TEST_F(LinkedTest, OperationsThatNeedNoCursor) {
     EXPECT_EQ(step(operation, &cursor), CS_SUCCEED);
     EXPECT_EQ(got(), operation == LM_OP_FIRST ? "a" : "c");
   }
-  cursor = nowhere;
-  walked.clear();
-  EXPECT_EQ(lm_list_op(list, LM_OP_APPLY, &cursor, 0, &function, nullptr), CS_SUCCEED);
-  EXPECT_EQ(walked, "abc");
+  ASSERT_EQ(set_print(list), CS_SUCCEED);
+  for (const CS_INT operation : {LM_OP_APPLY, LM_OP_PRINTALL}) {
+    cursor = nowhere;
+    walked.clear();
+    out = text("untouched");
+    EXPECT_EQ(lm_list_op(list, operation, &cursor, 0, &function, &out), CS_SUCCEED);
+    EXPECT_EQ(walked, "abc");
+    EXPECT_EQ(got(), "(null)") << "no entry, no data";
+    EXPECT_EQ(cursor, nowhere);
+  }
 }
 
 TEST_F(LinkedTest, NoKeys) {

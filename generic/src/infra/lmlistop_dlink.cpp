@@ -41,7 +41,7 @@ void store_cursor(LM_HANDLE *handle, CS_VOID *key, DLinkNode *cursor) noexcept {
 }
 
 // The other operations take no notice of the cursor, so that a caller can begin a walk anew with a
-// variable that points at an entry which is gone.
+// variable that points at an entry which is gone, or anywhere.
 bool starts_at_cursor(const DLinkInfo *info, const Request &request) noexcept {
   switch (request.operation) {
   case LM_OP_INSERT:
@@ -139,6 +139,23 @@ CS_RETCODE dlink_walk(LM_HANDLE *handle, const DLinkInfo *info, const Request &r
   return function != nullptr ? walk_chain(info->head, function, &DLinkNode::data) : CS_FAIL;
 }
 
+// Looks for an entry without following the pointer, which may point anywhere.
+bool is_entry(const DLinkInfo *info, const DLinkNode *wanted) noexcept {
+  const DLinkNode *node = info->head;
+  while (node != nullptr && node != wanted)
+    node = node->next;
+  return wanted != nullptr && node == wanted;
+}
+
+// What an operation delivers. The cursor behind a walk over all entries is the one that nothing has
+// checked: on what is gone it has no data.
+CS_VOID *data_at(const DLinkInfo *info, CS_INT operation, const DLinkNode *cursor) noexcept {
+  const bool is_unchecked = operation == LM_OP_PRINTALL || operation == LM_OP_APPLY;
+  if (cursor == nullptr || (is_unchecked && !is_entry(info, cursor)))
+    return nullptr;
+  return cursor->data;
+}
+
 // `cursor` is where the operation starts, if it is one that starts there, and becomes where it ends.
 CS_RETCODE dlink_act(LM_HANDLE *handle, DLinkInfo *info, const Request &request,
                      DLinkNode *&cursor) noexcept {
@@ -190,9 +207,8 @@ CS_RETCODE comn::list::dlink_operate(LM_HANDLE *handle, const Request &request) 
   if (result != CS_SUCCEED)
     return result;
   store_cursor(handle, request.key, cursor);
-  // Only a walk over all entries can come here with a cursor that is stale: it has no data.
   if (request.data_out != nullptr)
-    *request.data_out = cursor != nullptr && cursor->state == LM_INSERTED ? cursor->data : nullptr;
+    *request.data_out = data_at(info, request.operation, cursor);
   return CS_SUCCEED;
 }
 

@@ -79,11 +79,14 @@ class Trace(unittest.TestCase):
                  if any(root in Path(entry["file"]).parents for root in roots)]
         map_text = (source_dir / "generic/src/libzrvcomn.map").read_text()
         cls.exported = set(re.findall(r"\w+(?=;)", map_text.partition("ZRVCOMN_16")[2].partition("}")[0]))
-        cls.declared, cls.exits, cls.untraced = set(), {}, {}
+        cls.declared, cls.exits, cls.untraced, cls.traced_others = set(), {}, {}, set()
         for text in in_parallel(cls.expand, units):
             cls.declared.update(re.findall(r"\bCS_RETCODE (\w+)\([^;{}()]*\) noexcept\s*;", text))
-            exits = cls.find_exits(text)
+            exits = cls.find_exits(text, "CS_RETCODE")
             cls.exits.update(exits)
+            cls.traced_others.update(
+                name for kind in ("CS_INT", "int", "CS_BOOL") for name, others in cls.find_exits(text, kind).items()
+                if any("comn::trace(" in expression for expression in others))
             cls.untraced.update({name: cls.untraced_exits(name, exits) for name in exits})
 
     @staticmethod
@@ -95,10 +98,10 @@ class Trace(unittest.TestCase):
         return re.sub(r"\[\] *\{ *return comn::Place\{[^}]*\}; *\}", "here", text)
 
     @staticmethod
-    def find_exits(text):
-        """What each function that returns a code returns: {name: [expressions]}."""
+    def find_exits(text, kind):
+        """What each function of a type returns: {name: [expressions]}."""
         exits = {}
-        for match in re.finditer(r"\bCS_RETCODE (\w+)\([^;{}]*?\) noexcept\s*\{", text):
+        for match in re.finditer(rf"\b{kind} (\w+)\([^;{{}}]*?\) noexcept\s*\{{", text):
             depth, end = 1, match.end()
             while depth > 0:
                 depth += {"{": 1, "}": -1}.get(text[end], 0)
@@ -139,6 +142,9 @@ class Trace(unittest.TestCase):
         trouble = [name for name in self.functions() if self.exempt.fullmatch(name)
                    and any("trace(" in expression for expression in self.exits[name])]
         self.assertEqual(trouble, [])
+
+    def test_what_is_no_code_is_not_traced(self):
+        self.assertEqual(self.traced_others, set())
 
     def test_the_quick_allocation_succeeds_without_the_trace(self):
         for name in self.untraced_successes:

@@ -67,7 +67,9 @@ CS_RETCODE trace(CS_RETCODE code, Where where) noexcept {
 
 // The way out of every exported function that returns a CS_RETCODE, the conversions from integers
 // and the quick allocation of a pool that only allocates aside: one load and one compare while
-// tracing is off. Every exit has it, those of failed checks too; a test reads the sources for it.
+// tracing is off. Every exit has it, those of failed checks too. The declared type decides: what
+// returns a length, a count, an order or a status of its own kind (CS_INT, int) is no code and does
+// not pass through the trace. A test reads the sources for both.
 #define COMN_TRACE(code) comn::trace((code), COMN_HERE)
 
 #endif

@@ -247,24 +247,24 @@ CS_RETCODE com_set_tclcfg(CS_CHAR *path) noexcept {
 }
 
 CS_INT com_get_tclcfg(CS_CHAR *buf, CS_INT buflen) noexcept {
-  COMN_CHECK_PTR(buf, COMN_TRACE(0));
+  COMN_CHECK_PTR(buf, 0);
   if (tclcfgpath[0] != '\0') {
     // An override that does not fit hides the environment all the same.
     const auto length = static_cast<CS_INT>(std::strlen(tclcfgpath));
     if (length >= buflen)
-      return COMN_TRACE(0);
+      return 0;
     std::memcpy(buf, tclcfgpath, static_cast<size_t>(length) + 1);
-    return COMN_TRACE(length);
+    return length;
   }
   for (const char *const variable : {"ZRVNCL_TCL_CFG", "ZARVEK_TCL_CFG"}) {
     const int result = intlgetenv(buf, buflen, variable);
     if (result != 0)
-      return COMN_TRACE(result > 0 ? result : 0);
+      return result > 0 ? result : 0;
   }
   char file[] = "libtcl.cfg";
   if (com_path_cfgfile(nullptr, file, buf, buflen, 1) != CS_SUCCEED)
-    return COMN_TRACE(0);
-  return COMN_TRACE(static_cast<CS_INT>(std::strlen(buf)));
+    return 0;
+  return static_cast<CS_INT>(std::strlen(buf));
 }
 
 CS_RETCODE com__find_latest_ldapversion(CS_CHAR *version, CS_INT *updatefound) noexcept {

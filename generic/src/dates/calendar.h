@@ -88,7 +88,10 @@ constexpr YearAndDay split_years(Unsigned day) noexcept {
   const auto century = static_cast<uint32_t>(quarter_days / days_of_four_centuries);
   // Four times the day of the century, plus 3.
   const auto in_century = static_cast<uint32_t>(quarter_days % days_of_four_centuries) | 3;
-  // Divided by the 1461 days of four years: 2939745 is 2 to the 32 through 1461, rounded up.
+  // Divided by the 1461 days of four years: 1461 times 2939745 is 2 to the 32 and 149 more. So the
+  // product of 1461 * year + rest is 2^32 * year + (2939745 * rest + 149 * year), and as the year is
+  // below 100, what stands behind the plus is below 2^32, and 149 * year below 2939745: the upper
+  // half is the year, and the lower one through 2939745 the rest.
   const uint64_t product = uint64_t{2939745} * in_century;
   const auto year = static_cast<uint32_t>(product >> 32);
   const uint32_t in_year = static_cast<uint32_t>(product) / 2939745 / 4;
@@ -103,15 +106,39 @@ constexpr YearAndDay split_years_before_one(int64_t day) noexcept {
   return {static_cast<CS_INT>(years), static_cast<CS_INT>(day - 365 * years), is_leap(years + 1)};
 }
 
+// The month and the day of it, both from 0, of a day of a year whose February has 30 days: of 0 to
+// 366. A line that climbs 65536 in a month stands for a division by lengths that differ.
+struct MonthAndDay {
+  uint32_t month, day;
+};
+
+constexpr MonthAndDay split_months(uint32_t day) noexcept {
+  constexpr uint32_t slope = 2142, start = 1230;
+  const uint32_t line = slope * day + start;
+  return {line >> 16, (line & 0xFFFF) / slope};
+}
+
+consteval bool are_months_split() {
+  constexpr uint32_t lengths[] = {31, 30, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  uint32_t day = 0, month = 0;
+  for (const uint32_t length : lengths) {
+    for (uint32_t i = 0; i < length; ++i, ++day)
+      if (split_months(day).month != month || split_months(day).day != i)
+        return false;
+    ++month;
+  }
+  return day == 367;
+}
+static_assert(are_months_split());
+
 constexpr Date date_in_year(YearAndDay when) noexcept {
   constexpr CS_INT january_and_february = 59;
-  constexpr uint32_t slope = 2142, start = 1230; // 65536 a month, 65536 / slope days
   const CS_INT february_gap = when.leap ? 1 : 2;
   const bool past_february = when.day + february_gap >= january_and_february + 2;
-  const auto day = static_cast<uint32_t>(when.day + (past_february ? february_gap : 0));
-  const uint32_t line = slope * day + start;
-  return {when.years + 1, static_cast<CS_INT>(line >> 16),
-          static_cast<CS_INT>((line & 0xFFFF) / slope) + 1, when.day + 1};
+  const CS_INT day = when.day + (past_february ? february_gap : 0);
+  const MonthAndDay split = split_months(static_cast<uint32_t>(day));
+  return {when.years + 1, static_cast<CS_INT>(split.month), static_cast<CS_INT>(split.day) + 1,
+          when.day + 1};
 }
 
 // The date of a day counted from 1900-01-01; any day.

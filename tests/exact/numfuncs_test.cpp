@@ -371,29 +371,29 @@ TEST(NumArithmetic, BoundaryOperandsOfAllShapesInPairs) {
 }
 
 // All values up to 999 with scales 0 to 3, against integer arithmetic.
+// Each magnitude with each other one, every such pair at half of the scales, which takes half the
+// time.
 TEST(NumArithmetic, AllSmallValuesInPairs) {
   constexpr int precision = 3;
-  const int step = zrvtest::random_cases < 100000 ? 37 : 3;
+  const int step = zrvtest::random_cases < 100000 ? 37 : 1;
   CS_NUMERIC values[4][1000];
   for (int scale = 0; scale <= 3; ++scale)
     for (int i = 0; i < 1000; ++i)
       values[scale][i] = {precision,
                           static_cast<CS_BYTE>(scale),
                           {0, static_cast<CS_BYTE>(i >> 8), static_cast<CS_BYTE>(i)}};
-  auto power_of_ten = [](int exponent) {
-    int64_t power = 1;
-    while (exponent-- > 0)
-      power *= 10;
-    return power;
-  };
-  const int64_t power[] = {1, 10, 100, 1000};
+  int64_t power[11] = {1};
+  for (int i = 1; i <= 10; ++i)
+    power[i] = 10 * power[i - 1];
+  // No result has more than seven bytes.
   auto value_of = [](const CS_NUMERIC &number) {
-    int64_t magnitude = 0;
-    for (int i = 1; i < Com__Nume_Prec_To_Len[number.precision]; ++i)
-      magnitude = magnitude << 8 | number.array[i];
+    uint64_t bytes;
+    std::memcpy(&bytes, number.array + 1, sizeof bytes);
+    const int unused = 64 - 8 * (Com__Nume_Prec_To_Len[number.precision] - 1);
+    const auto magnitude = static_cast<int64_t>(__builtin_bswap64(bytes) >> unused);
     return number.array[0] != 0 ? -magnitude : magnitude;
   };
-  CS_NUMERIC result;
+  CS_NUMERIC result{};
   int64_t failures = 0;
   for (int s1 = 0; s1 <= 3; ++s1)
     for (int s2 = 0; s2 <= 3; ++s2) {
@@ -401,7 +401,7 @@ TEST(NumArithmetic, AllSmallValuesInPairs) {
       // Quotients: 3 + s2 digits are below 6 only for s2 up to 2.
       const int quotient_scale = 3 + s2 < 6 ? 6 : 3 + s2 + 1;
       for (int i = 0; i < 1000; i += step)
-        for (int j = 0; j < 1000; j += step) {
+        for (int j = (i + s1 + s2) % 2; j < 1000; j += 2 * step) {
           CS_NUMERIC &a = values[s1][i], &b = values[s2][j];
           const int64_t left = i * power[scale - s1], right = j * power[scale - s2];
           failures += comn_numadd(&a, &b, &result) != CS_SUCCEED || result.scale != scale ||
@@ -415,7 +415,7 @@ TEST(NumArithmetic, AllSmallValuesInPairs) {
             failures += code != CS_CONV_DIVZERO;
           else
             failures += code != CS_SUCCEED || result.scale != quotient_scale ||
-                        value_of(result) != int64_t{i} * power_of_ten(quotient_scale + s2 - s1) / j;
+                        value_of(result) != int64_t{i} * power[quotient_scale + s2 - s1] / j;
           failures += comn_numcmp(&a, &b) != (left > right) - (left < right);
         }
     }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <list>
 #include <set>
 #include <string>
 #include <vector>
@@ -66,77 +68,135 @@ CS_VOID *data_of(size_t step) {
   return reinterpret_cast<CS_VOID *>(step + 1);
 }
 
-// ---- linked list, queue, stack: entries in order, and where the cursor stands ----
+// ---- linked list, queue, stack: entries in order, and where the cursors stand ----
+
+// Positions in a list of entries, the end for nowhere: the list's cursor, and one of the caller's.
+struct LinkedModel {
+  using Entries = std::list<CS_VOID *>;
+  Entries entries;
+  Entries::iterator cursor = entries.end(), own = entries.end();
+
+  CS_VOID *data_at(Entries::iterator place) { return place != entries.end() ? *place : nullptr; }
+};
+
+// One operation on a linked list, under the list's cursor or under the caller's in `variable`. That
+// is stale once its entry was deleted under the other one: it serves for what does not start there.
+struct LinkedMachine {
+  Machine &machine;
+  LinkedModel model;
+  CS_VOID *variable = nullptr;
+  bool is_stale = false;
+
+  void insert(CS_INT position, bool under_own, CS_VOID *data) {
+    auto &entries = model.entries;
+    const auto start = begin_operation(
+        under_own, !entries.empty() && (position == LM_POS_BEFORE || position == LM_POS_AFTER));
+    CS_VOID *out = nullptr;
+    if (!run(LM_OP_INSERT, position, under_own, data, out)) {
+      require(machine.heap.failed);
+      return;
+    }
+    auto where = start;
+    if (position == LM_OP_FIRST || entries.empty())
+      where = entries.begin();
+    else if (position == LM_OP_LAST)
+      where = entries.end();
+    else if (position == LM_POS_AFTER)
+      ++where;
+    const auto made = entries.insert(where, data);
+    if (entries.size() == 1)
+      model.cursor = made;
+    finish(under_own, made, out);
+  }
+
+  void act(CS_INT operation, bool under_own, CS_VOID *data) {
+    auto &entries = model.entries;
+    if (entries.empty())
+      return;
+    auto place = begin_operation(under_own, operation != LM_OP_FIRST && operation != LM_OP_LAST);
+    const bool succeeds = !(operation == LM_OP_NEXT && std::next(place) == entries.end()) &&
+                          !(operation == LM_OP_PREV && place == entries.begin());
+    CS_VOID *out = nullptr;
+    require(run(operation, 0, under_own, data, out) == succeeds);
+    if (!succeeds)
+      return;
+    if (operation == LM_OP_DELETE)
+      place = erase(place, under_own);
+    else if (operation == LM_OP_NEXT)
+      ++place;
+    else if (operation == LM_OP_PREV)
+      --place;
+    else if (operation == LM_OP_FIRST)
+      place = entries.begin();
+    else if (operation == LM_OP_LAST)
+      place = std::prev(entries.end());
+    else if (operation == LM_OP_REPLACE)
+      *place = data;
+    finish(under_own, place, out);
+  }
+
+private:
+  LinkedModel::Entries::iterator begin_operation(bool under_own, bool starts_at_cursor) {
+    if (under_own && is_stale && starts_at_cursor) {
+      variable = nullptr;
+      is_stale = false;
+    }
+    return under_own && model.own != model.entries.end() ? model.own : model.cursor;
+  }
+
+  bool run(CS_INT operation, CS_INT position, bool under_own, CS_VOID *data, CS_VOID *&out) {
+    CS_VOID *place = &out;
+    return machine.op(operation, under_own ? &variable : nullptr, position, data,
+                      machine.kind == LM_STACK ? &place : &out) == CS_SUCCEED;
+  }
+
+  LinkedModel::Entries::iterator erase(LinkedModel::Entries::iterator place, bool under_own) {
+    auto &entries = model.entries;
+    const auto after = place == entries.begin() ? std::next(place) : std::prev(place);
+    if (place == model.own && !under_own) {
+      model.own = entries.end();
+      is_stale = true;
+    }
+    if (place == model.cursor)
+      model.cursor = after;
+    entries.erase(place);
+    return after;
+  }
+
+  void finish(bool under_own, LinkedModel::Entries::iterator place, const CS_VOID *out) {
+    (under_own ? model.own : model.cursor) = place;
+    if (under_own)
+      is_stale = false;
+    require(out == model.data_at(place));
+  }
+};
 
 void run_linked(Machine &machine, Input &input) {
-  std::vector<CS_VOID *> model;
-  size_t cursor = 0; // model.size() when there is none
+  LinkedMachine linked{machine, {}};
+  const auto &entries = linked.model.entries;
   for (size_t step = 0; !input.is_empty(); ++step) {
     const unsigned what = input.byte();
-    CS_VOID *out = nullptr;
-    CS_VOID *place = &out;
-    CS_VOID **const result_at = machine.kind == LM_STACK ? &place : &out;
+    const bool under_own = machine.kind == LM_DLINK && what >= 128;
+    const unsigned choice = what / 2;
     if (what % 16 == 15) {
       machine.heap.countdown = input.byte() % 4;
-      continue;
-    }
-    if (what % 16 == 14) {
+    } else if (what % 16 == 14) {
       machine.resize(LM_HDL_MAX_POOLSIZE, static_cast<CS_INT>(input.byte() % 20));
-      continue;
-    }
-    if (what % 2 == 0 && model.size() < 200) {
+    } else if (what % 2 == 0 && entries.size() < 200) {
       const CS_INT positions[] = {LM_OP_FIRST, LM_OP_LAST, LM_POS_BEFORE, LM_POS_AFTER};
-      CS_INT position = positions[what / 2 % 4];
+      CS_INT position = positions[choice % 4];
       if (machine.kind != LM_DLINK)
         position = machine.kind == LM_QUEUE ? LM_OP_LAST : LM_OP_FIRST;
-      const CS_RETCODE result =
-          machine.op(LM_OP_INSERT, nullptr, position, data_of(step), result_at);
-      if (result != CS_SUCCEED) {
-        require(result == CS_MEM_ERROR && machine.heap.failed);
-        continue;
-      }
-      size_t where = cursor;
-      if (position == LM_OP_FIRST || model.empty())
-        where = 0;
-      else if (position == LM_OP_LAST)
-        where = model.size();
-      else if (position == LM_POS_AFTER)
-        ++where;
-      model.insert(model.begin() + static_cast<std::ptrdiff_t>(where), data_of(step));
-      cursor = where;
-      require(out == data_of(step));
+      linked.insert(position, under_own, data_of(step));
     } else if (machine.kind != LM_DLINK) {
-      if (model.empty())
-        continue;
-      require(machine.op(LM_OP_DELETE, nullptr, 0, nullptr, result_at) == CS_SUCCEED);
-      model.erase(model.begin());
-      cursor = 0;
-      require(out == (model.empty() ? nullptr : model[0]));
-    } else if (!model.empty()) {
-      const CS_INT operations[] = {LM_OP_DELETE, LM_OP_NEXT, LM_OP_PREV,
-                                   LM_OP_FIRST,  LM_OP_LAST, LM_OP_REPLACE};
-      const CS_INT operation = operations[what / 2 % 6];
-      bool succeeds = true;
-      if (operation == LM_OP_DELETE) {
-        model.erase(model.begin() + static_cast<std::ptrdiff_t>(cursor));
-        cursor -= cursor > 0;
-      } else if (operation == LM_OP_NEXT) {
-        succeeds = cursor + 1 < model.size();
-        cursor += succeeds;
-      } else if (operation == LM_OP_PREV) {
-        succeeds = cursor > 0;
-        cursor -= succeeds;
-      } else if (operation == LM_OP_REPLACE) {
-        model[cursor] = data_of(step);
-      } else {
-        cursor = operation == LM_OP_FIRST ? 0 : model.size() - 1;
-      }
-      require(machine.op(operation, nullptr, 0, data_of(step), &out) ==
-              (succeeds ? CS_SUCCEED : CS_FAIL));
-      if (succeeds)
-        require(out == (cursor < model.size() ? model[cursor] : nullptr));
+      linked.model.cursor = linked.model.entries.begin();
+      linked.act(LM_OP_DELETE, false, nullptr);
+    } else {
+      const CS_INT operations[] = {LM_OP_DELETE, LM_OP_NEXT,    LM_OP_PREV,   LM_OP_FIRST,
+                                   LM_OP_LAST,   LM_OP_REPLACE, LM_OP_CURRENT};
+      linked.act(operations[choice % 7], under_own, data_of(step));
     }
-    require(machine.handle->hdlprop->handle_load == static_cast<CS_INT>(model.size()));
+    require(machine.handle->hdlprop->handle_load == static_cast<CS_INT>(entries.size()));
   }
 }
 

@@ -97,11 +97,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const unsigned argument = input.word();
     MM_HANDLE *const handle = pools[argument % pools.size()];
     switch (operation) {
-    case 0: // another sub-pool
+    case 0: // another sub-pool, of any type
       if (pools.size() < 6) {
         MM_HANDLE *made = handle;
-        if (com___subpool(handle, static_cast<CS_INT>(argument), &made) == CS_SUCCEED)
+        if (com___subpool(handle, static_cast<CS_INT>(argument), &made) == CS_SUCCEED) {
           pools.push_back(made);
+          type = types[input.byte() % 3];
+          set(made, MM_PROP_POOLTYPE, &type);
+        }
       }
       break;
     case 1: { // a sub-pool goes, with what it holds
@@ -125,13 +128,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
       if (!live.empty()) {
         Block &block = live[argument % live.size()];
         require(block.is_filled(block.size));
+        const CS_INT strategy = block.pool->mmh_type;
         if (operation == 3) {
           // An empty allocation of an alloc-only pool may lie at the end of its region.
-          if (type == MM_POOL_ALLOCONLY && block.size == 0)
+          if (strategy == MM_POOL_ALLOCONLY && block.size == 0)
             break;
           require(comn_mmfree(block.pool, block.at) ==
-                  (type == MM_POOL_ALLOCONLY ? CS_FAIL : CS_SUCCEED));
-          if (type != MM_POOL_ALLOCONLY) {
+                  (strategy == MM_POOL_ALLOCONLY ? CS_FAIL : CS_SUCCEED));
+          if (strategy != MM_POOL_ALLOCONLY) {
             block = live.back();
             live.pop_back();
           }
@@ -144,7 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
           require(moved == block.at && block.is_filled(block.size));
           break;
         }
-        require(type == MM_POOL_BUDDY);
+        require(strategy == MM_POOL_BUDDY);
         block.at = static_cast<unsigned char *>(moved);
         require(block.is_filled(std::min(block.size, wanted)));
         block.size = std::min(wanted, payload_of(moved));

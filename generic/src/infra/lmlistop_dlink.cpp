@@ -139,12 +139,12 @@ CS_RETCODE dlink_walk(LM_HANDLE *handle, const DLinkInfo *info, const Request &r
   return function != nullptr ? walk_chain(info->head, function, &DLinkNode::data) : CS_FAIL;
 }
 
-// Looks for an entry without following the pointer, which may point anywhere.
+// Looks for an entry without following the pointer, which may point anywhere but is not null.
 bool is_entry(const DLinkInfo *info, const DLinkNode *wanted) noexcept {
   const DLinkNode *node = info->head;
   while (node != nullptr && node != wanted)
     node = node->next;
-  return wanted != nullptr && node == wanted;
+  return node != nullptr;
 }
 
 // What an operation delivers. The cursor behind a walk over all entries is the one that nothing has

@@ -21,8 +21,7 @@ compilers = {"gcc": {".c": "gcc", ".cpp": "g++"}, "clang": {".c": "clang", ".cpp
 
 def check(entry, compiler, quick):
     """What a compiler says about a unit; the empty string when it says nothing."""
-    command = shlex.split(entry["command"])
-    flags = command[2 if Path(command[0]).name == "ccache" else 1:]
+    _, *flags = shlex.split(entry["command"])
     for option in ("-o", "-MF", "-MT", "-include"):  # the last is a precompiled header: gcc's own
         if option in flags:
             place = flags.index(option)

@@ -12,6 +12,7 @@
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/lmpriv.h"
 #include "zrvcomn/mmpriv.h"
+#include "zrvcomn/sortordr.h"
 
 /* clang-format off */
 
@@ -61,7 +62,19 @@
   ROW(CS_DATETIME4, 4) \
   ROW(CS_DATEREC, 48) \
   ROW(CS_CLIENTMSG, 2084) \
-  ROW(CHAR_MAP, 4)
+  ROW(CHAR_MAP, 4) \
+  ROW(LSC, 4) \
+  ROW(SMEL, 12) \
+  ROW(SO_1CLASS, 1796) \
+  ROW(S_DESCRIPT, 336) \
+  ROW(struct sm_0type, 4) \
+  ROW(struct sm_1type, 8) \
+  ROW(struct sm_2type, 1) \
+  ROW(struct sm_3type, 8) \
+  ROW(struct sm_4type, 8) \
+  ROW(struct sm_5type, 4) \
+  ROW(struct sm_6type, 4) \
+  ROW(struct sm_7type, 4)
 
 /* record, field, offset, width of the field: both data models */
 #define LAYOUT_VALUE_FIELDS(ROW) \
@@ -107,7 +120,29 @@
   ROW(CHAR_MAP, char_upper, 0, 1) \
   ROW(CHAR_MAP, char_lower, 1, 1) \
   ROW(CHAR_MAP, char_lex, 2, 1) \
-  ROW(CHAR_MAP, char_type, 3, 1)
+  ROW(CHAR_MAP, char_type, 3, 1) \
+  ROW(LSC, lsclong, 0, 4) \
+  ROW(LSC, ps, 0, 2) \
+  ROW(LSC, pst, 0, 4) \
+  ROW(LSC, p1p2s, 0, 4) \
+  ROW(SMEL, next_smel, 0, 1) \
+  ROW(SMEL, type_smel, 1, 1) \
+  ROW(SMEL, noxtraw, 2, 1) \
+  ROW(SMEL, pad, 3, 1) \
+  ROW(SMEL, smel_types, 4, 8) \
+  ROW(SO_1CLASS, stat1, 0, 1) \
+  ROW(SO_1CLASS, stat2, 1, 1) \
+  ROW(SO_1CLASS, last_char, 2, 1) \
+  ROW(SO_1CLASS, nsmels, 3, 1) \
+  ROW(SO_1CLASS, lscs, 4, 1024) \
+  ROW(SO_1CLASS, smels, 1028, 768) \
+  ROW(S_DESCRIPT, class_, 0, 4) \
+  ROW(S_DESCRIPT, id, 4, 4) \
+  ROW(S_DESCRIPT, name, 8, 31) \
+  ROW(S_DESCRIPT, charset, 39, 31) \
+  ROW(S_DESCRIPT, preference, 72, 4) \
+  ROW(S_DESCRIPT, descript, 76, 256) \
+  ROW(S_DESCRIPT, isbin, 332, 4)
 
 /* record, size under ILP32 */
 #define LAYOUT_POINTER_RECORDS(ROW) \
@@ -127,6 +162,7 @@
   ROW(CS_CONVACK, 44) \
   ROW(CS_DATAFUNCS, 320) \
   ROW(CsLocCache, 84) \
+  ROW(CsSortDesc, 16) \
   ROW(CS_LOCALE, 32) \
   ROW(CsLocale, 32) \
   ROW(CS_THREAD, 40) \
@@ -272,6 +308,10 @@
   ROW(CsLocCache, monnamelen, 72) \
   ROW(CsLocCache, locmoninfo, 76) \
   ROW(CsLocCache, locnext, 80) \
+  ROW(CsSortDesc, oid, 0) \
+  ROW(CsSortDesc, char_sort_descript, 4) \
+  ROW(CsSortDesc, char_sort_class, 8) \
+  ROW(CsSortDesc, sortnext, 12) \
   ROW(CS_LOCALE, collateptr, 0) \
   ROW(CS_LOCALE, ctypeptr, 4) \
   ROW(CS_LOCALE, messageptr, 8) \

@@ -7,6 +7,7 @@
 
 #include "comloc.h"
 #include "comnlib.h"
+#include "sortordr.h"
 
 namespace {
 
@@ -40,6 +41,8 @@ static_assert(sizeof(CS_DATETIME) == 8 && offsetof(CS_DATETIME, dttime) == 4);
 static_assert(sizeof(CS_DATETIME4) == 4 && offsetof(CS_DATETIME4, minutes) == 2);
 static_assert(sizeof(CS_DATEREC) == 12 * sizeof(CS_INT));
 static_assert(sizeof(CS_CLIENTMSG) == 2084);
+static_assert(sizeof(LSC) == 4 && sizeof(SMEL) == 12 && sizeof(SO_1CLASS) == 1796);
+static_assert(sizeof(S_DESCRIPT) == 336);
 
 // True under LP64, or when the record has this size.
 template <class Record, size_t Size>
@@ -55,6 +58,7 @@ static_assert(is_told_size<CS_STRINGS, 8>);
 static_assert(is_told_size<CS_CONVACK, 44>);
 static_assert(is_told_size<CS_DATAFUNCS, 320>);
 static_assert(is_told_size<CsLocCache, 84>);
+static_assert(is_told_size<CsSortDesc, 16>);
 static_assert(is_told_size<CS_LOCALE, 32>);
 static_assert(is_told_size<CS_THREAD, 40>);
 static_assert(is_told_size<CsConvertTbl, 8>);

@@ -1,0 +1,180 @@
+/*
+ * sortordr.h - sort orders: their records, their loader, and comparison.
+ *
+ * A sort order lists the characters of one character set from lowest to highest, in a file of the
+ * extension "srt" (docs/files.md has its form). Loading compiles the list into a table of 256
+ * weights of four bytes, with a small overflow area, so that two strings are compared in one pass.
+ *
+ * A character has three weights. The primary one is the number of its entry in the list; the
+ * secondary one tells the values of one entry apart, as accents do; the tertiary one the characters
+ * that one value ties with "=", as upper and lower case. Two further things need more than a weight
+ * for each byte: double characters, two bytes that sort as one, and ligatures, one byte that sorts
+ * as two.
+ *
+ * A null pointer where none is allowed, and an argument that a comment calls fatal, is a
+ * programmer's fault, as in comnlib.h. The comparisons alone check nothing.
+ */
+#ifndef ZRV_SORTORDR_H
+#define ZRV_SORTORDR_H
+
+#include "comloc.h"
+
+ZRV_BEGIN_DECLS
+
+/* ---- the compiled table ---- */
+
+/* The weights of a character, in four views of the same four bytes. */
+typedef union lsc {
+  CS_UINT lsclong;
+  CS_USHORT ps; /* primary and secondary weight together */
+  struct {
+    CS_BYTE p;       /* primary weight */
+    CS_BYTE s;       /* secondary weight */
+    CS_BYTE t;       /* tertiary weight; 0 when the byte's weights stand in the list `smelist` */
+    CS_BYTE smelist; /* t is 0: index of the first element of the list, 255 for none. Else, in a
+                        finished table: the first byte of the next primary weight, 0 for none */
+  } pst;
+  struct {
+    CS_BYTE p1;
+    CS_BYTE p2;
+    CS_BYTE s;
+    CS_BYTE smelist;
+  } p1p2s; /* reserved for class 2 */
+} LSC;
+
+/* The records of an overflow element, by its type. */
+struct sm_0type { /* a byte by itself, at the end of a list of double characters */
+  LSC lsc1;
+};
+struct sm_1type { /* a double character: the first byte with the second byte `xtraw` */
+  CS_BYTE xtraw;
+  CS_BYTE pad[3];
+  LSC lsc1;
+};
+struct sm_2type { /* no content; none are made */
+  CS_BYTE dummy;
+};
+struct sm_3type { /* a ligature: one byte with the weights of two characters */
+  LSC lsc1;
+  LSC lsc2;
+};
+struct sm_4type { /* this and the following are reserved for class 2 */
+  LSC lsc_low;
+  LSC lsc_high;
+};
+struct sm_5type {
+  LSC lsc1;
+};
+struct sm_6type {
+  LSC lsc1;
+};
+struct sm_7type {
+  CS_UINT offset;
+};
+
+/* One overflow element, 12 bytes. */
+typedef struct smel {
+  CS_BYTE next_smel; /* index of the next element of the list, SMEL_NONE at its end */
+  CS_BYTE type_smel; /* SMEL_BYTE, SMEL_DOUBLE or SMEL_LIGATURE */
+  CS_BYTE noxtraw;   /* 1 for a double character, else 0 */
+  CS_BYTE pad;
+  union {
+    struct sm_0type sm_0type;
+    struct sm_1type sm_1type;
+    struct sm_2type sm_2type;
+    struct sm_3type sm_3type;
+    struct sm_4type sm_4type;
+    struct sm_5type sm_5type;
+    struct sm_6type sm_6type;
+    struct sm_7type sm_7type;
+  } smel_types;
+} SMEL;
+
+#define SMEL_BYTE 0
+#define SMEL_DOUBLE 1
+#define SMEL_LIGATURE 3
+#define SMEL_NONE 255
+#define SMEL_COUNT 64 /* elements of a table */
+
+/* The compiled table of class 1, 1796 bytes. Read-only once it is loaded. */
+typedef struct so_1class {
+  CS_BYTE stat1;     /* properties of the order, SO_ below */
+  CS_BYTE stat2;     /* 0 */
+  CS_BYTE last_char; /* the last first byte that the last entry of characters has */
+  CS_BYTE nsmels;    /* elements in use */
+  LSC lscs[256];     /* one for each byte value */
+  SMEL smels[SMEL_COUNT];
+} SO_1CLASS;
+
+#define SO_PRIMARY 1    /* primary differences only */
+#define SO_SECONDARY 2  /* a secondary weight above 1 occurred */
+#define SO_PREFERENCE 4 /* a tertiary weight of 2 or more occurred in an order with preference */
+#define SO_TIES 8       /* "=" occurred */
+#define SO_EXPANDS 16   /* a double character or a ligature occurred */
+#define SO_LIGATURES 32 /* a ligature occurred */
+#define SO_WEIGHTS 255  /* the most primary weights that an order has */
+
+/* ---- loaded sort orders ---- */
+
+/* The longest name of a sort order or of its character set, with the terminator, and the longest
+ * description. */
+#define SO_NAME_SIZE 31
+#define SO_DESCRIPT_SIZE 256
+
+/* The header of the file. */
+typedef struct s_descript {
+  int class_; /* 1 or 2. C++ keeps the plain word for itself */
+  int id;     /* not 0 */
+  char name[SO_NAME_SIZE];
+  char charset[SO_NAME_SIZE];
+  int preference; /* tertiary differences count as preference; true unless the file says otherwise */
+  char descript[SO_DESCRIPT_SIZE];
+  int isbin; /* true for an order by bytes; false unless the file says otherwise */
+} S_DESCRIPT;
+
+/* One loaded sort order, identified by its oid within its character set, which owns it. */
+typedef struct _cssortdesc {
+  CsOID *oid; /* borrowed */
+  S_DESCRIPT *char_sort_descript;
+  CS_VOID *char_sort_class; /* an SO_1CLASS, null for a binary order */
+  struct _cssortdesc *sortnext;
+} CsSortDesc;
+
+/* ---- values of installation files ----
+ *
+ * Each reads one value of the entry at hand. They return CS_SUCCEED; CS_FAIL at the end of the entry
+ * and for a value that is refused; COM_INTL_ERROR when the reader fails, its status in ctxintlerr.
+ * Unless a comment says otherwise the output is untouched after a failure.
+ */
+
+/* The first byte of the value. */
+ZRV_PRIVATE CS_RETCODE comn__get_byteval(CsContext *context, struct intl_locfile *ifile,
+                                         CS_BYTE *byteval) ZRV_NOEXCEPT;
+
+/* The first two bytes, the first one high. */
+ZRV_PRIVATE CS_RETCODE comn__get_shortval(CsContext *context, struct intl_locfile *ifile,
+                                          CS_USHORT *shortval) ZRV_NOEXCEPT;
+
+/* The first four bytes, the first one highest. */
+ZRV_PRIVATE CS_RETCODE comn__get_longval(CsContext *context, struct intl_locfile *ifile,
+                                         CS_UINT *longval) ZRV_NOEXCEPT;
+
+/* "true" is 1 and "false" is 0; exactly these texts. */
+ZRV_PRIVATE CS_RETCODE comn__get_boolval(CsContext *context, struct intl_locfile *ifile,
+                                         CS_BOOL *boolval) ZRV_NOEXCEPT;
+
+/*
+ * A text of less than `maxlen` bytes, NUL-terminated.
+ *
+ * string    out  the text, `maxlen` bytes; null only passes the value. After a failure it may hold
+ *                what was refused, cut to fit
+ * is_alnum  in   1: the text must begin with a letter (com_isalpha) and go on in letters, digits
+ *                (com_isdigit) and "_". 0: any text. Anything else is fatal
+ */
+ZRV_PRIVATE CS_RETCODE comn__get_string(CsContext *context, struct intl_locfile *ifile,
+                                        CS_CHAR *string, CS_BOOL is_alnum,
+                                        CS_INT maxlen) ZRV_NOEXCEPT;
+
+ZRV_END_DECLS
+
+#endif

@@ -374,6 +374,7 @@ typedef struct char_map {
 #define CS_CTYPE_XDIGIT 16
 #define CS_CTYPE_PUNCT 32
 #define CS_CTYPE_GRAPH 64
+#define CS_CTYPE_LEAD 128 /* the first byte of two, see charset.h */
 
 extern ZRV_PRIVATE const CHAR_MAP Com_Iso1_charmap[256];
 extern ZRV_PRIVATE const CHAR_MAP *const Com_charmap;

@@ -8,6 +8,7 @@
 #ifndef ZRVTEST_LAYOUT_FACTS_H
 #define ZRVTEST_LAYOUT_FACTS_H
 
+#include "zrvcomn/charset.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/lmpriv.h"
@@ -74,7 +75,12 @@
   ROW(struct sm_4type, 8) \
   ROW(struct sm_5type, 4) \
   ROW(struct sm_6type, 4) \
-  ROW(struct sm_7type, 4)
+  ROW(struct sm_7type, 4) \
+  ROW(CS_NORM_MAP, 256) \
+  ROW(CS_SOUNDEX, 256) \
+  ROW(CS_TYPE_MAP, 1024) \
+  ROW(cs_1class, 1285) \
+  ROW(cs_2class, 44)
 
 /* record, field, offset, width of the field: both data models */
 #define LAYOUT_VALUE_FIELDS(ROW) \
@@ -142,7 +148,29 @@
   ROW(S_DESCRIPT, charset, 39, 31) \
   ROW(S_DESCRIPT, preference, 72, 4) \
   ROW(S_DESCRIPT, descript, 76, 256) \
-  ROW(S_DESCRIPT, isbin, 332, 4)
+  ROW(S_DESCRIPT, isbin, 332, 4) \
+  ROW(CS_NORM_MAP, norm, 0, 256) \
+  ROW(CS_SOUNDEX, sound, 0, 256) \
+  ROW(CS_TYPE_MAP, chmap, 0, 1024) \
+  ROW(cs_1class, char_map, 0, 1028) \
+  ROW(cs_1class, sounds, 1028, 257) \
+  ROW(cs_2class, cs_status, 0, 2) \
+  ROW(cs_2class, cs_class, 2, 1) \
+  ROW(cs_2class, cs_maxcharlen, 3, 1) \
+  ROW(cs_2class, cs_ncharsize, 4, 1) \
+  ROW(cs_2class, cs_ntype, 5, 1) \
+  ROW(cs_2class, cs_nnorm, 6, 1) \
+  ROW(cs_2class, cs_nsoundex, 7, 1) \
+  ROW(cs_2class, machine_type, 8, 1) \
+  ROW(cs_2class, padding, 9, 3) \
+  ROW(cs_2class, off_width, 12, 4) \
+  ROW(cs_2class, size_width, 16, 4) \
+  ROW(cs_2class, off_norm, 20, 4) \
+  ROW(cs_2class, size_norm, 24, 4) \
+  ROW(cs_2class, off_type, 28, 4) \
+  ROW(cs_2class, size_type, 32, 4) \
+  ROW(cs_2class, off_soundex, 36, 4) \
+  ROW(cs_2class, size_soundex, 40, 4)
 
 /* record, size under ILP32 */
 #define LAYOUT_POINTER_RECORDS(ROW) \
@@ -163,6 +191,9 @@
   ROW(CS_DATAFUNCS, 320) \
   ROW(CsLocCache, 84) \
   ROW(CsSortDesc, 16) \
+  ROW(CHAR_ATTRIB, 60) \
+  ROW(CS_ATTRIB, 60) \
+  ROW(CsCharDesc, 20) \
   ROW(CS_LOCALE, 32) \
   ROW(CsLocale, 32) \
   ROW(CS_THREAD, 40) \
@@ -312,6 +343,26 @@
   ROW(CsSortDesc, char_sort_descript, 4) \
   ROW(CsSortDesc, char_sort_class, 8) \
   ROW(CsSortDesc, sortnext, 12) \
+  ROW(CHAR_ATTRIB, cs_status, 0) \
+  ROW(CHAR_ATTRIB, cs_class, 2) \
+  ROW(CHAR_ATTRIB, cs_id, 3) \
+  ROW(CHAR_ATTRIB, cs_namelen, 4) \
+  ROW(CHAR_ATTRIB, cs_name, 6) \
+  ROW(CHAR_ATTRIB, cs_maxcharlen, 36) \
+  ROW(CHAR_ATTRIB, cs_ncharsize, 37) \
+  ROW(CHAR_ATTRIB, cs_nnorm, 38) \
+  ROW(CHAR_ATTRIB, cs_ntype, 39) \
+  ROW(CHAR_ATTRIB, cs_nsoundex, 40) \
+  ROW(CHAR_ATTRIB, spare, 41) \
+  ROW(CHAR_ATTRIB, cs_width_map, 44) \
+  ROW(CHAR_ATTRIB, cs_norm_map, 48) \
+  ROW(CHAR_ATTRIB, cs_type_map, 52) \
+  ROW(CHAR_ATTRIB, cs_soundex, 56) \
+  ROW(CsCharDesc, oid, 0) \
+  ROW(CsCharDesc, char_attrib, 4) \
+  ROW(CsCharDesc, sort_order, 8) \
+  ROW(CsCharDesc, conv_config, 12) \
+  ROW(CsCharDesc, charnext, 16) \
   ROW(CS_LOCALE, collateptr, 0) \
   ROW(CS_LOCALE, ctypeptr, 4) \
   ROW(CS_LOCALE, messageptr, 8) \
@@ -571,6 +622,9 @@
   ROW(CS_CTYPE_XDIGIT, 16) \
   ROW(CS_CTYPE_PUNCT, 32) \
   ROW(CS_CTYPE_GRAPH, 64) \
+  ROW(CS_CTYPE_LEAD, 128) \
+  ROW(COM_CHARSET_IMAGE1, 1001) \
+  ROW(COM_CHARSET_IMAGE2, 1002) \
   ROW(MM_POOL_NONE, 2235) \
   ROW(MM_POOL_BUDDY, 2236) \
   ROW(MM_POOL_ALLOCONLY, 2237) \

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 
+#include "charset.h"
 #include "comloc.h"
 #include "comnlib.h"
 #include "sortordr.h"
@@ -43,6 +44,10 @@ static_assert(sizeof(CS_DATEREC) == 12 * sizeof(CS_INT));
 static_assert(sizeof(CS_CLIENTMSG) == 2084);
 static_assert(sizeof(LSC) == 4 && sizeof(SMEL) == 12 && sizeof(SO_1CLASS) == 1796);
 static_assert(sizeof(S_DESCRIPT) == 336);
+static_assert(sizeof(CS_NORM_MAP) == 256 && sizeof(CS_SOUNDEX) == 256 &&
+              sizeof(CS_TYPE_MAP) == 1024);
+static_assert(sizeof(cs_1class) == 1285 && offsetof(cs_1class, sounds) == 1028);
+static_assert(sizeof(cs_2class) == 44 && offsetof(cs_2class, off_width) == 12);
 
 // True under LP64, or when the record has this size.
 template <class Record, size_t Size>
@@ -59,6 +64,8 @@ static_assert(is_told_size<CS_CONVACK, 44>);
 static_assert(is_told_size<CS_DATAFUNCS, 320>);
 static_assert(is_told_size<CsLocCache, 84>);
 static_assert(is_told_size<CsSortDesc, 16>);
+static_assert(is_told_size<CHAR_ATTRIB, 60>);
+static_assert(is_told_size<CsCharDesc, 20>);
 static_assert(is_told_size<CS_LOCALE, 32>);
 static_assert(is_told_size<CS_THREAD, 40>);
 static_assert(is_told_size<CsConvertTbl, 8>);

@@ -1,0 +1,92 @@
+// Stepping through a text of any character set: the width rule, the plane rule and the reduction to
+// ASCII, each once, for the parsers of numbers, money and dates and for the conversions.
+//
+// A rule is asked at a place. Complete knows that the character is all there; Within knows the end
+// of the text, and reads every byte behind it as NUL. Only the rules that need the second byte of a
+// character read it.
+#ifndef COMN_FRAME_TEXT_H
+#define COMN_FRAME_TEXT_H
+
+#include <algorithm>
+#include <cstddef>
+
+#include "charset.h"
+
+namespace comn {
+
+// The built-in set and its tables, under names that are read without the global offset table.
+extern const CHAR_ATTRIB builtin_charset;
+
+inline const CHAR_ATTRIB &charset_or_builtin(const CHAR_ATTRIB *set) noexcept {
+  return set != nullptr ? *set : builtin_charset;
+}
+
+// A character that is known to be complete.
+struct Complete {
+  const CS_BYTE *at;
+
+  CS_BYTE first() const noexcept { return at[0]; }
+  CS_BYTE second() const noexcept { return at[1]; }
+};
+
+// A character of a text that ends at `end`, which lies behind `at`.
+struct Within {
+  const CS_BYTE *at;
+  const CS_BYTE *end;
+
+  CS_BYTE first() const noexcept { return at[0]; }
+  CS_BYTE second() const noexcept { return end - at > 1 ? at[1] : CS_BYTE{0}; }
+};
+
+// The width rule: the length in bytes that a character says it has. Never 0, so that a walk goes on.
+template <class Place>
+CS_INT char_length(const CS_BYTE *width_map, Place place) noexcept {
+  if (width_map == nullptr)
+    return 1;
+  const CS_INT length = width_map[place.first()] & 0x0F;
+  if (length == 2 && width_map[255] >> 4 == 15) {
+    const CS_BYTE second = place.second();
+    return second >= 0x30 && second <= 0x39 ? 4 : 2;
+  }
+  return length != 0 ? length : 1;
+}
+
+template <class Place>
+CS_INT char_length(const CHAR_ATTRIB &set, Place place) noexcept {
+  return char_length(set.cs_width_map, place);
+}
+
+// The bytes of the character that lie inside the text: at least 1.
+inline std::ptrdiff_t length_inside(const CHAR_ATTRIB &set, Within place) noexcept {
+  return std::min<std::ptrdiff_t>(char_length(set, place), place.end - place.at);
+}
+
+// The plane rule: the entry that describes a character. A set without a type map has no classes.
+template <class Place>
+CHAR_MAP char_map(const CHAR_ATTRIB &set, Place place) noexcept {
+  const CS_TYPE_MAP *const planes = set.cs_type_map;
+  if (planes == nullptr) [[unlikely]]
+    return {};
+  const CHAR_MAP entry = planes->chmap[place.first()];
+  if ((entry.char_type & CS_CTYPE_LEAD) != 0) [[unlikely]]
+    return planes[entry.char_upper].chmap[place.second()];
+  return entry;
+}
+
+// The reduction to ASCII: the byte that stands for a character, 0 if none.
+template <class Place>
+CS_BYTE to_ascii(const CHAR_ATTRIB &set, Place place) noexcept {
+  const CS_BYTE first = place.first();
+  if (const CS_NORM_MAP *const planes = set.cs_norm_map) {
+    const CS_BYTE entry = planes->norm[first];
+    if (entry == 0 || set.cs_width_map == nullptr || (set.cs_width_map[first] & 0x0F) == 1)
+      return entry;
+    return planes[entry].norm[place.second()];
+  }
+  // Lower-case text, deliberately.
+  return set.cs_type_map != nullptr ? set.cs_type_map->chmap[first].char_lower : first;
+}
+
+} // namespace comn
+
+#endif

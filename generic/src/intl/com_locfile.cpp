@@ -1,12 +1,18 @@
-// The openers of section files: from the names of a file to the file, open.
+// The openers of section files: from the names of a file to the file, open, and to a section in it.
+#include "section_files.h"
+
+#include <cstring>
+
 #include "checks.h"
-#include "zrvintl.h"
 
 namespace {
 
 constexpr CS_INT path_size = 1025;
 
-// Tells a caller who asks which file it is, then opens it.
+} // namespace
+
+namespace comn {
+
 CS_RETCODE open_reported(CS_CONTEXT *context, const CS_CHAR *path, INTL_LOCFILE *ifile,
                          CS_CHAR *locfilename, CS_INT filenamelen) noexcept {
   if (locfilename != nullptr) {
@@ -20,7 +26,15 @@ CS_RETCODE open_reported(CS_CONTEXT *context, const CS_CHAR *path, INTL_LOCFILE 
   return COM_LOCFILE_ERROR;
 }
 
-} // namespace
+CS_RETCODE find_section(CS_CONTEXT *context, INTL_LOCFILE *file, const char *name) noexcept {
+  int status = 0;
+  while (const char *const section = intl_nextsection(file, &status))
+    if (std::strcmp(section, name) == 0)
+      return CS_SUCCEED;
+  return status < 0 ? reader_result(context, status) : CS_FAIL;
+}
+
+} // namespace comn
 
 CS_RETCODE com__open_locfile(CS_CONTEXT *context, CS_CHAR *lang, CS_CHAR *charset, CS_CHAR *locfile,
                              INTL_LOCFILE *ifile, CS_CHAR *locfilename,
@@ -31,7 +45,7 @@ CS_RETCODE com__open_locfile(CS_CONTEXT *context, CS_CHAR *lang, CS_CHAR *charse
   const CS_RETCODE built = com__path_locfile(context, lang, charset, locfile, path, path_size);
   if (built != CS_SUCCEED)
     return COMN_TRACE(built);
-  return COMN_TRACE(open_reported(context, path, ifile, locfilename, filenamelen));
+  return COMN_TRACE(comn::open_reported(context, path, ifile, locfilename, filenamelen));
 }
 
 CS_RETCODE com__open_charfile(CS_CONTEXT *context, CS_CHAR *charset, CS_CHAR *filename,
@@ -43,7 +57,7 @@ CS_RETCODE com__open_charfile(CS_CONTEXT *context, CS_CHAR *charset, CS_CHAR *fi
   const CS_RETCODE built = com_path_charfile(context, charset, filename, fileext, path, path_size);
   if (built != CS_SUCCEED)
     return COMN_TRACE(built);
-  return COMN_TRACE(open_reported(context, path, ifile, locfilename, filenamelen));
+  return COMN_TRACE(comn::open_reported(context, path, ifile, locfilename, filenamelen));
 }
 
 CS_RETCODE comn__open_msgfile(CS_CONTEXT *context, CS_CHAR *lang, CS_INT langlen, CS_CHAR *msgfile,
@@ -56,7 +70,7 @@ CS_RETCODE comn__open_msgfile(CS_CONTEXT *context, CS_CHAR *lang, CS_INT langlen
       com_path_msgfile(context, lang, langlen, msgfile, msgfilelen, found, path_size);
   if (built != CS_SUCCEED)
     return COMN_TRACE(built);
-  return COMN_TRACE(open_reported(context, found, ifile, path, pathlen));
+  return COMN_TRACE(comn::open_reported(context, found, ifile, path, pathlen));
 }
 
 CS_RETCODE com__open_cfgfile(CS_CONTEXT *context, CS_CHAR *cfgfile, INTL_LOCFILE *ifile,
@@ -67,5 +81,5 @@ CS_RETCODE com__open_cfgfile(CS_CONTEXT *context, CS_CHAR *cfgfile, INTL_LOCFILE
   const CS_RETCODE built = com_path_cfgfile(context, cfgfile, path, path_size, ncl);
   if (built != CS_SUCCEED)
     return COMN_TRACE(built);
-  return COMN_TRACE(open_reported(context, path, ifile, nullptr, 0));
+  return COMN_TRACE(comn::open_reported(context, path, ifile, nullptr, 0));
 }

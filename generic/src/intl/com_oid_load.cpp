@@ -1,7 +1,7 @@
 // Loads objectid.dat into a table of identifiers, and releases the table.
 #include "checks.h"
 #include "oid_table.h"
-#include "zrvintl.h"
+#include "section_files.h"
 
 namespace {
 
@@ -40,14 +40,6 @@ CS_STRING_LIST **end_of(CS_STRING_LIST **names) noexcept {
   return names;
 }
 
-// What a loop over the reader ends with, once there is nothing more.
-CS_RETCODE reader_result(CS_CONTEXT *context, int status) noexcept {
-  if (status >= 0)
-    return CS_SUCCEED;
-  context->ctxintlerr = status;
-  return COM_INTL_ERROR;
-}
-
 CS_RETCODE read_sections(CS_CONTEXT *context, INTL_LOCFILE *file, CS_OID_TABLE *oidtable) noexcept {
   int status = 0;
   while (CS_CHAR *const section = intl_nextsection(file, &status)) {
@@ -58,7 +50,7 @@ CS_RETCODE read_sections(CS_CONTEXT *context, INTL_LOCFILE *file, CS_OID_TABLE *
     if (result != CS_SUCCEED)
       return result;
   }
-  return reader_result(context, status);
+  return comn::reader_result(context, status);
 }
 
 // An entry of a section: its key, and the names behind it.
@@ -112,8 +104,7 @@ CS_RETCODE comn__read_oidfile(CS_CONTEXT *context, CS_OID_TABLE *oidtable) noexc
   if (result != CS_SUCCEED)
     return result;
   result = read_sections(context, &file, oidtable);
-  const CS_RETCODE closed = reader_result(context, intl_close(&file));
-  return result == CS_SUCCEED ? closed : result;
+  return comn::close_behind(context, &file, result);
 }
 
 CS_RETCODE comn__read_oidsection(CS_CONTEXT *context, INTL_LOCFILE *file, CS_OID_TABLE *oidtable,
@@ -131,7 +122,7 @@ CS_RETCODE comn__read_oidsection(CS_CONTEXT *context, INTL_LOCFILE *file, CS_OID
     if (result != CS_SUCCEED)
       return result;
   }
-  return reader_result(context, status);
+  return comn::reader_result(context, status);
 }
 
 CS_RETCODE comn__read_localnames(CS_CONTEXT *context, INTL_LOCFILE *file, CsOID *oid) noexcept {
@@ -148,7 +139,7 @@ CS_RETCODE comn__read_localnames(CS_CONTEXT *context, INTL_LOCFILE *file, CsOID 
     end = &(*end)->next;
     ++oid->oidnumlnames;
   }
-  return reader_result(context, status);
+  return comn::reader_result(context, status);
 }
 
 CS_RETCODE comn__new_oid(CS_CONTEXT *context, CS_CHAR *oidstring, CsOID **oidp) noexcept {

@@ -1,6 +1,6 @@
 /*
- * zrvintl.h - the interface of libzrvintl: memory, environment, home directory, bounded strings, and
- * the reader of the installation's files.
+ * zrvintl.h - the interface of libzrvintl: memory, environment, home directory, bounded strings, the
+ * texts of messages, and the reader of the installation's files.
  *
  * libzrvcomn calls nothing else of this library, so any library with this interface can stand in
  * its place.
@@ -29,7 +29,7 @@ extern "C" {
 #define ZRVINTL_EVALUE (-5)  /* a value is too long */
 #define ZRVINTL_ESYNTAX (-6) /* a malformed line */
 #define ZRVINTL_ECLOSED (-7) /* the file is not open */
-#define ZRVINTL_EDATE (-8)   /* a date section is incomplete */
+#define ZRVINTL_EDATE (-8) /* a date section is incomplete, or one of its values is no such value */
 
 /* Failures of the other functions below. */
 #define ZRVINTL_EINVAL (-9)   /* a null argument or a size below 1 */
@@ -88,6 +88,31 @@ ZRV_API int intl_home(char *buffer, int size) ZRVINTL_NOEXCEPT;
  */
 ZRV_API size_t intl_strlcpy(char *dest, const char *source, size_t size) ZRVINTL_NOEXCEPT;
 ZRV_API size_t intl_strlcat(char *dest, const char *source, size_t size) ZRVINTL_NOEXCEPT;
+
+/*
+ * Builds the text of a message from its arguments.
+ *
+ * zero    in   0
+ * buffer  out  the result, NUL-terminated; the empty string on failure
+ * size    in   the full size of `buffer` in bytes
+ * text    in   the message, with marks where arguments go; must not overlap `buffer`
+ * format  in   the arguments behind it, in their order: "%s" for a string, "%d" for an int, "%ld"
+ *              for a long; what stands between those does not matter. At most
+ *              INTL_MAX_ARGUMENTS of them
+ *
+ * A mark of the text is "%1!" to "%9!", the argument with that number, so that a translation may
+ * have another order, or "%s", "%d" or "%ld", which take the arguments one after another. The format
+ * alone says what an argument is: any mark shows any argument, strings as they are, numbers in
+ * decimal digits. "%%" is one percent sign. What is no mark, and a mark for which there is no
+ * argument, stays as it stands; an argument without a mark is left out.
+ *
+ * Returns the length of the result without its terminator; ZRVINTL_ESIZE when it does not fit, as it
+ * is never cut; ZRVINTL_EINVAL for a null argument, a null string among the arguments, a size below
+ * 1, a first argument that is not 0, and a format with another conversion or too many.
+ */
+#define INTL_MAX_ARGUMENTS 9
+ZRV_API int intl_strbuild(int zero, char *buffer, int size, const char *text, const char *format,
+                          ...) ZRVINTL_NOEXCEPT;
 
 /* ---- section files ----
  *
@@ -181,6 +206,40 @@ ZRV_API char *intl_nextvalue(INTL_LOCFILE *ifile, int *status) ZRVINTL_NOEXCEPT;
 
 /* The text of a status of this library, with either sign; never null. Static storage. */
 ZRV_API const char *intl_errstr(int status) ZRVINTL_NOEXCEPT;
+
+/* ---- the date section of a language ----
+ *
+ *   [datetime]
+ *   months = January, February, ...       12 texts
+ *   shortmonths = Jan, Feb, ...           12 texts
+ *   days = Monday, Tuesday, ...           7 texts, from Monday on
+ *   firstday = 7                          the day that a week begins with; 1 is Monday
+ *   dateorder = mdy                       the order of month, day and year
+ *   is12hour = true                       or false
+ */
+
+/* What it holds; the texts are NUL-terminated. */
+typedef struct intl_dateinfo {
+  char months[12][21];
+  char shortmonths[12][10];
+  char days[7][31]; /* from Monday on, whatever `firstday` is */
+  int firstday;     /* 1 to 7 */
+  char dateorder[4];
+  int is12hour; /* 0 or 1 */
+} intl_dateinfo;
+
+/*
+ * Reads a date section.
+ *
+ * ifile     in/out  an open file, whose section it is; at the end of the section afterwards
+ * dateinfo  out     the section; on failure what was read so far
+ *
+ * Entries stand in any order, and other keys are passed over; of a key that repeats, the last counts.
+ * Returns 0; ZRVINTL_EDATE when a key is missing or has fewer or more values than it must, and for a
+ * first day or a clock that is none; ZRVINTL_EVALUE for a text that is too long for its place;
+ * ZRVINTL_EINVAL for a null `dateinfo`; or the reader's own status.
+ */
+ZRV_API int intl_datetime(INTL_LOCFILE *ifile, intl_dateinfo *dateinfo) ZRVINTL_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -36,7 +36,8 @@ file(
   \"home_dir\": \"${ZRV_HOME_DIR}\",
   \"has_command\": ${has_command},
   \"zrvcomn\": \"$<TARGET_FILE:zrvcomn>\",
-  \"zrvintl\": \"$<TARGET_FILE:zrvintl>\"
+  \"zrvintl\": \"$<TARGET_FILE:zrvintl>\",
+  \"zrvunic\": \"$<TARGET_FILE:zrvunic>\"
 }
 ")
 

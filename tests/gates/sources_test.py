@@ -12,7 +12,8 @@ from pathlib import Path
 import project
 from project import build, run, source_dir, tracked_files
 
-public_headers = tracked_files("include/*.h", "platform/zrvintl/zrvintl.h")
+public_headers = tracked_files("include/*.h", "platform/zrvintl/zrvintl.h",
+                               "platform/zrvunic/zrvunic.h")
 
 
 def in_parallel(function, items):
@@ -180,7 +181,8 @@ class Layering(unittest.TestCase):
             own = os.path.normpath(Path(name).parent / target)
             if target.startswith("zrvcomn/"):
                 base = target.removeprefix("zrvcomn/")
-                found = [header for header in (f"include/{base}", f"platform/zrvintl/{base}")
+                found = [header for header in (f"include/{base}", f"platform/zrvintl/{base}",
+                                               f"platform/zrvunic/{base}")
                          if header in self.headers]
             elif own in self.headers:
                 found = [own]

@@ -36,12 +36,14 @@ class Install(unittest.TestCase):
         self.assertEqual(lines[1], os.path.realpath(home))
 
     def test_installed_files(self):
-        for name, link, target in (("libzrvcomn", "16", "16.0.1"), ("libzrvintl", "1", "1.0.0")):
+        for name, link, target in (("libzrvcomn", "16", "16.0.1"), ("libzrvintl", "1", "1.0.0"),
+                                   ("libzrvunic", "1", "1.0.0")):
             self.assertTrue((self.libdir / f"{name}.so.{target}").is_file())
             self.assertEqual(os.readlink(self.libdir / f"{name}.so.{link}"), f"{name}.so.{target}")
             self.assertEqual(os.readlink(self.libdir / f"{name}.so"), f"{name}.so.{link}")
         headers = self.prefix / build.include_dir / "zrvcomn"
-        tracked = project.tracked_files("include/*.h", "platform/zrvintl/zrvintl.h")
+        tracked = project.tracked_files("include/*.h", "platform/zrvintl/zrvintl.h",
+                                        "platform/zrvunic/zrvunic.h")
         self.assertEqual(sorted(path.name for path in headers.iterdir()),
                          sorted(path.name for path in tracked))
         self.assertFalse([path for path in headers.iterdir() if path.is_symlink()])
@@ -65,7 +67,7 @@ class Install(unittest.TestCase):
 
     # The libraries find their neighbours beside themselves.
     def test_run_path(self):
-        for name in ("libzrvcomn.so", "libzrvintl.so"):
+        for name in ("libzrvcomn.so", "libzrvintl.so", "libzrvunic.so"):
             dynamic = run(build.readelf, "--dynamic", "--wide", self.libdir / name)
             self.assertEqual(re.findall(r"\((?:RUNPATH|RPATH)\).*\[(.*)\]", dynamic), ["$ORIGIN"], name)
 

@@ -1,5 +1,6 @@
 /*
- * numeric.h - exact numerics: representation, arithmetic and the conversions beneath comn_numto*.
+ * numeric.h - exact numerics and money: representation, arithmetic and the conversions beneath
+ * comn_numto* and comn_moneyto*.
  *
  * A numeric is a sign byte and a big-endian base-256 magnitude, divided by 10 to the power of its
  * scale (CS_NUMERIC, cstypes.h). Any sign byte but 0 is negative, so two of them are one sign; a zero
@@ -284,6 +285,112 @@ ZRV_PRIVATE int com__exctnumetomny8(__CONSTANT *numeval, CS_MONEY *dest) ZRV_NOE
  * that destlen holds; a scale above 77 becomes 0. `flag` has no effect. */
 ZRV_PRIVATE int com__mny8toexctnume(CS_MONEY *mp, CS_BYTE *dest, CS_INT destlen, CS_BYTE *precision,
                                     CS_BYTE *scale, int flag) ZRV_NOEXCEPT;
+
+/*
+ * ---- money ----
+ *
+ * CS_MONEY and CS_MONEY4 (cstypes.h) are counts of ten-thousandths, so they have four decimals:
+ * -922337203685477.5808 to 922337203685477.5807, and -214748.3648 to 214748.3647. Values may stand
+ * at any address, and a result may be one of the operands.
+ */
+
+/* The multiplier that turns a value with 0 to 4 decimals into ten-thousandths. */
+extern ZRV_PRIVATE const CS_INT scalebuf[5];
+
+/*
+ * Public operations return CS_SUCCEED, or
+ *   CS_CONV_OVERFLOW  the result does not fit; add, sub, mul and divide leave zero
+ *   CS_CONV_DIVZERO   the divisor is zero; zero is left
+ * and the internal ones NUME_OK, NUME_OVERFLOW or NUME_DIVZERO for the same. A null pointer is fatal:
+ * CS_FAIL, and NUME_OVERFLOW.
+ *
+ * copy      copies mp1 to mp2; cannot fail.
+ * minus     negates; the smallest value is an overflow, which leaves it in a CS_MONEY and leaves a
+ *           CS_MONEY4 untouched.
+ * inc       adds a ten-thousandth; the largest value becomes the smallest one, an overflow.
+ * dec       takes one away, but not where the low word of the count is 0: there it takes away 2 to
+ *           the 32 of them. The smallest value becomes mnyhigh 0x7FFFFFFF, mnylow 0, an overflow.
+ * mul       rounds to the fourth decimal, half away from zero.
+ * divide    truncates toward zero at the fourth decimal.
+ * scale     magnitude times mpier plus add, the sign restored; with an mpier of 0 the count is add
+ *           itself. When the magnitude, or the product before the addition, reaches 2 to the 63, the
+ *           value is untouched, an overflow.
+ * rem       is not supported: writes nothing, NUME_OVERFLOW.
+ */
+ZRV_API CS_RETCODE comn_mnycopy(CS_MONEY *mp1, CS_MONEY *mp2) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnyminus(CS_MONEY *imp, CS_MONEY *omp) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnyinc(CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnydec(CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnyadd(CS_MONEY *add1p, CS_MONEY *add2p, CS_MONEY *sump) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnysub(CS_MONEY *minp, CS_MONEY *subp, CS_MONEY *difp) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnydivide(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mnyscale(CS_MONEY *mp, CS_UINT mpier, CS_INT add) ZRV_NOEXCEPT;
+
+ZRV_API CS_RETCODE comn_mny4copy(CS_MONEY4 *mp1, CS_MONEY4 *mp2) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mny4minus(CS_MONEY4 *imp, CS_MONEY4 *omp) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mny4add(CS_MONEY4 *add1p, CS_MONEY4 *add2p, CS_MONEY4 *sump) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mny4sub(CS_MONEY4 *minp, CS_MONEY4 *subp, CS_MONEY4 *difp) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mny4mul(CS_MONEY4 *m1, CS_MONEY4 *m2, CS_MONEY4 *m3) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mny4divide(CS_MONEY4 *m1, CS_MONEY4 *m2, CS_MONEY4 *m3) ZRV_NOEXCEPT;
+
+ZRV_PRIVATE int com__mnycopy(CS_MONEY *mp1, CS_MONEY *mp2) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyminus(CS_MONEY *imp, CS_MONEY *omp) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyinc(CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnydec(CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyadd(CS_MONEY *add1p, CS_MONEY *add2p, CS_MONEY *sump) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnysub(CS_MONEY *minp, CS_MONEY *subp, CS_MONEY *difp) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnydiv(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyrem(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyscale(CS_MONEY *mp, CS_UINT mpier, CS_INT add) ZRV_NOEXCEPT;
+
+ZRV_PRIVATE int com__mnyminus4(CS_MONEY4 *imp, CS_MONEY4 *omp) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyadd4(CS_MONEY4 *add1p, CS_MONEY4 *add2p, CS_MONEY4 *sump) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnysub4(CS_MONEY4 *minp, CS_MONEY4 *subp, CS_MONEY4 *difp) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnymul4(CS_MONEY4 *m1, CS_MONEY4 *m2, CS_MONEY4 *m3) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnydiv4(CS_MONEY4 *m1, CS_MONEY4 *m2, CS_MONEY4 *m3) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyrem4(CS_MONEY4 *m1, CS_MONEY4 *m2, CS_MONEY4 *m3) ZRV_NOEXCEPT;
+
+/* Compare: -1, 0 or 1. A null pointer is fatal, 0. */
+ZRV_API int comn_mnycmp(CS_MONEY *m1, CS_MONEY *m2) ZRV_NOEXCEPT;
+ZRV_API int comn_mny4cmp(CS_MONEY4 *m1, CS_MONEY4 *m2) ZRV_NOEXCEPT;
+
+/* Set a value to zero, CS_SUCCEED, and to the limits. A null pointer is fatal. */
+ZRV_API CS_RETCODE comn_mnyzero(CS_MONEY *mnyptr) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_mny4zero(CS_MONEY4 *mnyptr) ZRV_NOEXCEPT;
+ZRV_API void comn_mnymaxpos(CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_API void comn_mnymaxneg(CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_PRIVATE void com__maxposmny(CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_PRIVATE void com__maxnegmny(CS_MONEY *mp) ZRV_NOEXCEPT;
+
+/* Divides a value in place, toward zero, and returns the remainder of its magnitude, which is never
+ * negative. The low 16 bits of dvsr are the divisor; where they are 0, nothing changes and the
+ * result is 0. A null pointer is fatal, 0. */
+ZRV_API int comn_mnydown(CS_MONEY *mp, CS_INT dvsr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnydown(CS_MONEY *mp, CS_INT dvsr) ZRV_NOEXCEPT;
+
+/*
+ * Take a value apart digit by digit. init replaces it by its magnitude without its last `trim`
+ * digits, rounded by the last of them that goes, and returns -1 for a negative value, 0 for others;
+ * the smallest value, untrimmed, stays what it is. ndigit then stores the last digit in `*value` as a
+ * character and removes it; it returns 1 while digits remain, and 0 with the first digit of the
+ * number. A null pointer is fatal, 0.
+ */
+ZRV_API int comn_mnyinit(CS_MONEY *mp, CS_INT trim) ZRV_NOEXCEPT;
+ZRV_API int comn_mnyndigit(CS_MONEY *mp, CS_CHAR *value) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyinit(CS_MONEY *mp, CS_INT trim) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnyndigit(CS_MONEY *mp, CS_CHAR *value) ZRV_NOEXCEPT;
+
+/* Divide the count of num by a word, toward zero: by mnylow of `den`, whatever its mnyhigh, and by
+ * the low 16 bits of den. Nothing is reported: a divisor of zero gives a quotient of zero. A null
+ * pointer is fatal. */
+ZRV_API void comn_mnyxdiv(CS_MONEY *num, CS_MONEY *den, CS_MONEY *res) ZRV_NOEXCEPT;
+ZRV_PRIVATE void comn__mny16div(CS_MONEY *num, CS_INT den, CS_MONEY *res) ZRV_NOEXCEPT;
+
+/* Shifts the count right, keeping its sign, by one bit for each significant bit of the magnitude of
+ * `value`: 5 shifts by 3. NUME_OK; a null pointer is fatal, NUME_OVERFLOW. */
+ZRV_PRIVATE int com__mnyshift(CS_MONEY *m1, CS_INT value) ZRV_NOEXCEPT;
 
 /* A sign, digits, and whatever follows them. errno: EINVAL, result 0, when no digit comes; ERANGE
  * with the largest or smallest value. zrvatoll takes "-" and then also "+", which wins ("-+5" is

@@ -7,6 +7,7 @@
 // multiplication by a power of ten within p digits, and the carry out of 77 digits.
 #include "checks.h"
 #include "numemath.h"
+#include "status.h"
 
 namespace exact = comn::exact;
 using exact::Field;
@@ -35,20 +36,6 @@ Field set_shape(CS_NUMERIC &result, const Shape &shape) noexcept {
   result.precision = static_cast<CS_BYTE>(shape.precision);
   result.scale = static_cast<CS_BYTE>(shape.scale);
   return exact::field_of(result);
-}
-
-CS_RETCODE result_code(int status) noexcept {
-  switch (status) {
-  case NUME_OVERFLOW:
-  case NUME_TRUNCATED: // deliberate: only comn_numtonum tells this from an overflow
-    return CS_CONV_OVERFLOW;
-  case NUME_SYNTAX:
-    return CS_CONV_SYNTAX;
-  case NUME_DIVZERO:
-    return CS_CONV_DIVZERO;
-  default:
-    return CS_SUCCEED;
-  }
 }
 
 // Loads and stores magnitudes of a known number of limbs. No value has more than value_limbs.
@@ -218,7 +205,7 @@ CS_RETCODE run(const CS_NUMERIC *left, const CS_NUMERIC *right, CS_NUMERIC *resu
     return comn::raise_null(where);
   if (!exact::is_valid(*left) || !exact::is_valid(*right)) [[unlikely]]
     return CS_CONV_DOMAIN;
-  return result_code(Operation(*left, *right, *result));
+  return exact::result_code(Operation(*left, *right, *result));
 }
 
 } // namespace

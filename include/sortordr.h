@@ -140,6 +140,129 @@ typedef struct _cssortdesc {
   struct _cssortdesc *sortnext;
 } CsSortDesc;
 
+/*
+ * Makes a sort order available: from the chain of its character set, or from its file.
+ *
+ * oid          in      the identity of the order
+ * lcache       in/out  `locchardesc` is the character set, `charname` and `sortname` tell the file;
+ *                      `locsortorder` receives the order. It stays the character set's own
+ * locfilename  out     the path of the file, as com__open_charfile tells it; may be null
+ * filenamelen  in      the size of `locfilename`
+ *
+ * Returns CS_SUCCEED; CS_FAIL for a file that is wrong, has no section "sortorder" or is of class
+ * 2; CS_MEM_ERROR; COM_INTL_ERROR when the reader fails, its status in ctxintlerr; what
+ * com__open_charfile returns. After a failure the character set and the cache are as they were.
+ */
+ZRV_PRIVATE CS_RETCODE comn__intl_load_sortorder(CsContext *context, CsOID *oid, CsLocCache *lcache,
+                                                 CS_CHAR *locfilename,
+                                                 CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* Releases one sort order with its header and its table; it must stand in no chain any more. Always
+ * CS_SUCCEED. */
+ZRV_PRIVATE CS_RETCODE comn__sortorder_drop(CsSortDesc *sortdesc) ZRV_NOEXCEPT;
+
+/*
+ * Hands out the compiled sort order of a locale.
+ *
+ * sortorder  out  the table of `locsortorder` in the cache `collateptr`, borrowed; null for a binary
+ *                 order. Untouched after a failure
+ *
+ * Returns CS_SUCCEED, or CS_FAIL when the locale has no `collateptr`, that has no character set, or
+ * the character set or the cache has no sort order.
+ */
+ZRV_API CS_RETCODE com_intl_sortorder(CsLocale *locale, CS_VOID **sortorder) ZRV_NOEXCEPT;
+
+/* ---- comparison ----
+ *
+ * Compare two byte strings under a compiled table; lengths are bytes, and a string of length 0 may
+ * be null. The table is only read, and nothing is kept between calls, so any number of threads may
+ * compare at once. Nothing is checked: `so` is never null, a caller with a binary order compares
+ * bytes.
+ */
+
+/* The order of two strings: -1, 0 or 1. A primary difference anywhere beats a secondary one; of the
+ * secondary ones the first counts. Trailing bytes 0x20 do not count. */
+ZRV_API CS_INT com_ps_dl_sqlhilo(CS_VOID *so, CS_CHAR *str1, CS_INT len1, CS_CHAR *str2,
+                                 CS_INT len2) ZRV_NOEXCEPT;
+
+/* The order by tertiary weight alone of two strings that com_ps_dl_sqlhilo found equal: -1, 0 or 1,
+ * by their first difference. Strings that agree as far as the shorter one goes are equal. */
+ZRV_API CS_INT com_spec_tord(CS_VOID *so, CS_CHAR *str1, CS_INT len1, CS_CHAR *str2,
+                             CS_INT len2) ZRV_NOEXCEPT;
+
+/* The same, with the difference of the weights as it stands; -1 or 1 where one string goes on. */
+ZRV_PRIVATE CS_INT com__ps_dl_sqlhilo(SO_1CLASS *so, char *str1, int len1, char *str2,
+                                      int len2) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__spec_tord(SO_1CLASS *so, char *str1, int len1, char *str2,
+                                  int len2) ZRV_NOEXCEPT;
+
+/*
+ * Resolves a byte whose weights stand in a list.
+ *
+ * smels     in      the elements
+ * smel_1st  in      index of the first of the list
+ * raw_cur   in/out  what follows the byte; passes the second byte of a double character
+ * raw_end   in      the end of the text, null for one without an end
+ * lsc       out     the weights
+ * hold      out     the weights that follow them, of a ligature; else all bits 0
+ *
+ * A list that does not end in a byte or a ligature is fatal; `lsc` and `hold` are all bits 0 then.
+ */
+ZRV_PRIVATE CS_VOID com__smel_lsc(SMEL *smels, int smel_1st, char **raw_cur, char *raw_end,
+                                  LSC *lsc, LSC *hold) ZRV_NOEXCEPT;
+
+/* ---- the compiler ----
+ *
+ * The steps of comn__intl_load_sortorder. `key` is the entry that stands next in the file. Unless a
+ * comment says otherwise they return CS_SUCCEED, CS_FAIL for what is wrong in the file, or
+ * COM_INTL_ERROR with the reader's status in ctxintlerr; after a failure what they fill is partly
+ * filled.
+ */
+
+/* The bytes that sort as two characters, while a file is compiled. */
+typedef struct ligstruct {
+  CS_BYTE lig[11]; /* up to ten bytes that share the ligature, NUL-terminated */
+  CS_BYTE first;
+  CS_BYTE second;
+  CS_BYTE type; /* LIG_AFTER or LIG_EQUAL */
+} LIGSTRUCT;
+
+#define LIG_AFTER 1 /* sorts after its two characters */
+#define LIG_EQUAL 2 /* sorts as they do */
+#define LIG_BYTES 10
+#define LIG_COUNT 50 /* ligatures of an order */
+
+/* Fills `descript` from the entries of the section up to the first that is not of the header, which
+ * `*key` then tells; null when the section ends there, as that of a binary order may. */
+ZRV_PRIVATE CS_RETCODE comn__get_sort_description(CsContext *context, struct intl_locfile *ifile,
+                                                  S_DESCRIPT *descript, CS_CHAR **key) ZRV_NOEXCEPT;
+
+/* Compiles the body of the section into a new table at `char_sort_class`, which stays there after a
+ * failure. The table of a binary order is null. Also returns CS_MEM_ERROR. */
+ZRV_PRIVATE CS_RETCODE comn__build_class1(CsContext *context, struct intl_locfile *ifile,
+                                          CS_CHAR *key, CsSortDesc *sortdesc) ZRV_NOEXCEPT;
+
+/* Reads the values of an entry "lig" into the slots behind the first `*count`, and counts them. */
+ZRV_PRIVATE CS_RETCODE comn__get_lig(CsContext *context, struct intl_locfile *ifile,
+                                     LIGSTRUCT *ligs, CS_INT *count) ZRV_NOEXCEPT;
+
+/* Reads the values of an entry "char" of the primary weight `primary`. `nextchar` is the table that
+ * gives for each primary weight the first character of the next one. */
+ZRV_PRIVATE CS_RETCODE comn__get_char(CsContext *context, struct intl_locfile *ifile,
+                                      CS_INT preference, LIGSTRUCT *ligs, CS_INT count,
+                                      CS_INT primary, CS_BYTE *nextchar,
+                                      SO_1CLASS *so) ZRV_NOEXCEPT;
+
+/* Records the weights of a character of `length` bytes, 1 or 2. Only CS_SUCCEED or CS_FAIL. */
+ZRV_PRIVATE CS_RETCODE comn__add_smel(SO_1CLASS *so, CS_BYTE *character, CS_INT length,
+                                      LSC *weights) ZRV_NOEXCEPT;
+
+/* Gives the bytes of the ligatures their weights. Only CS_SUCCEED or CS_FAIL. */
+ZRV_PRIVATE CS_RETCODE comn__do_ligs(SO_1CLASS *so, LIGSTRUCT *ligs, CS_INT count) ZRV_NOEXCEPT;
+
+/* Sees that every byte has weights, and finishes the lists. Only CS_SUCCEED or CS_FAIL. */
+ZRV_PRIVATE CS_RETCODE comn__check_sort(SO_1CLASS *so, CS_BYTE *nextchar) ZRV_NOEXCEPT;
+
 /* ---- values of installation files ----
  *
  * Each reads one value of the entry at hand. They return CS_SUCCEED; CS_FAIL at the end of the entry

@@ -31,7 +31,7 @@ CS_RETCODE find_section(CS_CONTEXT *context, INTL_LOCFILE *file, const char *nam
   while (const char *const section = intl_nextsection(file, &status))
     if (std::strcmp(section, name) == 0)
       return CS_SUCCEED;
-  return status < 0 ? reader_result(context, status) : CS_FAIL;
+  return missing_result(context, status);
 }
 
 } // namespace comn

@@ -15,6 +15,11 @@ inline CS_RETCODE reader_result(CS_CONTEXT *context, int status) noexcept {
   return COM_INTL_ERROR;
 }
 
+// The end of entries or values where there must be one more: CS_FAIL, or the failure of the reader.
+inline CS_RETCODE missing_result(CS_CONTEXT *context, int status) noexcept {
+  return status < 0 ? reader_result(context, status) : CS_FAIL;
+}
+
 // Closes a file behind what came of reading it; the first failure counts.
 inline CS_RETCODE close_behind(CS_CONTEXT *context, INTL_LOCFILE *file,
                                CS_RETCODE result) noexcept {

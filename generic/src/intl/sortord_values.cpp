@@ -2,18 +2,10 @@
 #include <cstring>
 
 #include "checks.h"
+#include "section_files.h"
 #include "sortordr.h"
-#include "zrvintl.h"
 
 namespace {
-
-// What a negative status of the reader gives.
-CS_RETCODE missing_value(CS_CONTEXT *context, int status) noexcept {
-  if (status >= 0)
-    return CS_FAIL;
-  context->ctxintlerr = status;
-  return COM_INTL_ERROR;
-}
 
 // A number of the first bytes of a value, the first one highest. The reader clears what is behind a
 // shorter value.
@@ -22,7 +14,7 @@ CS_RETCODE get_number(CS_CONTEXT *context, INTL_LOCFILE *ifile, Number *number) 
   int status = 0;
   const CS_CHAR *const value = intl_nextvalue(ifile, &status);
   if (value == nullptr)
-    return missing_value(context, status);
+    return comn::missing_result(context, status);
   CS_UINT result = 0;
   for (size_t i = 0; i < sizeof(Number); ++i)
     result = result << 8 | static_cast<CS_BYTE>(value[i]);
@@ -73,7 +65,7 @@ CS_RETCODE comn__get_boolval(CsContext *context, INTL_LOCFILE *ifile, CS_BOOL *b
   int status = 0;
   const CS_CHAR *const value = intl_nextvalue(ifile, &status);
   if (value == nullptr)
-    return COMN_TRACE(missing_value(context, status));
+    return COMN_TRACE(comn::missing_result(context, status));
   const bool is_true = std::strcmp(value, "true") == 0;
   if (!is_true && std::strcmp(value, "false") != 0)
     return COMN_TRACE(CS_FAIL);
@@ -89,7 +81,7 @@ CS_RETCODE comn__get_string(CsContext *context, INTL_LOCFILE *ifile, CS_CHAR *st
   int status = 0;
   const CS_CHAR *const value = intl_nextvalue(ifile, &status);
   if (value == nullptr)
-    return COMN_TRACE(missing_value(context, status));
+    return COMN_TRACE(comn::missing_result(context, status));
   if (string == nullptr)
     return COMN_TRACE(CS_SUCCEED);
   if (maxlen < 0 || std::strlen(value) > static_cast<size_t>(maxlen))

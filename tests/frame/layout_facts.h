@@ -9,6 +9,7 @@
 #define ZRVTEST_LAYOUT_FACTS_H
 
 #include "zrvcomn/charset.h"
+#include "zrvcomn/comfou.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/lmpriv.h"
@@ -194,6 +195,8 @@
   ROW(CHAR_ATTRIB, 60) \
   ROW(CS_ATTRIB, 60) \
   ROW(CsCharDesc, 20) \
+  ROW(CS_FOU_FUNCS, 12) \
+  ROW(CS_FOU_XLT_MAP, 124) \
   ROW(CS_LOCALE, 32) \
   ROW(CsLocale, 32) \
   ROW(CS_THREAD, 40) \
@@ -363,6 +366,11 @@
   ROW(CsCharDesc, sort_order, 8) \
   ROW(CsCharDesc, conv_config, 12) \
   ROW(CsCharDesc, charnext, 16) \
+  ROW(CS_FOU_FUNCS, csid, 0) \
+  ROW(CS_FOU_FUNCS, xlate_type, 4) \
+  ROW(CS_FOU_FUNCS, xlate_func, 8) \
+  ROW(CS_FOU_XLT_MAP, csid, 0) \
+  ROW(CS_FOU_XLT_MAP, fou_funcs, 4) \
   ROW(CS_LOCALE, collateptr, 0) \
   ROW(CS_LOCALE, ctypeptr, 4) \
   ROW(CS_LOCALE, messageptr, 8) \
@@ -722,6 +730,14 @@
   ROW(CS_LOCSTR_CHARSET, 1) \
   ROW(CS_LOCSTR_LANGUAGE, 2) \
   ROW(CS_LOCSTR_SORTORDER, 3) \
+  ROW(COM_FOU_BADCHAR, 1) \
+  ROW(COM_FOU_OVERFLOW, 2) \
+  ROW(COM_FOU_INVALID, 4) \
+  ROW(COM_FOU_NONE, 0) \
+  ROW(COM_FOU_COPY, 1) \
+  ROW(COM_FOU_ASCII, 2) \
+  ROW(COM_FOU_MAP, 3) \
+  ROW(COM_FOU_SETS, 10) \
   ROW(CS_LOCSTR_LANG_CHARSET, 4)
 
 /* clang-format on */

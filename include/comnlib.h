@@ -318,7 +318,8 @@ ZRV_PRIVATE CS_RETCODE comn__path_locdata(CS_CONTEXT *context, CS_INT type, CS_C
                                           CS_CHAR *pathname, CS_INT pathsize) ZRV_NOEXCEPT;
 
 /* The process-wide override of the driver configuration file; empty means none. Written by
- * com_set_tclcfg, without a lock: a writer and a reader must not overlap. */
+ * com_set_tclcfg, without a lock: a writer and a reader must not overlap. A program with an object
+ * of this name has it written and read instead. */
 #define COM_TCLCFG_SIZE 513
 extern ZRV_PRIVATE CS_CHAR tclcfgpath[COM_TCLCFG_SIZE];
 

@@ -211,12 +211,14 @@ typedef struct constant {
 
 /* ---- frame ---- */
 
+/* Variables are one object for the library and the program: one that defines an object of such a
+ * name for itself takes it over (ARCHITECTURE.md, "Linkage", lists them all with what happens). */
 extern ZRV_PRIVATE CS_INT Com_trace_enable;           /* trace level, 1 to 3; starts at 1 */
 extern ZRV_PRIVATE int full_abort;                    /* 1 selects the hard abort */
 extern ZRV_PRIVATE FILE *Com_fp;                      /* debug file; null means standard output */
 extern ZRV_PRIVATE const ComErrString Com_errors[17]; /* the general codes by name */
 extern ZRV_PRIVATE CsAppGlobal Application_global;    /* the static process-wide record */
-extern ZRV_PRIVATE char comn__Vdate[];                /* the identification line of the build */
+extern ZRV_PRIVATE const CS_CHAR comn__Vdate[];       /* the identification line of the build */
 
 /* Ends the process after a failed check: with full_abort 1 it closes standard error and calls
  * abort; otherwise it flushes standard error and raises signal 6, so that an application which

@@ -107,7 +107,10 @@ extern ZRV_PRIVATE OCTET Com__Netkey[256][33];
 extern ZRV_PRIVATE ncl_once_flag com_init_text_mem_once_flag; /* 1 until the table is built */
 
 extern ZRV_PRIVATE const QOCTET Com__Null4; /* four zero bytes */
-extern ZRV_PRIVATE int seed;                /* key of the memory scramble; starts as 0 */
+
+/* The key of the memory scramble; starts as 0. A program with an object of this name shares it with
+ * the library, as it does the other variables here: it is read as the key and written. */
+extern ZRV_PRIVATE int seed;
 extern ZRV_PRIVATE ncl_once_flag com_encrypt_bytes_once_flag; /* 1 until `seed` is set */
 
 /* The parts of the cipher: the round function (`a` 4 bytes, `b` a 2-byte subkey, `out` 4 bytes),

@@ -31,6 +31,10 @@ allowed_versions = {"libzrvcomn": r"GLIBC_.*|GCC_.*|ZRVINTL_1|ZRVUNIC_1",
 start_file_names = {"_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable", "__cxa_finalize",
                     "__gmon_start__"}
 
+# The constant tables that calls hand out by their told names: a caller may compare addresses.
+handed_out = {"Com__Days", "Com__Months", "Com__Shortmonths", "Com__cnvrt_array", "Com__date_order",
+              "comn__Vdate"}
+
 memory_functions = {"comn_malloc", "comn_calloc", "comn_realloc", "comn_free"}
 
 # Exceptions, type information, guards of local statics, wrappers of thread-locals, the C++ heap, and
@@ -153,6 +157,36 @@ class Library(unittest.TestCase):
                 relocations = run(build.readelf, "--relocs", "--wide", path)
                 indirect = set(re.findall(r"R_\w+ +[0-9a-f]+ +(\w+)@?", relocations))
                 self.assertEqual(functions & indirect - memory_functions, set())
+
+    # A table that the library read by its told name would be replaced by whatever a program defines
+    # under that name, so it reads own_NAME (table.h). What may refer to told names: calls that hand a
+    # table out, and rows of exported tables, which the library in turn does not read either.
+    def test_constant_tables_are_read_by_their_own_names(self):
+        tables = {table.name: table for table in project.exported_data() if table.is_constant}
+        own_addresses = {symbol.address for symbol in symbols(build.zrvcomn)
+                         if symbol.name.startswith("own_")}
+        referred = set()
+        for relocation in project.relocations(build.zrvcomn):
+            if relocation.name not in tables:
+                continue
+            holders = [table for table in tables.values()
+                       if table.address <= relocation.address < table.address + table.size]
+            for holder in holders:
+                self.assertNotIn(holder.address, own_addresses,
+                                 f"{holder.name} points to {relocation.name} and is read (see "
+                                 "COMN_PUBLISH_LINKED_TABLE)")
+            if not holders:
+                referred.add(relocation.name)
+        self.assertEqual(referred, handed_out)
+
+    # Each variable that a program could take the place of is told with its consequences.
+    def test_variables_are_told(self):
+        variables = {variable.name for variable in project.exported_data() if not variable.is_constant}
+        self.assertIn("seed", variables)
+        text = (source_dir / "ARCHITECTURE.md").read_text()
+        linkage = text.partition("## Linkage\n")[2].partition("\n## ")[0]
+        told = set(re.findall(r"^\| `(\w+)` \|", linkage, flags=re.M))
+        self.assertEqual(told, variables)
 
     def test_exports_equal_the_map(self):
         for name, path in libraries.items():

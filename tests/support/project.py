@@ -4,6 +4,7 @@ CMake writes the description of the build (tests/CMakeLists.txt) and names it in
 """
 import json
 import os
+import re
 import shlex
 import subprocess
 import sys
@@ -25,6 +26,24 @@ def run(*command, **options):
         raise AssertionError(
             f"{shlex.join(command)[:1000]}\nexit status {done.returncode}\n{done.stdout}{done.stderr}")
     return done.stdout
+
+
+def exported_data():
+    """The objects that libzrvcomn exports: name, address, size, is_constant (read-only once loaded)."""
+    sections = dict(re.findall(r"^ *\[ *(\d+)\] (\S+) ",
+                               run(build.readelf, "--sections", "--wide", build.zrvcomn), flags=re.M))
+    objects = re.findall(r"^ *\d+: ([0-9a-f]+) +(\S+) +OBJECT +\w+ +DEFAULT +(\d+) ([\w.]+)@",
+                         run(build.readelf, "--dyn-syms", "--wide", build.zrvcomn), flags=re.M)
+    return [SimpleNamespace(name=name, address=int(address, 16), size=int(size, 0),
+                            is_constant=sections[section].startswith((".rodata", ".data.rel.ro")))
+            for address, size, section, name in objects]
+
+
+def relocations(library):
+    """The references that the loader resolves by a name: name, and the address where it stands."""
+    found = re.findall(r"^([0-9a-f]+) +[0-9a-f]+ R_\w+ +[0-9a-f]+ +(\w+)",
+                       run(build.readelf, "--relocs", "--wide", library), flags=re.M)
+    return [SimpleNamespace(name=name, address=int(address, 16)) for address, name in found]
 
 
 def tracked_files(*patterns):

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 
+#include "charmap.h"
 #include "conv_func.h"
 #include "pad.h"
 #include "raw_copy.h"
@@ -44,7 +45,7 @@ constexpr std::array<int8_t, 256> digit_values = build_digits();
 }
 
 bool is_space(CS_CHAR c) noexcept {
-  return (Com_Iso1_charmap[static_cast<CS_BYTE>(c)].char_type & CS_CTYPE_SPACE) != 0;
+  return (own_Com_Iso1_charmap[static_cast<CS_BYTE>(c)].char_type & CS_CTYPE_SPACE) != 0;
 }
 
 } // namespace

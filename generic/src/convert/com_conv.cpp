@@ -2,6 +2,7 @@
 // for their own types.
 #include <cstring>
 
+#include "builtin.h"
 #include "checks.h"
 #include "types.h"
 #include "zrvintl.h"
@@ -55,7 +56,7 @@ CS_RETCODE com_conv_init(CS_CONTEXT *context) noexcept {
   table.cvttbl = static_cast<CS_CONV_FUNC *>(comn_malloc(bytes));
   if (table.cvttbl == nullptr)
     return COMN_TRACE(CS_MEM_ERROR);
-  std::memcpy(table.cvttbl, Com__cnvrt_array, bytes);
+  std::memcpy(table.cvttbl, own_Com__cnvrt_array, bytes);
   table.cvtdim = CS_TYPE_COUNT;
   return COMN_TRACE(CS_SUCCEED);
 }
@@ -139,7 +140,7 @@ CS_RETCODE com_conv_default(CS_CONTEXT *context, CS_INT srctype, CS_INT desttype
   COMN_CHECK(srctype >= 0 && desttype >= 0, COMN_TRACE(CS_FAIL));
   if (comn::is_builtin(srctype) && comn::is_builtin(desttype))
     return COMN_TRACE(
-        com_conv_install(context, srctype, desttype, Com__cnvrt_array[srctype][desttype]));
+        com_conv_install(context, srctype, desttype, own_Com__cnvrt_array[srctype][desttype]));
   // The record stays on the list and answers null, so that a later install finds it again.
   if (CsUsrCvtFunc *record = com__conv_usr_struct(context, srctype, desttype))
     record->cvtfunc = nullptr;

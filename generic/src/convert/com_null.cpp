@@ -2,8 +2,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "builtin.h"
 #include "conv_func.h"
-#include "numeric.h"
+#include "number.h"
 #include "pad.h"
 #include "zrvintl.h"
 
@@ -59,8 +60,8 @@ CS_RETCODE com_null_init(CS_CONTEXT *context) noexcept {
     return COMN_TRACE(CS_MEM_ERROR);
   for (int row = 0; row < CS_TYPE_COUNT; ++row) {
     CsDefVal &value = table.nullvals[row];
-    value = Comv_values[row];
-    if (!copy_bytes(&value.dventity, Comv_values[row].dventity, value.dvsize, true))
+    value = own_Comv_values[row];
+    if (!copy_bytes(&value.dventity, own_Comv_values[row].dventity, value.dvsize, true))
       return COMN_TRACE(CS_MEM_ERROR);
   }
   return COMN_TRACE(CS_SUCCEED);
@@ -89,7 +90,7 @@ CS_RETCODE com_null_get(CS_CONTEXT *context, CS_DATAFMT *destfmt, CS_VOID *dest,
   const CS_INT room = std::max<CS_INT>(destlen, 0);
   CS_INT length = value.dvsize;
   if (is_numeric(type) && is_valid_precision(destfmt->precision))
-    length = Com__Nume_Prec_To_Len[destfmt->precision] + 2;
+    length = own_Com__Nume_Prec_To_Len[destfmt->precision] + 2;
   length = std::min(length, room);
   *outlen = length;
   // A default that a user made shorter than the numeric it stands for ends in zeroes.
@@ -150,7 +151,7 @@ CS_RETCODE com_null_reinstall(CS_CONTEXT *context, CS_INT nulltype) noexcept {
   CsDefVal &value = context->ctxnulls.nullvals[nulltype];
   COMN_CHECK_PTR(value.dventity, COMN_TRACE(CS_FAIL));
 
-  const CsDefVal &original = Comv_values[nulltype];
+  const CsDefVal &original = own_Comv_values[nulltype];
   value.dvpadtype = original.dvpadtype;
   // A larger block is used again as it is.
   if (value.dvsize < original.dvsize) {

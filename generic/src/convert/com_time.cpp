@@ -7,6 +7,7 @@
 
 #include <sys/stat.h>
 
+#include "calendar.h"
 #include "date_value.h"
 
 namespace {
@@ -65,7 +66,7 @@ void write_time(CS_CHAR *out, CS_INT format, bool is_12_hours, const std::tm &no
   out += com__cpint(out, now.tm_min, ':', two_digits);
   out += com__cpint(out, now.tm_sec, is_12_hours ? ' ' : '\0', two_digits);
   if (is_12_hours)
-    out += com__cpchar(out, Com__ampm[now.tm_hour >= 12], '\0', 2);
+    out += com__cpchar(out, own_Com__ampm[now.tm_hour >= 12], '\0', 2);
   *out = '\0';
 }
 

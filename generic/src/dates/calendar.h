@@ -13,6 +13,13 @@
 #include <cstdint>
 
 #include "datetime.h"
+#include "table.h"
+
+COMN_DECLARE_TABLE(monthdays);
+COMN_DECLARE_TABLE(lmonthdays);
+COMN_DECLARE_TABLE(week_one_offset);
+COMN_DECLARE_TABLE(Com__Shortmonths);
+COMN_DECLARE_TABLE(Com__ampm);
 
 namespace comn::calendar {
 

@@ -28,7 +28,7 @@ consteval MonthTable build_months(short february) {
 COMN_PUBLISH_TABLE(MonthTable, monthcnt, monthdays, [months_per_year], build_months(28));
 COMN_PUBLISH_TABLE(MonthTable, monthcnt, lmonthdays, [months_per_year], build_months(29));
 
-const int week_one_offset[7] = {1, 0, -1, -2, -3, 3, 2};
+COMN_DEFINE_TABLE(week_one_offset) = {1, 0, -1, -2, -3, 3, 2};
 
 int leapyear(int year) noexcept {
   return is_leap(int64_t{year} + 1);
@@ -87,7 +87,7 @@ struct MadeDate {
   const auto month = static_cast<CS_UINT>(fields.datemonth);
   if (month >= months_per_year) [[unlikely]]
     return {COM_DATE_BADMONTH, days};
-  const monthcnt &row = (is_leap(fields.dateyear) ? lmonthdays : monthdays)[month];
+  const monthcnt &row = (is_leap(fields.dateyear) ? own_lmonthdays : own_monthdays)[month];
   days += row.daysum;
   if (fields.datedmonth < 1 || fields.datedmonth > row.daysinmonth) [[unlikely]]
     return {COM_DATE_BADDAY, days};

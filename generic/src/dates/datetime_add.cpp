@@ -75,7 +75,7 @@ void monthcheck(CS_DATEREC *fields) noexcept {
   const auto month = static_cast<CS_UINT>(fields->datemonth);
   if (month >= months_per_year)
     return;
-  const monthcnt &row = (is_leap(fields->dateyear) ? lmonthdays : monthdays)[month];
+  const monthcnt &row = (is_leap(fields->dateyear) ? own_lmonthdays : own_monthdays)[month];
   fields->datedmonth = std::min<CS_INT>(fields->datedmonth, row.daysinmonth);
 }
 

@@ -135,7 +135,7 @@ char *write_fields(char *out, const Layout &layout, const CS_DATEREC &fields, co
       out = put_six(out, shown_micros(fields, secprec));
       break;
     case half_of_day:
-      std::memcpy(out, Com__ampm[fields.datehour > 11], 2);
+      std::memcpy(out, own_Com__ampm[fields.datehour > 11], 2);
       out += 2;
       break;
     }
@@ -293,7 +293,8 @@ CS_INT com_date2char_ex(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destl
     return 0;
   COMN_CHECK_PTR(dest, 0);
   auto value = comn::load<CS_DATETIME>(src);
-  CS_CHAR **names = shortmonths != nullptr ? shortmonths : com__get_shortmonths();
+  CS_CHAR **names =
+      shortmonths != nullptr ? shortmonths : const_cast<CS_CHAR **>(own_Com__Shortmonths);
   const CS_INT length =
       com__datetochar(&value, reinterpret_cast<CS_CHAR *>(dest), destlen, style, names);
   if (length == cut)

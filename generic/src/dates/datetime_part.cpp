@@ -9,7 +9,7 @@ namespace {
 
 // The first day of the first ISO week of the year that begins on a day.
 int64_t first_iso_day(int64_t january_1) noexcept {
-  return january_1 + week_one_offset[weekday(january_1)];
+  return january_1 + own_week_one_offset[weekday(january_1)];
 }
 
 CS_INT year_length(int64_t year) noexcept {

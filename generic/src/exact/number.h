@@ -8,6 +8,11 @@
 
 #include "limbs.h"
 #include "numeric.h"
+#include "table.h"
+
+COMN_DECLARE_TABLE(Com__Nume_Prec_To_Len);
+COMN_DECLARE_TABLE(Com__Nume_Len_To_Prec);
+COMN_DECLARE_TABLE(Com__Nume_Byte_Power_Array);
 
 namespace comn::exact {
 
@@ -74,12 +79,12 @@ constexpr bool is_automatic(CS_BYTE precision) noexcept {
 
 // A length that has a precision in Com__Nume_Len_To_Prec, be it the one that is no limit.
 constexpr bool is_length(CS_INT length) noexcept {
-  return length >= 2 && length - 2 < static_cast<CS_INT>(sizeof Com__Nume_Len_To_Prec);
+  return length >= 2 && length - 2 < static_cast<CS_INT>(sizeof own_Com__Nume_Len_To_Prec);
 }
 
 // The magnitude bytes of a valid precision.
 inline int magnitude_bytes(int precision) noexcept {
-  return Com__Nume_Prec_To_Len[precision] - 1;
+  return own_Com__Nume_Prec_To_Len[precision] - 1;
 }
 
 // The magnitude bytes of a descriptor: none for any length below 2, however far below.
@@ -100,7 +105,7 @@ inline Limb limb_at(const __CONSTANT &value, CS_INT index) noexcept {
 // A descriptor of a value of valid precision.
 inline __CONSTANT describe(const CS_NUMERIC &value) noexcept {
   __CONSTANT result{};
-  result.len = Com__Nume_Prec_To_Len[value.precision];
+  result.len = own_Com__Nume_Prec_To_Len[value.precision];
   result.prec = value.precision;
   result.scale = value.scale;
   result.value = const_cast<CS_BYTE *>(value.array);
@@ -128,7 +133,7 @@ inline void load_magnitude(Number &number, const CS_BYTE *magnitude, int bytes) 
 
 inline void load_operand(Operand &operand, const CS_NUMERIC &value) noexcept {
   Number &magnitude = operand.magnitude;
-  operand.length = Com__Nume_Prec_To_Len[value.precision];
+  operand.length = own_Com__Nume_Prec_To_Len[value.precision];
   operand.precision = value.precision;
   operand.scale = value.scale;
   operand.negative = value.array[0] != 0;

@@ -153,7 +153,7 @@ int com__exctnume_checkprecision(__CONSTANT *val) noexcept {
   COMN_CHECK_PTR(val, 0);
   if (val->prec > exact::max_power)
     return 0;
-  const CS_BYTE *row = Com__Nume_Byte_Power_Array[val->prec];
+  const CS_BYTE *row = own_Com__Nume_Byte_Power_Array[val->prec];
   __CONSTANT power = {};
   power.len = row[0];
   power.value = const_cast<CS_BYTE *>(row + 1);

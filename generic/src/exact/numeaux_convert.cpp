@@ -184,7 +184,7 @@ int integer_to_numeric(uint64_t magnitude, bool negative, CS_BYTE *dest, CS_INT 
   if (destlen < 2 || (exact::is_automatic(*precision) && !exact::is_length(destlen)))
     return NUME_OVERFLOW;
   if (exact::is_automatic(*precision)) {
-    *precision = Com__Nume_Len_To_Prec[destlen - 2];
+    *precision = own_Com__Nume_Len_To_Prec[destlen - 2];
     *scale = 0;
   }
   const Field field = field_at(dest, destlen, *precision);
@@ -240,7 +240,7 @@ int com__doubletoexctnume(CS_FLOAT value, CS_BYTE *dest, CS_INT destlen, CS_BYTE
   if (!exact::is_length(destlen))
     return NUME_OVERFLOW;
   if (exact::is_automatic(*precision)) {
-    *precision = Com__Nume_Len_To_Prec[destlen - 2];
+    *precision = own_Com__Nume_Len_To_Prec[destlen - 2];
     *scale = 0;
   }
   DoubleText text(value == 0.0 ? 0.0 : value);
@@ -342,7 +342,7 @@ int com__mny8toexctnume(CS_MONEY *mp, CS_BYTE *dest, CS_INT destlen, CS_BYTE *pr
   if (destlen < 2 || (exact::is_automatic(*precision) && !exact::is_length(destlen)))
     return NUME_OVERFLOW;
   if (exact::is_automatic(*precision))
-    *precision = Com__Nume_Len_To_Prec[destlen - 2];
+    *precision = own_Com__Nume_Len_To_Prec[destlen - 2];
   if (*scale > CS_MAX_SCALE)
     *scale = 0;
   const bool negative = mp->mnyhigh < 0;

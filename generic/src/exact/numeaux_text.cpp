@@ -361,7 +361,7 @@ int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *de
   Accumulator magnitude;
   Mantissa mantissa(magnitude, text, std::max(len, 0),
                     {field.bytes,
-                     std::min<int>(Com__Nume_Len_To_Prec[length - 2], Accumulator::most_digits),
+                     std::min<int>(own_Com__Nume_Len_To_Prec[length - 2], Accumulator::most_digits),
                      *scale, may_drop});
   int64_t exponent = 0;
   int status = len < 0 ? NUME_SYNTAX : NUME_OK;
@@ -377,11 +377,11 @@ int com__subchartoexctnume(CS_CHAR *text, CS_INT len, CS_BYTE **dest, CS_INT *de
   CS_INT used = length;
   if (status == NUME_OK && !given_precision) {
     const int chosen = choose_precision(magnitude.number, mantissa.counts, *scale);
-    if (chosen > CS_MAX_PREC || Com__Nume_Prec_To_Len[chosen] > length) {
+    if (chosen > CS_MAX_PREC || own_Com__Nume_Prec_To_Len[chosen] > length) {
       status = NUME_OVERFLOW;
     } else {
       *precision = static_cast<CS_BYTE>(chosen);
-      used = Com__Nume_Prec_To_Len[chosen];
+      used = own_Com__Nume_Prec_To_Len[chosen];
     }
   }
   // What the value does not take is cleared: all of it after a failure.

@@ -64,7 +64,7 @@ int divide(Number &quotient, Number &remainder, Operand &a, Operand &b, int scal
     Operand &operand = shift > 0 ? a : b;
     multiply_by_power(scaled, operand.magnitude, std::abs(shift));
     (shift > 0 ? dividend : divisor) = &scaled;
-    operand.length += Com__Nume_Prec_To_Len[std::abs(shift)] + 1;
+    operand.length += own_Com__Nume_Prec_To_Len[std::abs(shift)] + 1;
     scratch = operand.length;
   }
   if (scratch + a.length + 1 + b.length > work_space)

@@ -84,10 +84,10 @@ COMN_PUBLISH_TABLE(PowerTable, CS_BYTE, Com__Nume_Byte_Power_Array, [CS_MAX_PREC
 
 CS_INT comn_num_getlen(CS_INT precision) noexcept {
   COMN_CHECK(precision >= CS_MIN_PREC && precision <= CS_MAX_PREC, 0);
-  return Com__Nume_Prec_To_Len[precision];
+  return own_Com__Nume_Prec_To_Len[precision];
 }
 
 CS_INT comn_num_getprec(CS_INT length) noexcept {
   COMN_CHECK(length >= 2 && length <= static_cast<CS_INT>(longest), 0);
-  return Com__Nume_Len_To_Prec[length - 2];
+  return own_Com__Nume_Len_To_Prec[length - 2];
 }

@@ -3,8 +3,8 @@
 // The table is a coarse reading of ISO 8859-1, kept as deployed applications know it: the control
 // codes 14 and 15 are white space; 142, 143 and the marks 160 to 191, 215 and 247 are upper-case
 // letters.
-#include "checks.h"
-#include "table.h"
+#include "charmap.h"
+#include "comnlib.h"
 
 namespace {
 
@@ -63,7 +63,7 @@ const CHAR_MAP *const Com_charmap = Com_Iso1_charmap;
 
 #define COMN_PLAIN_TEST(name, mask)                                                                \
   CS_INT name(CS_BYTE c) noexcept {                                                                \
-    return Com_Iso1_charmap[c].char_type & (mask);                                                 \
+    return own_Com_Iso1_charmap[c].char_type & (mask);                                             \
   }
 
 COMN_PLAIN_TEST(com_isalpha, CS_CTYPE_ALPHA)
@@ -75,9 +75,9 @@ COMN_PLAIN_TEST(com_isspace, CS_CTYPE_SPACE)
 COMN_PLAIN_TEST(com_isgraph, CS_CTYPE_GRAPH)
 
 CS_BYTE com_toupper(CS_BYTE c) noexcept {
-  return Com_Iso1_charmap[c].char_upper;
+  return own_Com_Iso1_charmap[c].char_upper;
 }
 
 CS_BYTE com_tolower(CS_BYTE c) noexcept {
-  return Com_Iso1_charmap[c].char_lower;
+  return own_Com_Iso1_charmap[c].char_lower;
 }

@@ -3,10 +3,11 @@
 
 #include "checks.h"
 #include "debug_stream.h"
+#include "table.h"
 
 CS_INT Com_trace_enable = 1;
 
-const ComErrString Com_errors[17] = {
+COMN_DEFINE_TABLE(Com_errors) = {
     {CS_SUCCEED, "CS_SUCCEED"},
     {CS_FAIL, "CS_FAIL"},
     {CS_MEM_ERROR, "CS_MEM_ERROR"},
@@ -53,7 +54,7 @@ void com_errset(CS_INT level) noexcept {
 }
 
 const CS_CHAR *com__errfind(CS_RETCODE error) noexcept {
-  for (const ComErrString &row : Com_errors)
+  for (const ComErrString &row : own_Com_errors)
     if (row.errcode == error)
       return row.errstr;
   return nullptr;

@@ -41,10 +41,10 @@ CS_INT compare_bytes(const unsigned char *s1, const unsigned char *s2, int len) 
 
 } // namespace
 
-char comn__Vdate[] = "libzrvcomn/16.0.1/Linux/non-threaded";
+const CS_CHAR comn__Vdate[] = "libzrvcomn/16.0.1/Linux/non-threaded";
 
 char *comn__getVdate() noexcept {
-  return comn__Vdate;
+  return const_cast<CS_CHAR *>(comn__Vdate);
 }
 
 CS_CHAR *com_getenv(char *envvar) noexcept {

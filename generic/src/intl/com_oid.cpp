@@ -30,7 +30,7 @@ COMN_PUBLISH_TABLE(ClassNames, CS_STRINGS, Com__classmap, [COM_OID_CLASS_COUNT +
 COMN_PUBLISH_TABLE(ClassNames, CS_STRINGS, Com__dup_classmap, [COM_OID_CLASS_COUNT + 1],
                    class_names);
 
-constexpr CS_STRINGS Com__tds_lclname_map[15] = {
+COMN_DEFINE_TABLE(Com__tds_lclname_map) = {
     {2, "int2_lsb_high"},       {3, "int2_lsb_low"},        {0, "int4_lsb_high"},
     {1, "int4_lsb_low"},        {6, "char_ascii"},          {7, "char_ebcdic"},
     {4, "float_ieee_lsb_high"}, {10, "float_ieee_lsb_low"}, {11, "float_nd5000"},
@@ -230,7 +230,7 @@ CS_RETCODE comn_tds_to_oid(CS_CONTEXT *context, CS_INT oidclass, CS_INT tdsval,
   COMN_CHECK(comn::is_oid_class(oidclass), COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(oidp, COMN_TRACE(CS_FAIL));
   CS_CHAR *name = nullptr;
-  const CS_RETCODE status = comn_id_to_string(context, Com__tds_lclname_map, tdsval, &name);
+  const CS_RETCODE status = comn_id_to_string(context, own_Com__tds_lclname_map, tdsval, &name);
   if (status != CS_SUCCEED)
     return COMN_TRACE(status);
   return COMN_TRACE(comn_globalid(context, COM_NAME_TO_OID, oidp, &oidclass, CS_UNUSED, name,
@@ -249,7 +249,7 @@ CS_RETCODE comn_oid_to_tds(CS_CONTEXT *context, CsOID *oid, CS_INT *tdsval) noex
   CS_CHAR name[name_size] = {};
   if (canonical->len > 0)
     std::memcpy(name, canonical->string, static_cast<size_t>(canonical->len));
-  return COMN_TRACE(comn_string_to_id(context, Com__tds_lclname_map, name, tdsval));
+  return COMN_TRACE(comn_string_to_id(context, own_Com__tds_lclname_map, name, tdsval));
 }
 
 CS_RETCODE comn_locale_to_oid(CS_CONTEXT *context, CS_LOCALE *lp, CS_INT type,

@@ -3,6 +3,7 @@
 
 #include "checks.h"
 #include "comloc.h"
+#include "oid_table.h"
 
 namespace {
 
@@ -31,8 +32,8 @@ void print_no_record() noexcept {
 
 const char *class_name(CS_CONTEXT *context, CS_INT oidclass) noexcept {
   CS_CHAR *name;
-  return comn_id_to_string(context, Com__classmap, oidclass, &name) == CS_SUCCEED ? name
-                                                                                  : "unknown";
+  return comn_id_to_string(context, own_Com__classmap, oidclass, &name) == CS_SUCCEED ? name
+                                                                                      : "unknown";
 }
 
 struct Field {

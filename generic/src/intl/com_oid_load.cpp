@@ -44,7 +44,7 @@ CS_RETCODE read_sections(CS_CONTEXT *context, INTL_LOCFILE *file, CS_OID_TABLE *
   int status = 0;
   while (CS_CHAR *const section = intl_nextsection(file, &status)) {
     CS_INT oidclass;
-    if (comn_string_to_id(context, Com__dup_classmap, section, &oidclass) != CS_SUCCEED)
+    if (comn_string_to_id(context, own_Com__dup_classmap, section, &oidclass) != CS_SUCCEED)
       continue;
     const CS_RETCODE result = comn__read_oidsection(context, file, oidtable, oidclass);
     if (result != CS_SUCCEED)

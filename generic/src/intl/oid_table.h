@@ -5,6 +5,10 @@
 #include <cstring>
 
 #include "comloc.h"
+#include "table.h"
+
+COMN_DECLARE_TABLE(Com__classmap);
+COMN_DECLARE_TABLE(Com__dup_classmap);
 
 namespace comn {
 

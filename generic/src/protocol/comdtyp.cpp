@@ -15,7 +15,7 @@ constexpr TDS_DATAMAP end_row = {no_type, no_type, -1, 0, -1};
 } // namespace
 
 // Wire type, library type, maximum length, nullable, length prefix.
-constexpr TDS_DATAMAP Com__tds_uniq_datatype_map[36] = {
+COMN_DEFINE_TABLE(Com__tds_uniq_datatype_map) = {
     {45, CS_TYPE_BINARY, 255, 0, 1},
     {37, CS_TYPE_BINARY, 255, 1, 1},
     {47, CS_TYPE_CHAR, 255, 1, 1},
@@ -54,7 +54,7 @@ constexpr TDS_DATAMAP Com__tds_uniq_datatype_map[36] = {
     end_row,
 };
 
-constexpr TDS_DATAMAP Com__tds_dup_datatype_map[19] = {
+COMN_DEFINE_TABLE(Com__tds_dup_datatype_map) = {
     {37, CS_TYPE_BINARY, 255, 1, 1},
     {39, CS_TYPE_CHAR, 255, 1, 1},
     {38, CS_TYPE_TINYINT, 1, 1, 1},
@@ -102,7 +102,7 @@ constexpr TDS_DATAMAP special_rows[] = {
 consteval TypeTable build_fixed() {
   TypeTable table{};
   for (CS_INT type = 0; type < CS_TYPE_COUNT; ++type)
-    if (const TDS_DATAMAP *row = find_library_type(Com__tds_uniq_datatype_map, type))
+    if (const TDS_DATAMAP *row = find_library_type(own_Com__tds_uniq_datatype_map, type))
       table[static_cast<size_t>(type)] = *row;
   for (const TDS_DATAMAP &row : special_rows)
     table[static_cast<size_t>(row.cs_datatype)] = row;
@@ -115,7 +115,7 @@ consteval TypeTable build_fixed() {
 consteval TypeTable build_nullable() {
   TypeTable table = build_fixed();
   for (TDS_DATAMAP &fixed : table.rows) {
-    const TDS_DATAMAP *row = find_library_type(Com__tds_dup_datatype_map, fixed.cs_datatype);
+    const TDS_DATAMAP *row = find_library_type(own_Com__tds_dup_datatype_map, fixed.cs_datatype);
     if (row == nullptr)
       continue;
     const bool is_fixed_length = fixed.tds_lendatalen == 0;
@@ -137,8 +137,8 @@ template <size_t Rows>
 constexpr bool is_ended(const TDS_DATAMAP (&map)[Rows]) {
   return find_library_type(map, no_type) == &map[Rows - 1];
 }
-static_assert(is_ended(Com__tds_uniq_datatype_map));
-static_assert(is_ended(Com__tds_dup_datatype_map));
+static_assert(is_ended(own_Com__tds_uniq_datatype_map));
+static_assert(is_ended(own_Com__tds_dup_datatype_map));
 static_assert(is_indexed_by_type(build_fixed()));
 static_assert(is_indexed_by_type(build_nullable()));
 
@@ -174,8 +174,8 @@ private:
   CS_BYTE next[Rows] = {};
 };
 
-constexpr WireIndex unique_index(Com__tds_uniq_datatype_map);
-constexpr WireIndex duplicate_index(Com__tds_dup_datatype_map);
+constexpr WireIndex unique_index(own_Com__tds_uniq_datatype_map);
+constexpr WireIndex duplicate_index(own_Com__tds_dup_datatype_map);
 
 CS_RETCODE deliver_form(const TDS_DATAMAP (&table)[CS_TYPE_COUNT], CS_INT type, CS_INT *wire_type,
                         CS_INT *lendatalen, CS_INT *maxlen) noexcept {
@@ -235,7 +235,8 @@ CS_RETCODE com_tds_get_nullable_tdstype(CS_INT cs_datatype, CS_INT *tds_datatype
   COMN_CHECK_PTR(tds_datatype, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(lendatalen, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(maxlen, COMN_TRACE(CS_FAIL));
-  return COMN_TRACE(deliver_form(Com__tds_cs_dup, cs_datatype, tds_datatype, lendatalen, maxlen));
+  return COMN_TRACE(
+      deliver_form(own_Com__tds_cs_dup, cs_datatype, tds_datatype, lendatalen, maxlen));
 }
 
 CS_RETCODE com_tds_get_fixed_tdstype(CS_INT cs_datatype, CS_INT *tds_datatype, CS_INT *lendatalen,
@@ -243,5 +244,6 @@ CS_RETCODE com_tds_get_fixed_tdstype(CS_INT cs_datatype, CS_INT *tds_datatype, C
   COMN_CHECK_PTR(tds_datatype, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(lendatalen, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(maxlen, COMN_TRACE(CS_FAIL));
-  return COMN_TRACE(deliver_form(Com__tds_cs_uniq, cs_datatype, tds_datatype, lendatalen, maxlen));
+  return COMN_TRACE(
+      deliver_form(own_Com__tds_cs_uniq, cs_datatype, tds_datatype, lendatalen, maxlen));
 }

@@ -14,56 +14,56 @@ constexpr TDS_TOKENMAP bit_end = {COM_TDS_BIT_END, COM_TDS_BIT_END};
 } // namespace
 
 // Library value, wire value.
-constexpr TDS_TOKENMAP Com__tds_altop_map[6] = {
+COMN_DEFINE_TABLE(Com__tds_altop_map) = {
     {5370, 77}, {5371, 79}, {5372, 75}, {5373, 81}, {5374, 82}, unique_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_captype_map[3] = {{1, 1}, {2, 2}, unique_end};
+COMN_DEFINE_TABLE(Com__tds_captype_map) = {{1, 1}, {2, 2}, unique_end};
 
-constexpr TDS_TOKENMAP Com__tds_colinfo_map[6] = {
+COMN_DEFINE_TABLE(Com__tds_colinfo_map) = {
     {1, 16}, {2, 8}, {2048, 4}, {4096, 32}, {0, 0}, bit_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_curclose_map[3] = {{711, 1}, {CS_UNUSED, 0}, unique_end};
+COMN_DEFINE_TABLE(Com__tds_curclose_map) = {{711, 1}, {CS_UNUSED, 0}, unique_end};
 
-constexpr TDS_TOKENMAP Com__tds_dynamic_map[9] = {
+COMN_DEFINE_TABLE(Com__tds_dynamic_map) = {
     {717, 1},  {718, 2},   {711, 4},       {719, 8},   {720, 64},
     {320, 64}, {721, 128}, {CS_UNUSED, 0}, unique_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_optcom_map[5] = {{34, 1}, {35, 2}, {33, 3}, {39, 4}, unique_end};
+COMN_DEFINE_TABLE(Com__tds_optcom_map) = {{34, 1}, {35, 2}, {33, 3}, {39, 4}, unique_end};
 
-constexpr TDS_TOKENMAP Com__tds_optboolean_map[3] = {{0, 0}, {1, 1}, unique_end};
+COMN_DEFINE_TABLE(Com__tds_optboolean_map) = {{0, 0}, {1, 1}, unique_end};
 
-constexpr TDS_TOKENMAP Com__tds_optdatefirst_map[8] = {
+COMN_DEFINE_TABLE(Com__tds_optdatefirst_map) = {
     {1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}, {6, 6}, {7, 7}, unique_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_optdatefmt_map[7] = {
+COMN_DEFINE_TABLE(Com__tds_optdatefmt_map) = {
     {1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}, {6, 6}, unique_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_optisolation_map[8] = {
+COMN_DEFINE_TABLE(Com__tds_optisolation_map) = {
     {0, 0}, {1, 1}, {2, 2}, {3, 3}, {11, 11}, {12, 12}, {13, 13}, unique_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_optisolationmode_map[4] = {{0, 0}, {1, 1}, {2, 2}, unique_end};
+COMN_DEFINE_TABLE(Com__tds_optisolationmode_map) = {{0, 0}, {1, 1}, {2, 2}, unique_end};
 
 // Several library values share a wire value here and the other way round: the first row counts.
-constexpr TDS_TOKENMAP Com__tds_paramstat_map[10] = {
+COMN_DEFINE_TABLE(Com__tds_paramstat_map) = {
     {1024, 1}, {32, 32}, {1056, 33},     {1024, 192}, {1056, 224},
     {256, 0},  {320, 0}, {CS_UNUSED, 0}, {0, 0},      unique_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_rpcopt_map[4] = {{188, 1}, {189, 0}, {CS_UNUSED, 0}, unique_end};
+COMN_DEFINE_TABLE(Com__tds_rpcopt_map) = {{188, 1}, {189, 0}, {CS_UNUSED, 0}, unique_end};
 
-constexpr TDS_TOKENMAP Com__tds_rpcstat_map[4] = {{1024, 1}, {16384, 2}, {256, 0}, unique_end};
+COMN_DEFINE_TABLE(Com__tds_rpcstat_map) = {{1024, 1}, {16384, 2}, {256, 0}, unique_end};
 
-constexpr TDS_TOKENMAP Com__tds_retval_map[5] = {
+COMN_DEFINE_TABLE(Com__tds_retval_map) = {
     {1024, 1}, {256, 0}, {320, 0}, {0, 0}, unique_end,
 };
 
-constexpr TDS_TOKENMAP Com__tds_rowfmt_map[11] = {
+COMN_DEFINE_TABLE(Com__tds_rowfmt_map) = {
     {1, 1},      {2, 2},       {4, 4},      {8, 8}, {16, 16}, {32, 32},
     {32768, 64}, {65536, 128}, {1024, 192}, {0, 0}, bit_end,
 };
@@ -119,29 +119,41 @@ COMN_PUBLISH_TABLE(TokenTable<48>, TDS_TOKENMAP, Com__tds_option_map, [48], opti
 COMN_PUBLISH_TABLE(TokenTable<22>, TDS_TOKENMAP, Com__tds_curdecl_map, [22], curdecl_rows());
 COMN_PUBLISH_TABLE(TokenTable<17>, TDS_TOKENMAP, Com__tds_curinfo_map, [17], curinfo_rows());
 
-constexpr TDS_MAPARRAY Com__tds_maparray[COM_TDS_MAP_COUNT] = {
-    {0, Com__tds_altop_map, 1},
-    {1, Com__tds_captype_map, 1},
-    {2, Com__tds_cap_req_map, 1},
-    {3, Com__tds_cap_resp_map, 1},
-    {4, Com__tds_colinfo_map, 0},
-    {5, Com__tds_curclose_map, 1},
-    {6, Com__tds_curdecl_map, 1},
-    {7, Com__tds_curinfo_map, 0},
-    {8, Com__tds_dynamic_map, 1},
-    {9, Com__tds_optcom_map, 1},
-    {10, Com__tds_option_map, 1},
-    {11, Com__tds_optboolean_map, 1},
-    {12, Com__tds_optdatefirst_map, 1},
-    {13, Com__tds_optdatefmt_map, 1},
-    {14, Com__tds_optisolation_map, 1},
-    {15, Com__tds_paramstat_map, 1},
-    {16, Com__tds_rpcopt_map, 1},
-    {17, Com__tds_rpcstat_map, 1},
-    {18, Com__tds_retval_map, 1},
-    {19, Com__tds_rowfmt_map, 0},
-    {20, Com__tds_optisolationmode_map, 1},
-};
+namespace {
+
+// By index: the map, and whether it is one of values.
+template <bool Own>
+consteval comn::Table<TDS_MAPARRAY, COM_TDS_MAP_COUNT> map_rows() {
+#define MAP(name) COMN_TABLE_NAME(Own, name)
+  return {{
+      {0, MAP(Com__tds_altop_map), 1},
+      {1, MAP(Com__tds_captype_map), 1},
+      {2, MAP(Com__tds_cap_req_map), 1},
+      {3, MAP(Com__tds_cap_resp_map), 1},
+      {4, MAP(Com__tds_colinfo_map), 0},
+      {5, MAP(Com__tds_curclose_map), 1},
+      {6, MAP(Com__tds_curdecl_map), 1},
+      {7, MAP(Com__tds_curinfo_map), 0},
+      {8, MAP(Com__tds_dynamic_map), 1},
+      {9, MAP(Com__tds_optcom_map), 1},
+      {10, MAP(Com__tds_option_map), 1},
+      {11, MAP(Com__tds_optboolean_map), 1},
+      {12, MAP(Com__tds_optdatefirst_map), 1},
+      {13, MAP(Com__tds_optdatefmt_map), 1},
+      {14, MAP(Com__tds_optisolation_map), 1},
+      {15, MAP(Com__tds_paramstat_map), 1},
+      {16, MAP(Com__tds_rpcopt_map), 1},
+      {17, MAP(Com__tds_rpcstat_map), 1},
+      {18, MAP(Com__tds_retval_map), 1},
+      {19, MAP(Com__tds_rowfmt_map), 0},
+      {20, MAP(Com__tds_optisolationmode_map), 1},
+  }};
+#undef MAP
+}
+
+} // namespace
+
+COMN_PUBLISH_LINKED_TABLE(Com__tds_maparray, map_rows);
 
 namespace {
 
@@ -170,27 +182,27 @@ constexpr bool is_one_to_one(const comn::Table<TDS_TOKENMAP, Rows> &map) {
   return is_one_to_one(map, Rows, COM_TDS_UNIQ_END);
 }
 
-static_assert(is_one_to_one(Com__tds_altop_map));
-static_assert(is_one_to_one(Com__tds_captype_map));
+static_assert(is_one_to_one(own_Com__tds_altop_map));
+static_assert(is_one_to_one(own_Com__tds_captype_map));
 static_assert(is_one_to_one(numbered<108>(1)));
 static_assert(is_one_to_one(numbered<74>(1)));
-static_assert(is_one_to_one(Com__tds_curclose_map));
+static_assert(is_one_to_one(own_Com__tds_curclose_map));
 static_assert(is_one_to_one(curdecl_rows()));
 static_assert(is_one_to_one(curinfo_rows(), 17, COM_TDS_BIT_END));
-static_assert(is_one_to_one(Com__tds_optcom_map));
+static_assert(is_one_to_one(own_Com__tds_optcom_map));
 static_assert(is_one_to_one(option_rows()));
-static_assert(is_one_to_one(Com__tds_optboolean_map));
-static_assert(is_one_to_one(Com__tds_optdatefirst_map));
-static_assert(is_one_to_one(Com__tds_optdatefmt_map));
-static_assert(is_one_to_one(Com__tds_optisolation_map));
-static_assert(is_one_to_one(Com__tds_rpcstat_map));
-static_assert(is_one_to_one(Com__tds_optisolationmode_map));
-static_assert(ends_with(Com__tds_dynamic_map[8], COM_TDS_UNIQ_END));
-static_assert(ends_with(Com__tds_paramstat_map[9], COM_TDS_UNIQ_END));
-static_assert(ends_with(Com__tds_rpcopt_map[3], COM_TDS_UNIQ_END));
-static_assert(ends_with(Com__tds_retval_map[4], COM_TDS_UNIQ_END));
-static_assert(ends_with(Com__tds_colinfo_map[5], COM_TDS_BIT_END));
-static_assert(ends_with(Com__tds_rowfmt_map[10], COM_TDS_BIT_END));
+static_assert(is_one_to_one(own_Com__tds_optboolean_map));
+static_assert(is_one_to_one(own_Com__tds_optdatefirst_map));
+static_assert(is_one_to_one(own_Com__tds_optdatefmt_map));
+static_assert(is_one_to_one(own_Com__tds_optisolation_map));
+static_assert(is_one_to_one(own_Com__tds_rpcstat_map));
+static_assert(is_one_to_one(own_Com__tds_optisolationmode_map));
+static_assert(ends_with(own_Com__tds_dynamic_map[8], COM_TDS_UNIQ_END));
+static_assert(ends_with(own_Com__tds_paramstat_map[9], COM_TDS_UNIQ_END));
+static_assert(ends_with(own_Com__tds_rpcopt_map[3], COM_TDS_UNIQ_END));
+static_assert(ends_with(own_Com__tds_retval_map[4], COM_TDS_UNIQ_END));
+static_assert(ends_with(own_Com__tds_colinfo_map[5], COM_TDS_BIT_END));
+static_assert(ends_with(own_Com__tds_rowfmt_map[10], COM_TDS_BIT_END));
 
 // One direction: which field of a row is looked at and which one answers.
 using Field = CS_INT TDS_TOKENMAP::*;
@@ -301,7 +313,7 @@ CS_RETCODE com_tds_maptoken(CS_INT mapindex, CS_INT srcval, CS_INT *destval, CS_
   COMN_CHECK(is_direction(direction), COMN_TRACE(CS_FAIL));
   if (mapindex < 0 || mapindex >= COM_TDS_MAP_COUNT)
     return COMN_TRACE(CS_CONV_DOMAIN);
-  const TDS_MAPARRAY &entry = Com__tds_maparray[mapindex];
+  const TDS_MAPARRAY &entry = own_Com__tds_maparray[mapindex];
   COMN_CHECK(entry.index == mapindex, COMN_TRACE(CS_FAIL));
   return COMN_TRACE(direction == COM_TDS_CSTOTDS
                         ? map_to_wire(entry.map, srcval, destval, unmapval, entry.is_uniqmap)

@@ -1,6 +1,6 @@
 // The stored key table.
-#include "netenc.h"
+#include "ennkeys.h"
 
-const OCTET Com__Enkeys[256][32] = {
+COMN_DEFINE_TABLE(Com__Enkeys) = {
 #include "ennkeys_table.h"
 };

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "checks.h"
+#include "ennkeys.h"
 #include "feal.h"
 
 using namespace comn::feal;
@@ -61,15 +62,15 @@ constexpr int step_mask(const OCTET *salt, int k) noexcept {
 
 void com_init_text_mem() noexcept {
   for (int i = 0; i < stored_row_size; ++i)
-    Com__Netkey[0][i] = static_cast<OCTET>(Com__Enkeys[0][i] - first_row_offset);
+    Com__Netkey[0][i] = static_cast<OCTET>(own_Com__Enkeys[0][i] - first_row_offset);
   for (int at = 0; at < stored_row_size; at += key_size) {
     OCTET row_subkeys[subkeys_size];
-    schedule(Com__Enkeys[0] + at, row_subkeys);
-    store_block(Com__Netkey[1] + at, decipher(load_block(Com__Enkeys[1] + at), row_subkeys));
+    schedule(own_Com__Enkeys[0] + at, row_subkeys);
+    store_block(Com__Netkey[1] + at, decipher(load_block(own_Com__Enkeys[1] + at), row_subkeys));
   }
   for (int row = first_key_row; row < table_rows; ++row) {
     for (int i = 0; i < stored_row_size; ++i)
-      Com__Netkey[row][i] = Com__Enkeys[row][i] ^ Com__Enkeys[row - 1][i];
+      Com__Netkey[row][i] = own_Com__Enkeys[row][i] ^ own_Com__Enkeys[row - 1][i];
     for (int key = 0; key < keys_per_row; ++key)
       schedule(Com__Netkey[row] + key * key_size, subkeys[row - first_key_row][key]);
   }

@@ -626,6 +626,129 @@ ZRV_CONV(comn_numtovarchar);
 ZRV_CONV(comn_numtovarbin);
 
 /*
+ * From floating point: flt4 is CS_REAL, flt8 CS_FLOAT. `*destlen` is the width of the destination type
+ * whatever the result.
+ *
+ * to integers   tested against the bounds of the type, then truncated toward zero: 255.5 is above i1.
+ *               Out of range the bound is stored with CS_CONV_OVERFLOW, but CS_CONV_UNDERFLOW below
+ *               ui2, ui4 and ui8. The bounds of the 64-bit types are plus and minus 9.22337e18 and
+ *               1.84467e19 from flt4, 9.22337203685477e18 and 1.84467440737095e19 from flt8, and
+ *               these are what is stored. ui8 from 9223372036854775808 on is one below the exact
+ *               value. Not a number: CS_SUCCEED, the lowest i4 or i8, the top bit of ui8, 0 else.
+ * to bit        1 for any source but the two zeroes, what is not a number too.
+ * to floats     flt8 beyond the largest single, infinities too, is that single with its sign and
+ *               CS_CONV_OVERFLOW; what is too small becomes a denormal or zero with CS_SUCCEED.
+ * to numeric    the 17 significant digits of the double, rounded to destfmt->scale. Statuses as from
+ *               integers; CS_DFMT_FROMSOURCE is refused. CS_CONV_OVERFLOW also for infinities and
+ *               for what is not a number.
+ * to text       "%.17g" of the double with a point whatever the locale; no zero before a point that
+ *               comes first (".5", but "-0.5"), ".0" behind a number that has neither point nor
+ *               exponent ("3.0", "inf.0"), no sign on a zero. Without room a star as from integers.
+ * to varchar    the same text, no terminator; `*destlen` is 258.
+ * to binary     the bytes of the value as they stand in memory: comn_fixedtobin,
+ *               comn_fixedtovarbin. These two look at no datatype.
+ */
+#define ZRV_FLOATING_CONVS(source)                                                                 \
+  ZRV_CONV(comn_##source##tobit);                                                                  \
+  ZRV_CONV(comn_##source##toi1);                                                                   \
+  ZRV_CONV(comn_##source##toi2);                                                                   \
+  ZRV_CONV(comn_##source##toi4);                                                                   \
+  ZRV_CONV(comn_##source##toi8);                                                                   \
+  ZRV_CONV(comn_##source##toui2);                                                                  \
+  ZRV_CONV(comn_##source##toui4);                                                                  \
+  ZRV_CONV(comn_##source##toui8);                                                                  \
+  ZRV_CONV(comn_##source##toflt4);                                                                 \
+  ZRV_CONV(comn_##source##toflt8);                                                                 \
+  ZRV_CONV(comn_##source##tonum);                                                                  \
+  ZRV_CONV(comn_##source##tochar);                                                                 \
+  ZRV_CONV(comn_##source##tobin);                                                                  \
+  ZRV_CONV(comn_##source##tovarchar);                                                              \
+  ZRV_CONV(comn_##source##tovarbin)
+
+ZRV_FLOATING_CONVS(flt4);
+ZRV_FLOATING_CONVS(flt8);
+
+/*
+ * From binary: bin is bytes of srcfmt->maxlength, varbin a CS_VARBINARY. A source that had to be cut is
+ * CS_CONV_TRUNCATED from bin and CS_CONV_OVERFLOW from varbin, in every member ("cut" below).
+ *
+ * to fixed types  the bytes as they stand, never a number. `*destlen` is the count that was copied. A
+ *                 source longer than the type is cut; a shorter one is CS_CONV_UNDERFLOW and leaves
+ *                 the bytes behind it as they were. bin to datea and timea tests a value that came
+ *                 whole: CS_CONV_DOMAIN out of range, stored, `*destlen` 0. These members and the two
+ *                 next look at no datatype.
+ * comn_bintofixed, comn_varbintofixed
+ *                 the same for a type of `tlen` bytes.
+ * to numeric      the shape from destfmt, the source into the 33 bytes of the array as above; `*destlen`
+ *                 is 35 whatever the result. CS_CONV_BADPRECISION (not 1 to 77) and CS_CONV_BADSCALE
+ *                 (above 77) leave `dest` alone.
+ * to bit          1 if the first byte is not 0; it is read even of an empty source.
+ * to text         two lower-case hexadecimal digits a byte. Text without room is cut after the last
+ *                 pair that fits; `*destlen` counts the byte left over in an odd maxlength too, which
+ *                 is not written. Padding as `format` asks.
+ * to varchar      at most 128 bytes as digits; `*destlen` is 258.
+ * to binary       the bytes, cut or padded as `format` asks (comn__padbin).
+ * to varbinary    at most 256 bytes; `*destlen` is 258.
+ */
+#define ZRV_BINARY_CONVS(source)                                                                   \
+  ZRV_API CS_RETCODE comn_##source##tofixed(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, \
+                                            CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,   \
+                                            CS_INT tlen) ZRV_NOEXCEPT;                             \
+  ZRV_CONV(comn_##source##toi1);                                                                   \
+  ZRV_CONV(comn_##source##toi2);                                                                   \
+  ZRV_CONV(comn_##source##toi4);                                                                   \
+  ZRV_CONV(comn_##source##toi8);                                                                   \
+  ZRV_CONV(comn_##source##toui2);                                                                  \
+  ZRV_CONV(comn_##source##toui4);                                                                  \
+  ZRV_CONV(comn_##source##toui8);                                                                  \
+  ZRV_CONV(comn_##source##toflt4);                                                                 \
+  ZRV_CONV(comn_##source##toflt8);                                                                 \
+  ZRV_CONV(comn_##source##tomoney);                                                                \
+  ZRV_CONV(comn_##source##tomny4);                                                                 \
+  ZRV_CONV(comn_##source##todatetime);                                                             \
+  ZRV_CONV(comn_##source##todate4);                                                                \
+  ZRV_CONV(comn_##source##tobigdatetime);                                                          \
+  ZRV_CONV(comn_##source##tobigtime);                                                              \
+  ZRV_CONV(comn_##source##todatea);                                                                \
+  ZRV_CONV(comn_##source##totimea);                                                                \
+  ZRV_CONV(comn_##source##tonum);                                                                  \
+  ZRV_CONV(comn_##source##tobit);                                                                  \
+  ZRV_CONV(comn_##source##tochar);                                                                 \
+  ZRV_CONV(comn_##source##tovarchar);                                                              \
+  ZRV_CONV(comn_##source##tobin);                                                                  \
+  ZRV_CONV(comn_##source##tovarbin)
+
+ZRV_BINARY_CONVS(bin);
+ZRV_BINARY_CONVS(varbin);
+
+/*
+ * From bit. A source other than 0 and 1 is CS_CONV_DOMAIN, with nothing written, `*destlen` neither.
+ *
+ * to fixed types  0 or 1 in the destination's type
+ * to numeric      as from integers, without CS_DFMT_FROMSOURCE
+ * to text         "1" or "0", to binary the byte 1 or 0, if maxlength is above 0; then the padding that
+ *                 `format` asks for (comn__padchar, comn__padbin), whose status is the result
+ * to varchar and to varbinary
+ *                 the character "1" or "0" in both; `*destlen` is 258
+ * There is no member to money.
+ */
+ZRV_CONV(comn_bittobit);
+ZRV_CONV(comn_bittoi1);
+ZRV_CONV(comn_bittoi2);
+ZRV_CONV(comn_bittoi4);
+ZRV_CONV(comn_bittoi8);
+ZRV_CONV(comn_bittoui2);
+ZRV_CONV(comn_bittoui4);
+ZRV_CONV(comn_bittoui8);
+ZRV_CONV(comn_bittoflt4);
+ZRV_CONV(comn_bittoflt8);
+ZRV_CONV(comn_bittonum);
+ZRV_CONV(comn_bittochar);
+ZRV_CONV(comn_bittobin);
+ZRV_CONV(comn_bittovarchar);
+ZRV_CONV(comn_bittovarbin);
+
+/*
  * From dates and times: date is CS_DATETIME, datea CS_DATE, timea CS_TIME. `*destlen` is the width
  * of the destination type whatever the result, and CS_SUCCEED the result unless something else
  * stands here. Microseconds are lost silently.

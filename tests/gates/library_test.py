@@ -18,12 +18,13 @@ maps = {"libzrvcomn": "generic/src/libzrvcomn.map", "libzrvintl": "platform/zrvi
 system_libraries = {"libc.so.6", "libm.so.6", "libdl.so.2"}
 if build.pointer_size == 4:
     system_libraries.add("libgcc_s.so.1")
-allowed_libraries = {"libzrvcomn": system_libraries | {"libzrvintl.so.1", "libzrvunic.so.1"},
+allowed_libraries = {"libzrvcomn": system_libraries | {"libzrvintl.so.1", "libzrvunic.so.1",
+                                                       "libstdc++.so.6"},
                      "libzrvintl": system_libraries,
                      "libzrvunic": system_libraries | {"libzrvintl.so.1"}}
 
 # The version nodes of those, which tell where an undefined symbol is to come from.
-allowed_versions = {"libzrvcomn": r"GLIBC_.*|GCC_.*|ZRVINTL_1|ZRVUNIC_1",
+allowed_versions = {"libzrvcomn": r"GLIBC_.*|GLIBCXX_.*|GCC_.*|ZRVINTL_1|ZRVUNIC_1",
                     "libzrvintl": r"GLIBC_.*|GCC_.*",
                     "libzrvunic": r"GLIBC_.*|GCC_.*|ZRVINTL_1"}
 
@@ -37,11 +38,11 @@ handed_out = {"Com__Days", "Com__Months", "Com__Shortmonths", "Com__cnvrt_array"
 
 memory_functions = {"comn_malloc", "comn_calloc", "comn_realloc", "comn_free"}
 
-# Exceptions, type information, guards of local statics, wrappers of thread-locals, the C++ heap, and
-# the functions that run static constructors.
+# Exceptions, type information, guards of local statics, wrappers of thread-locals, the C++ heap, the
+# functions that run static constructors, and of the standard library all but text from and to doubles.
 run_time_names = re.compile(
     r"__cxa_(?!finalize$)|__gxx_|_Unwind_|_ZT[ISVHW]|_ZGV|__dynamic_cast|_Zn[wa]|_Zd[la]"
-    r"|_GLOBAL__(sub_)?[ID]|_ZSt|_ZNSt|_ZNKSt")
+    r"|_GLOBAL__(sub_)?[ID]|_ZSt(?!8to_charsPcS_dSt|10from_charsPKcS0_RdSt)|_ZNSt|_ZNKSt")
 
 
 class Symbol:

@@ -1,10 +1,10 @@
-// Raw copies of fixed types to binary, and hexadecimal text to binary.
+// Conversions from binary, raw copies of fixed types to binary, and hexadecimal text to binary.
 #include <algorithm>
 #include <array>
 #include <cstring>
 
+#include "binary.h"
 #include "charmap.h"
-#include "conv_func.h"
 #include "pad.h"
 #include "raw_copy.h"
 
@@ -139,3 +139,5 @@ CS_RETCODE text_to_binary(COMN_CONV_PARAMETERS) noexcept {
 } // namespace
 
 COMN_CONV(comn_chartobin, text_to_binary)
+
+COMN_BINARY_UNIT(bin)

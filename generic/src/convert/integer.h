@@ -15,8 +15,8 @@
 #include "conv_func.h"
 #include "decimal_text.h"
 #include "numeric.h"
-#include "pad.h"
 #include "raw_copy.h"
+#include "whole_text.h"
 
 namespace comn::integer {
 
@@ -201,17 +201,6 @@ CS_RETCODE to_num(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT
   if (status != NUME_OK) [[unlikely]]
     return raise_bomb(where);
   return CS_SUCCEED;
-}
-
-// A number is shown whole or as a star, never cut.
-[[gnu::cold, gnu::noinline]] inline CS_RETCODE show_star(CS_INT format, CS_INT capacity,
-                                                         CS_VOID *dest, CS_INT *destlen) noexcept {
-  if (capacity > 1) {
-    std::memcpy(dest, "*", 2);
-    *destlen = 1;
-    pad_text(1, format, capacity, dest, destlen);
-  }
-  return CS_CONV_OVERFLOW;
 }
 
 template <Type S>

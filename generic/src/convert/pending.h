@@ -34,7 +34,7 @@ namespace comn::pending {
   COMN_PENDING(source##tomoney)                                                                    \
   COMN_PENDING(source##tomny4)
 
-// The members of the integers that come with money and 16-bit text.
+// The members of the numbers that come with money and 16-bit text.
 #define COMN_PENDING_INTEGER(source)                                                               \
   COMN_PENDING(source##tomoney)                                                                    \
   COMN_PENDING(source##tomny4)                                                                     \
@@ -48,34 +48,18 @@ COMN_PENDING_INTEGER(ui2)
 COMN_PENDING_INTEGER(ui4)
 COMN_PENDING_INTEGER(ui8)
 
-COMN_PENDING_VALUES(flt4)
-COMN_PENDING_VALUES(flt8)
+COMN_PENDING_INTEGER(flt4)
+COMN_PENDING_INTEGER(flt8)
+COMN_PENDING_INTEGER(num)
+
 COMN_PENDING_VALUES(money)
 COMN_PENDING_VALUES(mny4)
 COMN_PENDING_VALUES(varchar)
-COMN_PENDING_VALUES(bin)
-COMN_PENDING_VALUES(varbin)
 COMN_PENDING_VALUES(unichar)
 
-// The members of the numerics that come with money and 16-bit text.
-COMN_PENDING_INTEGER(num)
-
-// A bit does not convert to money.
-COMN_PENDING(bittochar)
-COMN_PENDING(bittobin)
-COMN_PENDING(bittobit)
-COMN_PENDING(bittoi1)
-COMN_PENDING(bittoi2)
-COMN_PENDING(bittoi4)
-COMN_PENDING(bittoi8)
-COMN_PENDING(bittoui2)
-COMN_PENDING(bittoui4)
-COMN_PENDING(bittoui8)
-COMN_PENDING(bittoflt4)
-COMN_PENDING(bittoflt8)
-COMN_PENDING(bittonum)
-COMN_PENDING(bittovarchar)
-COMN_PENDING(bittovarbin)
+// Binary and bit come whole but for 16-bit text.
+COMN_PENDING(bintounichar)
+COMN_PENDING(varbintounichar)
 COMN_PENDING(bittounichar)
 
 // Text: comn_chartobin is there.
@@ -85,22 +69,15 @@ COMN_PENDING(chartovarchar)
 COMN_PENDING(chartovarbin)
 COMN_PENDING(chartounichar)
 
-// Dates and times out of text, binary and 16-bit text.
+// Dates and times out of text and 16-bit text.
 #define COMN_PENDING_DATES(source)                                                                 \
   COMN_PENDING(source##todatetime)                                                                 \
   COMN_PENDING(source##todate4)                                                                    \
   COMN_PENDING(source##todatea)                                                                    \
   COMN_PENDING(source##totimea)
-#define COMN_PENDING_BIG_DATES(source)                                                             \
-  COMN_PENDING(source##tobigdatetime)                                                              \
-  COMN_PENDING(source##tobigtime)
 
 COMN_PENDING_DATES(char)
 COMN_PENDING_DATES(varchar)
-COMN_PENDING_DATES(bin)
-COMN_PENDING_BIG_DATES(bin)
-COMN_PENDING_DATES(varbin)
-COMN_PENDING_BIG_DATES(varbin)
 COMN_PENDING_DATES(unichar)
 
 COMN_PENDING(imagetounichar)
@@ -133,7 +110,6 @@ COMN_PENDING(locatortolocator)
 #undef COMN_PENDING_FIXED
 #undef COMN_PENDING_INTEGER
 #undef COMN_PENDING_DATES
-#undef COMN_PENDING_BIG_DATES
 #undef COMN_PENDING_DATE_TEXT
 
 } // namespace comn::pending

@@ -7,10 +7,10 @@
 // say in it.
 #include <algorithm>
 #include <bit>
-#include <cstdio>
 #include <limits>
 
 #include "checks.h"
+#include "float_text.h"
 #include "number.h"
 
 namespace exact = comn::exact;
@@ -107,75 +107,6 @@ CS_FLOAT closest_double(Number &number, int scale) noexcept {
   return make_double(mantissa, lowest + below - shift);
 }
 
-// A double as "%.17g" prints it in the C locale, with its NUL.
-class DoubleText {
-public:
-  explicit DoubleText(CS_FLOAT value) noexcept {
-    // A sign, one digit, the locale's point, sixteen digits, an exponent.
-    char printed[64];
-    const int length = std::snprintf(printed, sizeof printed, "%.16e", value);
-    const char *from = printed;
-    if (*from == '-')
-      put(*from++);
-    const char *letter = printed + length;
-    while (letter > from && *letter != 'e')
-      --letter;
-    if (letter < from + significant) {
-      // Not a number, or infinite.
-      while (*from != '\0')
-        put(*from++);
-    } else {
-      char digits[significant];
-      digits[0] = *from;
-      std::memcpy(digits + 1, letter - (significant - 1), significant - 1);
-      int exponent = 0;
-      for (const char *p = letter + 2; *p != '\0'; ++p)
-        exponent = exponent * 10 + (*p - '0');
-      layout(digits, letter[1] == '-' ? -exponent : exponent);
-    }
-    text[length_] = '\0';
-  }
-
-  CS_CHAR *data() noexcept { return text; }
-  CS_INT length() const noexcept { return length_; }
-
-private:
-  static constexpr int significant = std::numeric_limits<CS_FLOAT>::max_digits10;
-
-  void put(char c) noexcept { text[length_++] = c; }
-
-  void layout(const char *digits, int exponent) noexcept {
-    int count = significant;
-    while (count > 1 && digits[count - 1] == '0')
-      --count;
-    const bool scientific = exponent < -4 || exponent >= significant;
-    const int point = scientific ? 1 : exponent + 1;
-    if (point <= 0) {
-      put('0');
-      put('.');
-      for (int i = point; i < 0; ++i)
-        put('0');
-    }
-    for (int i = 0; i < count || i < point; ++i) {
-      if (i == point && i > 0)
-        put('.');
-      put(i < count ? digits[i] : '0');
-    }
-    if (!scientific)
-      return;
-    put('e');
-    put(exponent < 0 ? '-' : '+');
-    const int magnitude = exponent < 0 ? -exponent : exponent;
-    if (magnitude >= 100)
-      put(static_cast<char>('0' + magnitude / 100));
-    put(static_cast<char>('0' + magnitude / 10 % 10));
-    put(static_cast<char>('0' + magnitude % 10));
-  }
-
-  CS_CHAR text[32];
-  CS_INT length_ = 0;
-};
-
 int integer_to_numeric(uint64_t magnitude, bool negative, CS_BYTE *dest, CS_INT destlen,
                        CS_BYTE *precision, CS_BYTE *scale) noexcept {
   COMN_CHECK_PTR(dest, NUME_OVERFLOW);
@@ -243,8 +174,9 @@ int com__doubletoexctnume(CS_FLOAT value, CS_BYTE *dest, CS_INT destlen, CS_BYTE
     *precision = own_Com__Nume_Len_To_Prec[destlen - 2];
     *scale = 0;
   }
-  DoubleText text(value == 0.0 ? 0.0 : value);
-  return com__subchartoexctnume(text.data(), text.length(), &dest, &destlen, precision, scale, 1);
+  CS_CHAR text[comn::longest_double + 1];
+  const CS_INT length = comn::print_double(text, value == 0.0 ? 0.0 : value);
+  return com__subchartoexctnume(text, length, &dest, &destlen, precision, scale, 1);
 }
 
 int com__longtoexctnume(CS_INT value, CS_BYTE *dest, CS_INT destlen, CS_BYTE *precision,

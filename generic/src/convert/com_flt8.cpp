@@ -1,0 +1,4 @@
+// Conversions from CS_FLOAT.
+#include "floating.h"
+
+COMN_FLOATING_UNIT(flt8)

@@ -1,0 +1,36 @@
+// Numbers as text: whole or as a star, never cut.
+#ifndef COMN_CONVERT_WHOLE_TEXT_H
+#define COMN_CONVERT_WHOLE_TEXT_H
+
+#include <algorithm>
+#include <cstring>
+
+#include "pad.h"
+
+namespace comn {
+
+// What stands for a number without room.
+[[gnu::cold, gnu::noinline]] inline CS_RETCODE show_star(CS_INT format, CS_INT capacity,
+                                                         CS_VOID *dest, CS_INT *destlen) noexcept {
+  if (capacity > 1) {
+    std::memcpy(dest, "*", 2);
+    *destlen = 1;
+    pad_text(1, format, capacity, dest, destlen);
+  }
+  return CS_CONV_OVERFLOW;
+}
+
+// A number that is printed already.
+inline CS_RETCODE whole_text(const CS_CHAR *text, CS_INT length, const CS_DATAFMT *destfmt,
+                             CS_VOID *dest, CS_INT *destlen) noexcept {
+  const CS_INT capacity = destfmt->maxlength;
+  *destlen = std::min(capacity, length);
+  if (!text_fits(length, destfmt->format, capacity)) [[unlikely]]
+    return show_star(destfmt->format, capacity, dest, destlen);
+  std::memcpy(dest, text, static_cast<size_t>(length));
+  return pad_text(length, destfmt->format, capacity, dest, destlen);
+}
+
+} // namespace comn
+
+#endif

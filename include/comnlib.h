@@ -77,6 +77,11 @@ ZRV_API void *com_dlsym(CS_CHAR *symbol) ZRV_NOEXCEPT;
 
 /* ---- checks and trace ---- */
 
+/* Prints a text to standard error and behind the file zrvinit.err of the current directory, for when
+ * there are no messages yet. It counts as a format without arguments: "%%" is one sign, and anything
+ * else is printed as it stands. A file that cannot be opened is passed over. */
+ZRV_API void com_perr(CS_CHAR *err_string) ZRV_NOEXCEPT;
+
 /* Sets the level of the return-code trace: 1 nothing, 2 what is not an ordinary result, 3
  * everything. Any other level is fatal and changes nothing. */
 ZRV_API void com_errset(CS_INT level) ZRV_NOEXCEPT;

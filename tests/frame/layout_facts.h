@@ -9,6 +9,7 @@
 #define ZRVTEST_LAYOUT_FACTS_H
 
 #include "zrvcomn/charset.h"
+#include "zrvcomn/comerr.h"
 #include "zrvcomn/comfou.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
@@ -202,6 +203,15 @@
   ROW(CS_THREAD, 40) \
   ROW(CS_LOCATOR, 32) \
   ROW(CsBlobChunk, 12) \
+  ROW(CS_ERRSECTION, 8) \
+  ROW(CS_ERRIDX, 8) \
+  ROW(CS_ERRHAN, 8) \
+  ROW(CsErrorCache, 28) \
+  ROW(CsErrSecCache, 16) \
+  ROW(CsErrFileCache, 12) \
+  ROW(CS_MESSAGE, 28) \
+  ROW(CsErrParams, 32) \
+  ROW(CsErrStrings, 44) \
   ROW(ComErrString, 8) \
   ROW(MmPoolHead, 48) \
   ROW(MM_HANDLE, 108) \
@@ -399,6 +409,51 @@
   ROW(CsBlobChunk, pnext, 0) \
   ROW(CsBlobChunk, len, 4) \
   ROW(CsBlobChunk, data, 8) \
+  ROW(CS_ERRSECTION, errtag, 0) \
+  ROW(CS_ERRSECTION, errstr, 4) \
+  ROW(CS_ERRIDX, errtag, 0) \
+  ROW(CS_ERRIDX, errnum, 4) \
+  ROW(CS_ERRHAN, err_locale, 0) \
+  ROW(CS_ERRHAN, err_file, 4) \
+  ROW(CsErrorCache, errcode, 0) \
+  ROW(CsErrorCache, errnum, 8) \
+  ROW(CsErrorCache, errmsg, 12) \
+  ROW(CsErrorCache, errseccache, 16) \
+  ROW(CsErrorCache, histnext, 20) \
+  ROW(CsErrorCache, next, 24) \
+  ROW(CsErrSecCache, errtag, 0) \
+  ROW(CsErrSecCache, errstr, 4) \
+  ROW(CsErrSecCache, errcache, 8) \
+  ROW(CsErrSecCache, next, 12) \
+  ROW(CsErrFileCache, errfilename, 0) \
+  ROW(CsErrFileCache, errsecs, 4) \
+  ROW(CsErrFileCache, next, 8) \
+  ROW(CS_MESSAGE, lang_oid, 0) \
+  ROW(CS_MESSAGE, charset_oid, 4) \
+  ROW(CS_MESSAGE, locfilecache, 8) \
+  ROW(CS_MESSAGE, locerrhist, 12) \
+  ROW(CS_MESSAGE, locerrcnt, 16) \
+  ROW(CS_MESSAGE, msgmtx, 20) \
+  ROW(CS_MESSAGE, messagenext, 24) \
+  ROW(CsErrParams, ep_numparams, 0) \
+  ROW(CsErrParams, ep_format, 4) \
+  ROW(CsErrParams, ep_type1, 8) \
+  ROW(CsErrParams, ep_param1, 12) \
+  ROW(CsErrParams, ep_type2, 16) \
+  ROW(CsErrParams, ep_param2, 20) \
+  ROW(CsErrParams, ep_type3, 24) \
+  ROW(CsErrParams, ep_param3, 28) \
+  ROW(CsErrStrings, es_api, 0) \
+  ROW(CsErrStrings, es_apilen, 4) \
+  ROW(CsErrStrings, es_layer, 8) \
+  ROW(CsErrStrings, es_layerlen, 12) \
+  ROW(CsErrStrings, es_origin, 16) \
+  ROW(CsErrStrings, es_origlen, 20) \
+  ROW(CsErrStrings, es_err, 24) \
+  ROW(CsErrStrings, es_errlen, 28) \
+  ROW(CsErrStrings, es_err_alloc, 32) \
+  ROW(CsErrStrings, es_oserr, 36) \
+  ROW(CsErrStrings, es_oserrlen, 40) \
   ROW(ComErrString, errcode, 0) \
   ROW(ComErrString, errstr, 4) \
   ROW(MmPoolHead, mph_sbreak, 0) \
@@ -594,6 +649,14 @@
   ROW(COM_INTL_ERROR, -301) \
   ROW(COM_LOCFILE_ERROR, -414) \
   ROW(COM_UNKNOWN_NAME, -417) \
+  ROW(COM_ERRSEC_DEFAULTS, 1) \
+  ROW(COM_ERRSEC_LAYER, 2) \
+  ROW(COM_ERRSEC_ORIGIN, 3) \
+  ROW(COM_ERRSEC_API, 4) \
+  ROW(COM_EP_STRING, 0) \
+  ROW(COM_EP_INT, 8) \
+  ROW(COM_ERR_CACHE_SIZE, 100) \
+  ROW(COM_ERRORIGIN_INTL, 5) \
   ROW(CS_DFMT_NULLTERM, 1) \
   ROW(CS_DFMT_PADNULL, 2) \
   ROW(CS_DFMT_PADBLANK, 4) \

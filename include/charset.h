@@ -103,8 +103,8 @@ typedef struct _cschardesc {
 
 /* ---- the built-in set, iso_1 ---- */
 
-/* Its tables. The lower-case letter 223, the upper bound of the case pairs and the absent graphic
- * bit are as deployed applications know them. */
+/* Its tables, as deployed applications know them: no character is graphic, and 223 is an upper-case
+ * letter. */
 extern ZRV_PRIVATE const CS_TYPE_MAP ISO_1_type_map[1];
 extern ZRV_PRIVATE const CS_SOUNDEX ISO_1_soundex[1];
 
@@ -224,6 +224,65 @@ ZRV_API CS_RETCODE com_free_char_attrib(CS_ATTRIB *chatr) ZRV_NOEXCEPT;
  */
 ZRV_API CS_RETCODE com_build_char_attrib(CS_INT type, CS_INT id, CS_CHAR *cname, CS_VOID *imptr,
                                          CS_ATTRIB *chatr) ZRV_NOEXCEPT;
+
+/* ---- loading ----
+ *
+ * A character set is loaded from the file charset.loc in its directory (docs/files.md has its form)
+ * and kept on the list cmg_chardesc, where it is found by its identifier. What is loaded is
+ * read-only. The callers see to it that one thread at a time loads or drops.
+ */
+
+/*
+ * Gives a cache its character set, from the list or by loading it.
+ *
+ * context      in   its ctxglobals have the list; ctxintlerr receives the status of a reader that
+ *                   failed
+ * oid          in   the identity of the set
+ * lcache       out  locchardesc, null on failure. Its charname names the directory. If it has a
+ *                   sortname and the context a ctxlocale, a set that is loaded gets that sort order
+ *                   and the cache its locsortorder; a set from the list does not
+ * locfilename  out  the path of the file that was read last; may be null
+ * filenamelen  in   its size in bytes, at least 1 if it is not null
+ *
+ * Returns CS_SUCCEED; CS_MEM_ERROR; COM_LOCFILE_ERROR when the file cannot be opened; COM_INTL_ERROR
+ * when the reader fails; CS_FAIL for what is wrong in the file, and for a path that does not fit; and
+ * what the look-up and the loading of the sort order return. After a failure nothing is left loaded.
+ * A null pointer other than `locfilename`, also for charname and ctxglobals, is fatal.
+ */
+ZRV_PRIVATE CS_RETCODE comn__intl_load_charset(CsContext *context, CsOID *oid, CsLocCache *lcache,
+                                               CS_CHAR *locfilename,
+                                               CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* Releases all loaded character sets with their sort orders and clears the list; caches that point at
+ * them must be gone. Returns CS_SUCCEED. A null context, or one without ctxglobals, is fatal. */
+ZRV_API CS_RETCODE com_intl_chardesc_drop(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* Releases one character set, which must stand in no list, with its tables and sort orders. */
+ZRV_PRIVATE CS_RETCODE comn__chardesc_drop(CsCharDesc *chardesc) ZRV_NOEXCEPT;
+
+/*
+ * The steps of the loader. They return as comn__intl_load_charset; after a failure what they fill is
+ * partly filled, and is released with the set. An image must be told of by the entries "class" and
+ * "image_size" before it.
+ *
+ * comn__get_charset    the file of `lcache` into the new record char_attrib of `chardesc`
+ * comn__load_charset1  the images of a class 1 set of `imagesize` bytes, of which the first entry has
+ *                      just been reached
+ * comn__load_charset2  the same for class 2. A width map of more than 256 bytes, and a normalisation
+ *                      map of more than 256 planes, are refused
+ * comn__get_image      `imagelen` bytes, spelled as hexadecimal digits over the values of entries
+ *                      "definition"; with `athand` the first of them is the entry at hand
+ */
+ZRV_PRIVATE CS_RETCODE comn__get_charset(CsContext *context, CsLocCache *lcache,
+                                         CsCharDesc *chardesc, CS_CHAR *locfilename,
+                                         CS_INT filenamelen) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__load_charset1(CsContext *context, struct intl_locfile *ifile,
+                                           CS_UINT imagesize, CHAR_ATTRIB *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__load_charset2(CsContext *context, struct intl_locfile *ifile,
+                                           CS_UINT imagesize, CHAR_ATTRIB *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__get_image(CsContext *context, struct intl_locfile *ifile,
+                                       CS_BOOL athand, CS_BYTE *image,
+                                       CS_INT imagelen) ZRV_NOEXCEPT;
 
 ZRV_END_DECLS
 

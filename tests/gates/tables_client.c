@@ -5,6 +5,7 @@
 #include <stdio.h>
 #include <string.h>
 
+#include <zrvcomn/charset.h>
 #include <zrvcomn/comloc.h>
 #include <zrvcomn/commaps.h>
 #include <zrvcomn/comnlib.h>
@@ -236,6 +237,14 @@ static void class_characters(void) {
     printf("character %d: %d %d %d %d %d %d %d %d %d\n", c, com_isalpha(byte), com_isupper(byte),
            com_islower(byte), com_isdigit(byte), com_isxdigit(byte), com_isspace(byte),
            com_isgraph(byte), com_toupper(byte), com_tolower(byte));
+  }
+  for (c = 0; c < 256; ++c) {
+    CS_BYTE byte = (CS_BYTE)c, upper = 0, lower = 0;
+    comn_toupper(NULL, &byte, &upper);
+    comn_tolower(NULL, &byte, &lower);
+    printf("%d %d %d %d %d ", comn_isalpha(NULL, &byte), comn_isdigit(NULL, &byte),
+           comn_isspace(NULL, &byte), comn_ispunct(NULL, &byte), comn_get_lex(NULL, &byte));
+    printf("%d %d %d\n", upper, lower, comn_to_ascii(NULL, &byte));
   }
 }
 

@@ -1,10 +1,11 @@
 // Conversions from binary, raw copies of fixed types to binary, and hexadecimal text to binary.
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "binary.h"
 #include "charmap.h"
+#include "conv_func.h"
+#include "hex_digits.h"
 #include "pad.h"
 #include "raw_copy.h"
 
@@ -13,23 +14,6 @@ namespace {
 // The longest copy into a varbinary record.
 constexpr CS_INT varbinary_capacity = sizeof(CS_VARBINARY::array);
 
-// The value of each hexadecimal digit; of every other character, a negative one.
-constexpr int8_t not_a_digit = -1;
-
-consteval std::array<int8_t, 256> build_digits() {
-  std::array<int8_t, 256> digits{};
-  digits.fill(not_a_digit);
-  for (size_t value = 0; value < 10; ++value)
-    digits['0' + value] = static_cast<int8_t>(value);
-  for (size_t value = 10; value < 16; ++value) {
-    digits['a' + value - 10] = static_cast<int8_t>(value);
-    digits['A' + value - 10] = static_cast<int8_t>(value);
-  }
-  return digits;
-}
-
-constexpr std::array<int8_t, 256> digit_values = build_digits();
-
 // Decodes pairs of digits. All of them are looked at; negative if any of their characters was no
 // digit. The destination may be the source: a byte is stored behind the digits already read.
 //
@@ -37,7 +21,7 @@ constexpr std::array<int8_t, 256> digit_values = build_digits();
 [[gnu::noinline]] int decode_pairs(const CS_BYTE *in, CS_BYTE *out, CS_INT count) noexcept {
   int seen = 0;
   for (const CS_BYTE *const end = in + 2 * count; in < end; in += 2) {
-    const int value = digit_values[in[0]] << 4 | digit_values[in[1]];
+    const int value = comn::hex_digit_values[in[0]] << 4 | comn::hex_digit_values[in[1]];
     seen |= value;
     *out++ = static_cast<CS_BYTE>(value);
   }
@@ -123,7 +107,7 @@ CS_RETCODE text_to_binary(COMN_CONV_PARAMETERS) noexcept {
 
   int seen = 0;
   if (odd) {
-    seen = digit_values[*in++];
+    seen = comn::hex_digit_values[*in++];
     *out++ = static_cast<CS_BYTE>(seen);
   }
   const CS_INT pairs = count - odd;

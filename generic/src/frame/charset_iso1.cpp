@@ -98,29 +98,41 @@ consteval SoundMap build_sounds() {
 COMN_PUBLISH_TABLE(TypeMap, CS_TYPE_MAP, ISO_1_type_map, [1], build_types());
 COMN_PUBLISH_TABLE(SoundMap, CS_SOUNDEX, ISO_1_soundex, [1], build_sounds());
 
+namespace {
+
 // A record has pointers to tables that may be written; these are constants all the same.
-constinit const CHAR_ATTRIB comn::builtin_charset = {
-    .cs_status = 0,
-    .cs_class = 1,
-    .cs_id = 1,
-    .cs_namelen = 5,
-    .cs_name = "iso_1",
-    .cs_maxcharlen = 1,
-    .cs_ncharsize = 1,
-    .cs_nnorm = 0,
-    .cs_ntype = 1,
-    .cs_nsoundex = 1,
-    .spare = {},
-    .cs_width_map = nullptr,
-    .cs_norm_map = nullptr,
-    .cs_type_map = const_cast<CS_TYPE_MAP *>(ISO_1_type_map_storage.rows),
-    .cs_soundex = const_cast<CS_SOUNDEX *>(ISO_1_soundex_storage.rows),
-};
+consteval CHAR_ATTRIB describe(const CS_TYPE_MAP *types, const CS_SOUNDEX *sounds) {
+  return {
+      .cs_status = 0,
+      .cs_class = 1,
+      .cs_id = 1,
+      .cs_namelen = 5,
+      .cs_name = "iso_1",
+      .cs_maxcharlen = 1,
+      .cs_ncharsize = 1,
+      .cs_nnorm = 0,
+      .cs_ntype = 1,
+      .cs_nsoundex = 1,
+      .spare = {},
+      .cs_width_map = nullptr,
+      .cs_norm_map = nullptr,
+      .cs_type_map = const_cast<CS_TYPE_MAP *>(types),
+      .cs_soundex = const_cast<CS_SOUNDEX *>(sounds),
+  };
+}
+
+// What a caller sees has the tables that the caller sees.
+constinit const CHAR_ATTRIB handed_out = describe(ISO_1_type_map, ISO_1_soundex);
+
+} // namespace
+
+constinit const CHAR_ATTRIB comn::builtin_charset =
+    describe(own_ISO_1_type_map, own_ISO_1_soundex);
 
 CS_ATTRIB *com_get_charattrib(void) noexcept {
-  return const_cast<CS_ATTRIB *>(&comn::builtin_charset);
+  return const_cast<CS_ATTRIB *>(&handed_out);
 }
 
 CS_TYPE_MAP *com_get_typemap(void) noexcept {
-  return comn::builtin_charset.cs_type_map;
+  return handed_out.cs_type_map;
 }

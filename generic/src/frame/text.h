@@ -14,7 +14,7 @@
 
 namespace comn {
 
-// The built-in set and its tables, under names that are read without the global offset table.
+// The built-in set, with the tables as the library reads them.
 extern const CHAR_ATTRIB builtin_charset;
 
 inline const CHAR_ATTRIB &charset_or_builtin(const CHAR_ATTRIB *set) noexcept {

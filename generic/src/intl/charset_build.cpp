@@ -1,8 +1,8 @@
 // Records of character sets in memory: their allocation, and the description of an image.
-#include <initializer_list>
+#include <cstring>
 
 #include "any_address.h"
-#include "charset.h"
+#include "charset_image.h"
 #include "checks.h"
 #include "zrvintl.h"
 
@@ -28,18 +28,13 @@ void describe_class1(CS_BYTE *image, CS_ATTRIB *chatr) noexcept {
   chatr->cs_soundex = reinterpret_cast<CS_SOUNDEX *>(image + offsetof(cs_1class, sounds));
 }
 
-// A table of the image; null where its size is 0 and it may be left out.
 template <class Map>
 Map *table_at(CS_BYTE *image, CS_INT offset) noexcept {
   return reinterpret_cast<Map *>(image + static_cast<CS_UINT>(offset));
 }
 
 void describe_class2(CS_BYTE *image, CS_ATTRIB *chatr) noexcept {
-  auto header = comn::load<cs_2class>(image);
-  for (CS_INT *const number :
-       {&header.off_width, &header.size_width, &header.off_norm, &header.size_norm,
-        &header.off_type, &header.size_type, &header.off_soundex, &header.size_soundex})
-    *number = static_cast<CS_INT>(__builtin_bswap32(static_cast<CS_UINT>(*number)));
+  const cs_2class header = comn::in_host_order(comn::load<cs_2class>(image));
   comn::store(image, header);
   chatr->cs_status = header.cs_status;
   chatr->cs_class = header.cs_class;

@@ -43,17 +43,16 @@ def bytes_of(form, width, number):
 
 class Mapping:
     """A set. `decode` has the text of each code, one character or seldom two. Codes in `decode_only` are
-    read and never written; `encode_only` has characters that are written and never read."""
+    read and never written."""
 
     def __init__(self, name, cid, form, source):
         self.name, self.cid, self.form, self.source = name, cid, form, source
-        self.decode, self.decode_only, self.encode_only = {}, set(), {}
+        self.decode, self.decode_only = {}, set()
 
     @property
     def encode(self):
         """The code of each text. A pair of characters comes before its first one."""
-        codes = {text: code for code, text in self.decode.items() if code not in self.decode_only}
-        return codes | self.encode_only
+        return {text: code for code, text in self.decode.items() if code not in self.decode_only}
 
     def width_groups(self):
         """The widths of the codes, each with its sorted (number, text)."""
@@ -123,9 +122,6 @@ def dump(mapping, base=None):
               for code in sorted(mapping.decode_only - own_base.decode_only)]
     lines += [f"both-ways {code.hex().upper()}"
               for code in sorted((own_base.decode_only - mapping.decode_only) & set(mapping.decode))]
-    lines += [f"encode-only {code.hex().upper()} {_spell(text)}"
-              for text, code in sorted(mapping.encode_only.items())
-              if own_base.encode_only.get(text) != code]
     return "\n".join(lines) + "\n"
 
 
@@ -157,7 +153,6 @@ def _line(mapping, key, items):
         base = load(items[0])
         mapping.decode = dict(base.decode)
         mapping.decode_only = set(base.decode_only)
-        mapping.encode_only = dict(base.encode_only)
     elif key == "without":
         del mapping.decode[bytes.fromhex(items[0])]
         mapping.decode_only.discard(bytes.fromhex(items[0]))
@@ -165,8 +160,6 @@ def _line(mapping, key, items):
         mapping.decode_only.add(bytes.fromhex(items[0]))
     elif key == "both-ways":
         mapping.decode_only.remove(bytes.fromhex(items[0]))
-    elif key == "encode-only":
-        mapping.encode_only[_text(items[1])] = bytes.fromhex(items[0])
     elif re.fullmatch(r"([0-9A-F]{2}){1,4}", key):
         code = bytes.fromhex(key)
         number = number_of(mapping.form, code)

@@ -1,5 +1,9 @@
 // Converters: how they are made, what they are told, and the calls that convert.
+#include <pthread.h>
+
 #include <algorithm>
+#include <climits>
+#include <cstring>
 #include <new>
 
 #include "tables.h"
@@ -22,8 +26,16 @@ Outcome decode(const uniconv_converter &converter, UChar16 *dest, size_t room,
     return decode_one_byte(static_cast<const OneByteTable &>(*converter.table), dest, room, source);
   case Form::utf8:
     return decode_utf8(dest, room, source);
-  default:
+  case Form::utf16:
     return decode_utf16(dest, room, source);
+  case Form::rcsu:
+    return decode_rcsu(dest, room, source);
+  case Form::shifted:
+    return decode_shifted(static_cast<const MultiByteTable &>(*converter.table), dest, room,
+                          source);
+  default:
+    return decode_multi_byte(static_cast<const MultiByteTable &>(*converter.table), dest, room,
+                             source);
   }
 }
 
@@ -36,12 +48,95 @@ Outcome encode(const uniconv_converter &converter, UChar8 *dest, size_t room, co
                            room, source, count);
   case Form::utf8:
     return encode_utf8(substitutes, dest, room, source, count);
-  default:
+  case Form::utf16:
     return encode_utf16(substitutes, dest, room, source, count);
+  case Form::rcsu:
+    return encode_rcsu(substitutes, dest, room, source, count);
+  case Form::shifted:
+    return encode_shifted(static_cast<const MultiByteTable &>(*converter.table), substitutes, dest,
+                          room, source, count);
+  default:
+    return encode_multi_byte(static_cast<const MultiByteTable &>(*converter.table), substitutes,
+                             dest, room, source, count);
   }
 }
 
-int make(UNICONV_CID cid, CVTH *handle) noexcept {
+bool has_replacement(const UChar16 *text) noexcept {
+  while (*text != 0 && *text != replacement)
+    ++text;
+  return *text != 0;
+}
+
+// The tables in use, which all converters of the process share.
+pthread_mutex_t tables_lock = PTHREAD_MUTEX_INITIALIZER;
+Table *tables = nullptr;
+
+bool is_same(const char *one, const char *other) noexcept {
+  return one == nullptr || other == nullptr ? one == other : std::strcmp(one, other) == 0;
+}
+
+// The copy of a directory's name that a table keeps; false when there is no memory.
+bool keep_directory(Table &table, const char *directory) noexcept {
+  if (directory == nullptr)
+    return true;
+  const size_t size = std::strlen(directory) + 1;
+  table.directory = static_cast<char *>(comn_malloc(size));
+  if (table.directory == nullptr)
+    return false;
+  std::memcpy(table.directory, directory, size);
+  return true;
+}
+
+// The table of a set, read if nobody has it yet; null with the reason in `*code`.
+Table *read_table(const Set &set, const char *directory, int *code) noexcept {
+  char home[PATH_MAX];
+  if (directory == nullptr &&
+      (intl_home(home, sizeof home) < 1 ||
+       intl_strlcat(home, "/charsets/unicode", sizeof home) >= sizeof home)) {
+    *code = UNICONV_ENOTABLE;
+    return nullptr;
+  }
+  Table *const table = load_table(set, directory != nullptr ? directory : home, code);
+  if (table == nullptr)
+    return nullptr;
+  if (!keep_directory(*table, directory)) {
+    comn_free(table);
+    *code = UNICONV_ENOMEM;
+    return nullptr;
+  }
+  table->next = tables;
+  return tables = table;
+}
+
+// Null, and the reason in `*code`. To be given back with release.
+Table *acquire(const Set &set, const char *directory, int *code) noexcept {
+  pthread_mutex_lock(&tables_lock);
+  Table *table = tables;
+  while (table != nullptr && (table->set != &set || !is_same(table->directory, directory)))
+    table = table->next;
+  if (table == nullptr)
+    table = read_table(set, directory, code);
+  if (table != nullptr)
+    ++table->users;
+  pthread_mutex_unlock(&tables_lock);
+  return table;
+}
+
+void release(Table *table) noexcept {
+  pthread_mutex_lock(&tables_lock);
+  if (--table->users == 0) {
+    Table **link = &tables;
+    while (*link != table)
+      link = &(*link)->next;
+    *link = table->next;
+    comn_free(table->directory);
+    comn_free(table);
+  }
+  pthread_mutex_unlock(&tables_lock);
+}
+
+// `directory` is null for the home directory.
+int make(UNICONV_CID cid, const char *directory, CVTH *handle) noexcept {
   *handle = nullptr;
   const Set *const set = find_set(cid);
   if (set == nullptr)
@@ -49,9 +144,15 @@ int make(UNICONV_CID cid, CVTH *handle) noexcept {
   void *const block = comn_malloc(sizeof(uniconv_converter));
   if (block == nullptr)
     return UNICONV_ENOMEM;
+  int code = UNICONV_SUCCEED;
+  Table *table = built_in(cid);
+  if (set->file != nullptr && (table = acquire(*set, directory, &code)) == nullptr) {
+    comn_free(block);
+    return code;
+  }
   const Substitutes substitutes =
       set->ebcdic ? Substitutes{0x6F, 0xFEFE} : Substitutes{'?', '?' << 8 | '?'};
-  *handle = new (block) uniconv_converter{set, built_in(cid), substitutes};
+  *handle = new (block) uniconv_converter{set, table, substitutes};
   return UNICONV_SUCCEED;
 }
 
@@ -65,7 +166,7 @@ void i18nuni_RequestSetDefaults(I18NUNI_REQUEST *request) noexcept {
 }
 
 int uniconv_HandleGet(UNICONV_CID cid, CVTH *handle) noexcept {
-  return handle != nullptr ? zrvunic::make(cid, handle) : UNICONV_EINVAL;
+  return handle != nullptr ? zrvunic::make(cid, nullptr, handle) : UNICONV_EINVAL;
 }
 
 int uniconv_HandleGetU(UNICONV_CID cid, const I18NUNI_REQUEST *request, const UChar16 *path,
@@ -77,10 +178,19 @@ int uniconv_HandleGetU(UNICONV_CID cid, const I18NUNI_REQUEST *request, const UC
   if (reserved != 0 || directory < I18NUNI_DIR_HOME || directory > I18NUNI_DIR_PATH ||
       (directory == I18NUNI_DIR_PATH && path == nullptr))
     return UNICONV_EINVAL;
-  return zrvunic::make(cid, handle);
+  if (directory == I18NUNI_DIR_CURRENT)
+    return zrvunic::make(cid, ".", handle);
+  if (directory == I18NUNI_DIR_HOME || zrvunic::has_replacement(path))
+    return zrvunic::make(cid, nullptr, handle);
+  UChar8 bytes[4001];
+  if (uniutf8_unistrToUTF8(bytes, sizeof bytes, path, nullptr) < 1)
+    return UNICONV_ENOTABLE;
+  return zrvunic::make(cid, reinterpret_cast<const char *>(bytes), handle);
 }
 
 int uniconv_HandleFree(CVTH handle) noexcept {
+  if (handle != nullptr && handle->set->file != nullptr)
+    zrvunic::release(handle->table);
   comn_free(handle);
   return UNICONV_SUCCEED;
 }

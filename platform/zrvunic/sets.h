@@ -50,6 +50,7 @@ struct Table {
   Table *next = nullptr;     // in the list of those in use
   size_t users = 0;          // handles
   char *directory = nullptr; // the one that the caller named; null for the home directory
+  bool ascii = false;        // bytes below 0x80 are ASCII and nothing else is
 };
 
 // The sets that need no table. Each turns text that ends at a NUL into at most `room` units, and `count`
@@ -65,6 +66,7 @@ Outcome encode_rcsu(const Substitutes &substitutes, UChar8 *dest, size_t room,
                     const UChar16 *source, size_t count) noexcept;
 
 constexpr UChar16 replacement = 0xFFFD;
+constexpr uint32_t last_character = 0x10FFFF;
 
 constexpr bool is_surrogate(uint32_t unit) noexcept {
   return (unit & 0xF800) == 0xD800;

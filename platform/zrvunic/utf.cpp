@@ -148,19 +148,17 @@ Progress to_utf8(UChar8 *dest, size_t room, const UChar16 *source, size_t count,
     dest += run;
     for (int ascii = 0; source < end && ascii < 3;) {
       size_t units = 0;
-      const uint32_t character = take(source, static_cast<size_t>(end - source), units);
+      bool lacks = false;
+      uint32_t character = take(source, static_cast<size_t>(end - source), units);
       if (is_surrogate(character)) [[unlikely]] {
         if (substitute == 0) {
           result = Progress::malformed;
           goto out;
         }
-        if (dest == limit) {
-          result = Progress::full;
-          goto out;
-        }
-        *dest++ = substitute;
-        *lost = true;
-      } else if (utf8_size(character) > static_cast<size_t>(limit - dest)) {
+        character = substitute;
+        lacks = true;
+      }
+      if (utf8_size(character) > static_cast<size_t>(limit - dest)) {
         result = Progress::full;
         goto out;
       } else if (character < 0x80) {
@@ -170,6 +168,8 @@ Progress to_utf8(UChar8 *dest, size_t room, const UChar16 *source, size_t count,
         dest = write(dest, character);
         ascii = 0;
       }
+      if (lacks)
+        *lost = true;
       source += units;
     }
   }

@@ -1,12 +1,14 @@
 #include "sort_order_reference.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <set>
 
-#include "section_reference.h"
+#include "text_file.h"
 #include "zrvcomn/comnlib.h"
+#include "zrvcomn/zrvintl.h"
 
 namespace zrvtest {
 
@@ -22,45 +24,35 @@ struct Refused {
   throw Refused{CS_FAIL};
 }
 
-// The events of a file, asked for as a reader is asked.
+// A file as the library's reader hands it out.
 class Cursor {
 public:
-  explicit Cursor(std::string_view file) : events(read_sections_slowly(file)) {}
-
-  std::optional<std::string> section() { return find({SectionEvent::section}); }
-  std::optional<std::string> entry() { return find({SectionEvent::entry, SectionEvent::section}); }
-  std::optional<std::string> value() {
-    return find({SectionEvent::value, SectionEvent::entry, SectionEvent::section});
+  explicit Cursor(std::string_view bytes) : text(bytes) {
+    if (intl_open(text.path(), &file) != 0)
+      std::abort();
   }
+  ~Cursor() { intl_close(&file); }
+  Cursor(const Cursor &) = delete;
+  Cursor &operator=(const Cursor &) = delete;
+
+  std::optional<std::string> section() { return answer(intl_nextsection); }
+  std::optional<std::string> entry() { return answer(intl_nextentry); }
+  std::optional<std::string> value() { return answer(intl_nextvalue); }
 
 private:
-  // The next event of the first kind, unless one of the others comes first.
-  std::optional<std::string> find(const std::vector<SectionEvent::Kind> &kinds) {
-    for (;; ++next) {
-      const SectionEvent &event = events[next];
-      if (event.kind == SectionEvent::end) {
-        if (event.status < 0)
-          throw Refused{COM_INTL_ERROR, event.status};
-        return std::nullopt;
-      }
-      const auto kind = std::find(kinds.begin(), kinds.end(), event.kind);
-      if (kind == kinds.end())
-        continue;
-      if (kind != kinds.begin())
-        return std::nullopt;
-      ++next;
-      return event.text;
-    }
+  // Up to its first NUL, which is where every text ends.
+  std::optional<std::string> answer(char *(*next)(INTL_LOCFILE *, int *)) {
+    int status = 0;
+    if (const char *const found = next(&file, &status))
+      return found;
+    if (status < 0)
+      throw Refused{COM_INTL_ERROR, status};
+    return std::nullopt;
   }
 
-  std::vector<SectionEvent> events;
-  size_t next = 0;
+  TextFile text;
+  INTL_LOCFILE file;
 };
-
-// A text ends at its first NUL.
-std::string text_of(const std::string &value) {
-  return value.c_str();
-}
 
 struct Slot {
   std::string bytes;
@@ -116,14 +108,14 @@ private:
   }
 
   int truth() {
-    const std::string text = text_of(required_value());
+    const std::string text = required_value();
     if (text != "true" && text != "false")
       refuse();
     return text == "true";
   }
 
   void name(char *field) {
-    const std::string text = text_of(required_value());
+    const std::string text = required_value();
     if (text.empty() || text.size() >= 30 || com_isalpha(static_cast<CS_BYTE>(text[0])) == 0)
       refuse();
     for (const char c : text) {
@@ -154,7 +146,7 @@ private:
       } else if (*key == "menuname") {
         required_value();
       } else if (*key == "description") {
-        const std::string text = text_of(required_value());
+        const std::string text = required_value();
         if (text.size() >= 255)
           refuse();
         std::strcpy(header.descript, text.c_str());
@@ -208,7 +200,7 @@ private:
       const auto value = cursor.value();
       if (!value)
         refuse();
-      const std::string text = text_of(*value);
+      const std::string text = *value;
       const size_t begin = std::min(text.find_first_not_of(' '), text.size());
       const std::string word = text.substr(begin, 6);
       if (word != "after " && word != "equal ") {
@@ -282,7 +274,7 @@ private:
     int s = 0;
     std::optional<char> last;
     while (const auto value = cursor.value()) {
-      const std::string text = text_of(*value);
+      const std::string text = *value;
       if (text.empty())
         refuse();
       has_accents = has_accents || s > 1;

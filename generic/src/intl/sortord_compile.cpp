@@ -105,7 +105,8 @@ bool read_bases(const CS_CHAR *text, CS_BYTE type, LIGSTRUCT *ligs, CS_INT first
 }
 
 // The weights of one of the two characters of slot `slot`, as its byte number `tertiary` has them.
-// The slots before it that sort after the same character have taken the secondary weights before.
+// The slots before it that sort after the same character have taken the secondary weights before;
+// deliberately that counts for a slot that sorts equal as well.
 bool weigh_base(const SO_1CLASS *so, const LIGSTRUCT *ligs, CS_INT slot, CS_BYTE base,
                 CS_INT tertiary, LSC *weights) noexcept {
   const LSC own = so->lscs[base];

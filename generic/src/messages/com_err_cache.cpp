@@ -12,16 +12,17 @@
 #include "comerr.h"
 #include "from_utf8.h"
 #include "section_files.h"
+#include "table.h"
 #include "zrvintl.h"
 
-const CS_ERRSECTION Comlocsections[4] = {
+COMN_DEFINE_TABLE(Comlocsections) = {
     {COM_ERRSEC_DEFAULTS, "comdefaults"},
     {COM_ERRSEC_LAYER, "comlayer"},
     {COM_ERRSEC_ORIGIN, "comorigin"},
     {COM_ERRSEC_API, "comapierror"},
 };
 
-const CS_ERRIDX Comdeferrs[4] = {
+COMN_DEFINE_TABLE(Comdeferrs) = {
     {COM_ERRSEC_DEFAULTS, 1},
     {COM_ERRSEC_DEFAULTS, 2},
     {COM_ERRSEC_DEFAULTS, 3},
@@ -496,9 +497,9 @@ CS_RETCODE com_errinit(CsContext *context) noexcept {
     context->ctxcomerrhan = errhan;
   }
   errhan->err_locale = context->ctxlocale;
-  return COMN_TRACE(com_err_init(context, errhan, const_cast<CS_ERRSECTION *>(Comlocsections),
-                                 std::size(Comlocsections), const_cast<CS_ERRIDX *>(Comdeferrs),
-                                 std::size(Comdeferrs)));
+  return COMN_TRACE(com_err_init(context, errhan, const_cast<CS_ERRSECTION *>(own_Comlocsections),
+                                 std::size(own_Comlocsections), const_cast<CS_ERRIDX *>(own_Comdeferrs),
+                                 std::size(own_Comdeferrs)));
 }
 
 CS_RETCODE com_errdrop(CsContext *context) noexcept {

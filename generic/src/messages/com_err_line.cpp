@@ -6,9 +6,10 @@
 
 #include "checks.h"
 #include "comerr.h"
+#include "table.h"
 #include "zrvintl.h"
 
-const CS_STRINGS Msgfailures[5] = {
+COMN_DEFINE_TABLE(Msgfailures) = {
     {1, "unable to get string due to lack of memory"}, {2, "unable to get layer message string"},
     {3, "unable to get origin message string"},        {4, "unable to get error string"},
     {CS_UNUSED, "bad default error number"},
@@ -119,7 +120,7 @@ CS_RETCODE com__get_failerr(CsContext *context, CS_ERRHAN *errhan, CS_MSGNUM fal
   CS_ERRIDX index = {COM_ERRSEC_DEFAULTS, fallback};
   if (com_err_msg(context, errhan, &index, errstr) == CS_SUCCEED)
     return COMN_TRACE(CS_SUCCEED);
-  const CS_STRINGS *row = Msgfailures;
+  const CS_STRINGS *row = own_Msgfailures;
   while (row->key != fallback && row->key != CS_UNUSED)
     ++row;
   COMN_CHECK(row->key != CS_UNUSED, COMN_TRACE(CS_FAIL));

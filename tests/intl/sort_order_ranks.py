@@ -1,0 +1,46 @@
+"""The ranks of the characters of each set by ICU's collator, at the levels that each shipped order has,
+as sort_order_ranks.cpp reads them. Run with a Python that has the module icu."""
+import sys
+from pathlib import Path
+
+import icu
+
+source_dir = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(source_dir / "data"))
+import generate_sort_orders as generator  # noqa: E402
+
+LEVELS = {"noaccent": icu.Collator.PRIMARY, "nocase": icu.Collator.SECONDARY,
+          "nocasepref": icu.Collator.SECONDARY}
+# What sorts as one letter, as far as two bytes go; the other case forms follow.
+DIGRAPHS = {"croatian": ("dž", "lj", "nj"), "czech": ("ch",), "danish": ("aa",),
+            "hungarian": ("cs", "dz", "gy", "ly", "ny", "sz", "ty", "zs"), "norwegian": ("aa",),
+            "slovak": ("ch",), "spanish_traditional": ("ch", "ll")}
+
+
+def ranks(charset, order):
+    locale = generator.NATIONAL[order][0] if order in generator.NATIONAL else "und"
+    collator = icu.Collator.createInstance(icu.Locale(locale))
+    collator.setStrength(LEVELS.get(order, icu.Collator.TERTIARY))
+    decode = {code: text for code, text in generator.decode_of(charset).items() if code != b"\0"}
+    codes = {text: code for code, text in decode.items()}
+    for digraph in DIGRAPHS.get(order, ()):
+        for form in (digraph, digraph.capitalize(), digraph.upper()):
+            decode[codes[form[0]] + codes[form[1]]] = form
+    ignored = icu.Collator.createInstance(icu.Locale(locale))
+    keys = {code: collator.getSortKey(text) for code, text in decode.items()
+            if ignored.getSortKey(text) != ignored.getSortKey("")}
+    rank = {key: number for number, key in enumerate(sorted(set(keys.values())))}
+    return {code: rank[key] for code, key in keys.items()}
+
+
+def main():
+    for path in sorted((source_dir / "home/charsets").glob("*/*.srt")):
+        charset, order = path.parent.name, path.stem
+        print("order", charset, order)
+        if order != "binary":
+            for code, rank in ranks(charset, order).items():
+                print(code.hex(), rank)
+
+
+if __name__ == "__main__":
+    main()

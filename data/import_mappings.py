@@ -257,7 +257,13 @@ def settle(mapping):
     mapping.decode_only &= set(mapping.decode)
 
 
+# Its charmap leaves out what has two characters; the converter of the C library knows them.
+PAIRS = {"8862": "\u00ca\u0304", "8864": "\u00ca\u030c", "88A3": "\u00ea\u0304", "88A5": "\u00ea\u030c"}
+
+
 def subset(mapping):
+    if mapping.name == "big5hk":
+        mapping.decode |= {bytes.fromhex(code): text for code, text in PAIRS.items()}
     if mapping.name == "deckanji":  # ASCII and JIS X 0208
         mapping.decode = {code: text for code, text in mapping.decode.items()
                           if (len(code) == 1 and code[0] < 0x80) or (len(code) == 2 and code[0] >= 0xA1)}

@@ -61,14 +61,12 @@ Outcome encode_one_byte(const OneByteTable &table, const Substitutes &substitute
   UChar8 *const limit = dest + room;
   bool lost = false;
   while (source < end && dest < limit) {
-    const size_t left =
-        std::min(static_cast<size_t>(end - source), static_cast<size_t>(limit - dest));
+    size_t left = std::min(static_cast<size_t>(end - source), static_cast<size_t>(limit - dest));
     if (table.ascii) {
       const size_t done = narrow_ascii(dest, source, left);
       source += done;
       dest += done;
-      if (done == left)
-        break;
+      left -= done;
     }
     // Never more bytes than units, so the room holds.
     for (const UChar16 *const stretch = source + std::min<size_t>(left, 32); source < stretch;) {

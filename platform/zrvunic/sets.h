@@ -68,14 +68,15 @@ Outcome encode_rcsu(const Substitutes &substitutes, UChar8 *dest, size_t room,
 constexpr UChar16 replacement = 0xFFFD;
 constexpr uint32_t last_character = 0x10FFFF;
 
-constexpr bool is_surrogate(uint32_t unit) noexcept {
-  return (unit & 0xF800) == 0xD800;
+// Of units and of characters: U+1D800 is none.
+constexpr bool is_surrogate(uint32_t character) noexcept {
+  return character - 0xD800 < 0x800;
 }
-constexpr bool is_high(uint32_t unit) noexcept {
-  return (unit & 0xFC00) == 0xD800;
+constexpr bool is_high(uint32_t character) noexcept {
+  return character - 0xD800 < 0x400;
 }
-constexpr bool is_low(uint32_t unit) noexcept {
-  return (unit & 0xFC00) == 0xDC00;
+constexpr bool is_low(uint32_t character) noexcept {
+  return character - 0xDC00 < 0x400;
 }
 constexpr uint32_t join(uint32_t high, uint32_t low) noexcept {
   return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);

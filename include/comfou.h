@@ -184,6 +184,46 @@ ZRV_TRANSCODER(com__fou_utf8_to_utf16);
 ZRV_TRANSCODER(com__fou_utf16_to_utf16);
 ZRV_TRANSCODER(com__fou_utf16_to_utf8);
 
+/* ---- conversion by the table ---- */
+
+/*
+ * Tells how text of one format is converted into another: COM_FOU_COPY for the same locale and for sets
+ * of the same number, else the table's word; COM_FOU_NONE when it does not have a set. A format without a
+ * locale has ctxlocale; the set is that of its ctypeptr, which must not be null. Returns CS_SUCCEED.
+ */
+ZRV_API CS_RETCODE com_intl_will_xlate(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt,
+                                       CS_INT *xlate_type) ZRV_NOEXCEPT;
+
+/*
+ * Converts text by the table.
+ *
+ * srcfmt    in   the length of the text in maxlength, at least 1; with the datatype CS_TYPE_VARCHAR
+ *                `src` is a CS_VARCHAR, whose own length counts
+ * src       in   the text; some functions change it, and com__fou_caseswap reads as much as there is
+ *                room
+ * destfmt   in   the room in maxlength, not negative; with CS_TYPE_VARCHAR `dest` is a CS_VARCHAR
+ * dest      out  the converted text, not terminated
+ * srcused   out  bytes of the source that were taken
+ * destused  out  bytes that were written
+ *
+ * Between the same sets the bytes are copied from `src` on: from a CS_VARCHAR its length comes first.
+ *
+ * Returns CS_SUCCEED; CS_CONV_NOXLATE, both counts 0, when the table has no conversion; CS_CONV_BADCHAR
+ * when something was replaced; CS_CONV_OVERFLOW when the text did not fit and nothing was replaced.
+ */
+ZRV_API CS_RETCODE com_intl_xlate(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,
+                                  CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *srcused,
+                                  CS_INT *destused) ZRV_NOEXCEPT;
+
+/* The function for two formats, null where com_intl_will_xlate tells COM_FOU_NONE or COM_FOU_COPY. Returns
+ * CS_SUCCEED. */
+ZRV_PRIVATE CS_RETCODE com__intl_get_xlate(CS_CONTEXT *context, CS_DATAFMT *srcfmt,
+                                           CS_DATAFMT *destfmt,
+                                           CS_XLATE_FUNC *xlate_func) ZRV_NOEXCEPT;
+
+/* The number of a locale's character set, that of its ctypeptr; 0 after a failed check. */
+ZRV_PRIVATE CS_INT com__intl_get_csid(CS_LOCALE *locale) ZRV_NOEXCEPT;
+
 ZRV_END_DECLS
 
 #endif

@@ -17,6 +17,7 @@
 #define ZRV_COMLOC_H
 
 #include "csintrn.h"
+#include "zrvunic.h"
 
 ZRV_BEGIN_DECLS
 
@@ -352,6 +353,175 @@ typedef struct _csloccache {
  */
 ZRV_API CS_RETCODE com_intl_getstr(CsLocale *locale, CS_INT lctype, CS_INT type, CS_CHAR *buf,
                                    CS_INT buflen, CS_INT *outlen) ZRV_NOEXCEPT;
+
+/* ---- conversion between character sets ----
+ *
+ * Text goes from any set into any other through Unicode, by the converters of libzrvunic (zrvunic.h).
+ * Text that is pure ASCII is copied without one. A pair of sets can have an algorithm of the user's
+ * instead. What has no counterpart becomes "?" and is not reported; text that does not fit is cut at a
+ * character. Conversions send no message. Two sets are the same when their records (CsCharDesc) are.
+ */
+
+/* A character set by number and by name, and its converter. */
+typedef struct csid_csname {
+  int csid;               /* the number, as cs_id of CHAR_ATTRIB has it */
+  CS_BYTE *csname;        /* NUL-terminated; a constant */
+  int len;                /* bytes of the name */
+  UNICONV_CID unilib_cid; /* UNICONV_CID_NONE without a converter */
+} CSID_CSNAME;
+
+/* All sets. Look-ups scan from the start. */
+extern ZRV_PRIVATE const CSID_CSNAME csid_name[172];
+
+/* The converter of a set, by the number of the set and by its exact name, NUL-terminated. Return
+ * CS_SUCCEED; CS_FAIL, nothing stored, for a set that csid_name does not have. `cuid` is the address of
+ * a UNICONV_CID. */
+ZRV_PRIVATE CS_RETCODE comn__get_unilib_cid(int csid, UNICONV_CID *cid) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE com_get_csid(CS_CHAR *charname, CS_VOID *cuid) ZRV_NOEXCEPT;
+
+/* An algorithm of the user's for a pair of sets, of the list usercharconv of a context. */
+typedef struct _cs_user_algo {
+  CS_CHAR from_charname[256]; /* the names as they were given, not terminated */
+  CS_INT from_charnamelen;
+  CS_CHAR to_charname[256];
+  CS_INT to_charnamelen;
+  CsOID *from_oid; /* the sets, borrowed from the table of identifiers */
+  CsOID *to_oid;
+  CS_CONV_FUNC user_conv_func;
+  CS_INT conv_multiplier; /* worst-case growth of the length */
+  struct _cs_user_algo *next;
+} CsUserAlgo;
+
+/* A character with no counterpart anywhere and the text that stands for it: the data of the list
+ * mnem_db of the data that contexts share. */
+typedef struct _unicode_mnem_string {
+  CS_USHORT unicode;
+  CS_CHAR *string;   /* owned */
+  CS_INT string_len; /* bytes */
+} UNICODE_MNEM_STRING;
+
+/* The converter that comn__convt_to_utf8 and comn__convt_from_utf8 use whatever the set, where it is not
+ * null; one of the application's for the set that it works with, which spares making one for each
+ * call. Not locked: to be set once, before there are threads. The application releases it. */
+extern ZRV_PRIVATE CVTH comn__persistent_handle;
+
+/* Sets it, and reads it. Setting returns CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_set_persistent_handle(CVTH handle) ZRV_NOEXCEPT;
+ZRV_PRIVATE CVTH comn__get_persistent_handle(void) ZRV_NOEXCEPT;
+
+/*
+ * Converts text from the set of one format's locale into that of another's. A format without a locale
+ * has ctxlocale.
+ *
+ * type       in   the category whose sets are meant, CS_LCTYPE_CTYPE to CS_LCTYPE_TIME
+ * srcfmt     in   the length of the text in maxlength; with the datatype CS_TYPE_VARCHAR `src` is a
+ *                 CS_VARCHAR, whose own length counts
+ * src        in   the text. A NUL in it ends it, unless it is ASCII or the sets are the same
+ * destfmt    in   the room in maxlength; with CS_TYPE_VARCHAR `dest` is a CS_VARCHAR
+ * dest       out  the converted text, not terminated
+ * resultlen  out  its length in bytes; 0 after a failure
+ *
+ * Negative lengths count as 0. Returns CS_SUCCEED, also when something was replaced; CS_CONV_TRUNCATED
+ * when the room ran out or the text ends within a character; CS_FAIL for a set without a converter, one
+ * whose table cannot be read, and text that cannot be read; CS_MEM_ERROR; what an algorithm of the user's
+ * returns, which gets the call's own arguments. Between the same sets a cut text is CS_SUCCEED.
+ *
+ * Towards the UTF-8 that all contexts share the call is passed to comn__convt_to_utf8 as it came in:
+ * `src` then counts as maxlength bytes and `dest` is written from its first byte, CS_VARCHAR or not.
+ *
+ * Fatal are another `type`, and a locale, a cache or a character set that is not there.
+ */
+ZRV_API CS_RETCODE comn_charset_convert(CS_CONTEXT *context, CS_INT type, CS_DATAFMT *srcfmt,
+                                        CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
+                                        CS_INT *resultlen) ZRV_NOEXCEPT;
+
+/*
+ * Convert to UTF-8 and from it.
+ *
+ * match_mode  in   carried, not examined
+ * srcfmt      in   the length of the source in maxlength; its locale and datatype are not looked at
+ * src_lcache  in   the cache whose character set the source has
+ * destlen     in   the room in bytes
+ * srclen      in   the length of the source
+ * destfmt     in   the room in maxlength
+ * dest_lcache in   the cache whose character set is wanted
+ *
+ * What is not told here is as in comn_charset_convert; but between the same sets too a cut text is
+ * CS_CONV_TRUNCATED, and text that ends within a character, malformed UTF-8 and a source of 0x3FFFFFFF
+ * bytes or more are CS_FAIL. From UTF-8 ASCII is converted like any other text, and a failing
+ * com_path_charfile gives its code.
+ */
+ZRV_PRIVATE CS_RETCODE comn__convt_to_utf8(CS_CONTEXT *context, CS_INT match_mode,
+                                           CS_DATAFMT *srcfmt, CsLocCache *src_lcache, CS_VOID *src,
+                                           CS_VOID *dest, CS_INT destlen,
+                                           CS_INT *resultlen) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__convt_from_utf8(CS_CONTEXT *context, CS_INT match_mode, CS_BYTE *src,
+                                             CS_INT srclen, CS_DATAFMT *destfmt,
+                                             CsLocCache *dest_lcache, CS_VOID *dest,
+                                             CS_INT *resultlen) ZRV_NOEXCEPT;
+
+/* Copies ASCII, at most `destlen` bytes. CS_SUCCEED; CS_CONV_TRUNCATED, `*resultlen` the room, when
+ * only a part fits, which is ASCII; CS_CONV_NOXLATE, `*resultlen` 0 and `dest` partly written, when there
+ * is a byte above 127 in what fits. The two may be the same text. */
+ZRV_PRIVATE CS_RETCODE comn__copy_ascii_only(UChar8 *dest, CS_INT destlen, UChar8 *src,
+                                             CS_INT srclen, CS_INT *resultlen) ZRV_NOEXCEPT;
+
+/*
+ * The worst-case growth in bytes of text that goes from the set of one locale to that of another; null
+ * stands for ctxlocale. 1 between the same sets, the multiplier of an algorithm of the user's, else that
+ * of the converters.
+ *
+ * type        in   the category whose sets are meant: CS_LCTYPE_MESSAGE to CS_LCTYPE_TIME; any other
+ *                  value means CS_LCTYPE_CTYPE
+ * multiplier  out  unchanged after a failure
+ *
+ * Returns CS_SUCCEED, or CS_FAIL for a set without a converter. The second function is the same for two
+ * caches with different sets.
+ */
+ZRV_API CS_RETCODE comn_convert_max_multiplier(CS_CONTEXT *context, CS_INT type, CS_LOCALE *srcloc,
+                                               CS_LOCALE *destloc, CS_INT *multiplier) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__convert_get_max_multiplier(CS_CONTEXT *context, CsLocCache *src_lcache,
+                                                        CsLocCache *dest_lcache,
+                                                        CS_INT *multiplier) ZRV_NOEXCEPT;
+
+/*
+ * Sets, reads or removes the algorithm of the user's for a pair of sets.
+ *
+ * action      in      CS_ACT_SET, CS_ACT_GET or CS_ACT_CLEAR; another one is fatal
+ * srccharset, in      the names of the sets, each with its length in bytes or CS_LEN_NULLTERM
+ * destcharset
+ * multiplier  in/out  worst-case growth; null sets 1, and asks for none
+ * func        in/out  the function; null from reading when there is none. Not looked at by removing,
+ *                     must not be null otherwise
+ *
+ * Setting again replaces function and multiplier. Removing the newest algorithm of all removes all of
+ * them, and does not release the others: remove the oldest first, or use comn_drop_user_charconv_list.
+ *
+ * Returns CS_SUCCEED; COM_UNKNOWN_NAME, before anything else is looked at, for a name that the class
+ * of character sets does not have; for a new algorithm CS_CONV_SYNTAX with a name of more than 256 bytes
+ * or of no explicit length, and CS_MEM_ERROR.
+ */
+ZRV_API CS_RETCODE comn_set_user_charset_convert(CS_CONTEXT *context, CS_INT action,
+                                                 CS_CHAR *srccharset, CS_INT srccharset_len,
+                                                 CS_CHAR *destcharset, CS_INT destcharset_len,
+                                                 CS_INT *multiplier,
+                                                 CS_CONV_FUNC *func) ZRV_NOEXCEPT;
+
+/* Releases the algorithms of a context and clears their list. Returns CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_drop_user_charconv_list(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* The algorithm for a pair of sets, by the records of their identifiers: CS_SUCCEED, or CS_FAIL with
+ * null. It belongs to the context. */
+ZRV_PRIVATE CS_RETCODE comn__get_user_charconv(CS_CONTEXT *context, CsOID *from_oid, CsOID *to_oid,
+                                               CsUserAlgo **useralgop) ZRV_NOEXCEPT;
+
+/* Releases the strings of the list mnem_db, then the list, and clears mnem_db; does nothing without a
+ * list. The records themselves belong to who made them. Returns CS_SUCCEED, or what the list manager
+ * returns. */
+ZRV_API CS_RETCODE comn_intl_drop_mnemdb(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* Releases the string of one record and clears it; null is allowed. Returns CS_SUCCEED. */
+ZRV_PRIVATE CS_RETCODE comn__drop_mnem_string(CS_VOID *item) ZRV_NOEXCEPT;
 
 ZRV_END_DECLS
 

@@ -1,6 +1,10 @@
-// The table of ten character sets: which pairs convert, and by which function.
+// Conversion by the table of ten character sets: which pairs convert, and by which function.
 #include "comfou.h"
 
+#include <cstring>
+
+#include "charconv.h"
+#include "checks.h"
 #include "table.h"
 
 namespace {
@@ -66,3 +70,112 @@ consteval XlateMap make_map() {
 } // namespace
 
 COMN_PUBLISH_TABLE(XlateMap, CS_FOU_XLT_MAP, Com_fou_xlt_map, [COM_FOU_SETS], make_map());
+
+namespace {
+
+constexpr CS_FOU_FUNCS same = {0, COM_FOU_COPY, nullptr};
+constexpr CS_FOU_FUNCS missing = {0, COM_FOU_NONE, nullptr};
+
+const CS_FOU_FUNCS &cell_of(CS_INT from, CS_INT to) noexcept {
+  if (from == to)
+    return same;
+  for (const CS_FOU_XLT_MAP &row : Com_fou_xlt_map_storage.rows)
+    if (row.csid == from)
+      for (const CS_FOU_FUNCS &cell : row.fou_funcs)
+        if (cell.csid == to)
+          return cell;
+  return missing;
+}
+
+const CHAR_ATTRIB *charset_of(const CS_LOCALE *locale) noexcept {
+  const auto *const cache = static_cast<const CsLocCache *>(locale->ctypeptr);
+  return cache->locchardesc != nullptr ? cache->locchardesc->char_attrib : nullptr;
+}
+
+// How text of one format becomes text of another; null after a failed check.
+const CS_FOU_FUNCS *find_cell(CS_CONTEXT *context, CS_DATAFMT *srcfmt,
+                              CS_DATAFMT *destfmt) noexcept {
+  COMN_CHECK_PTR(context, nullptr);
+  COMN_CHECK_PTR(srcfmt, nullptr);
+  COMN_CHECK_PTR(destfmt, nullptr);
+  CS_LOCALE *const from = comn::locale_of(context, srcfmt);
+  CS_LOCALE *const to = comn::locale_of(context, destfmt);
+  COMN_CHECK_PTR(from, nullptr);
+  COMN_CHECK_PTR(to, nullptr);
+  COMN_CHECK_PTR(from->ctypeptr, nullptr);
+  COMN_CHECK_PTR(to->ctypeptr, nullptr);
+  if (from == to)
+    return &same;
+  const CHAR_ATTRIB *const from_set = charset_of(from);
+  const CHAR_ATTRIB *const to_set = charset_of(to);
+  COMN_CHECK_PTR(from_set, nullptr);
+  COMN_CHECK_PTR(to_set, nullptr);
+  return &cell_of(from_set->cs_id, to_set->cs_id);
+}
+
+} // namespace
+
+CS_INT com__intl_get_csid(CS_LOCALE *locale) noexcept {
+  COMN_CHECK_PTR(locale, 0);
+  COMN_CHECK_PTR(locale->ctypeptr, 0);
+  const CHAR_ATTRIB *const set = charset_of(locale);
+  COMN_CHECK_PTR(set, 0);
+  return set->cs_id;
+}
+
+CS_RETCODE com__intl_get_xlate(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt,
+                               CS_XLATE_FUNC *xlate_func) noexcept {
+  COMN_CHECK_PTR(xlate_func, COMN_TRACE(CS_FAIL));
+  const CS_FOU_FUNCS *const cell = find_cell(context, srcfmt, destfmt);
+  if (cell == nullptr)
+    return COMN_TRACE(CS_FAIL);
+  *xlate_func = cell->xlate_func;
+  return COMN_TRACE(CS_SUCCEED);
+}
+
+CS_RETCODE com_intl_will_xlate(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt,
+                               CS_INT *xlate_type) noexcept {
+  COMN_CHECK_PTR(xlate_type, COMN_TRACE(CS_FAIL));
+  const CS_FOU_FUNCS *const cell = find_cell(context, srcfmt, destfmt);
+  if (cell == nullptr)
+    return COMN_TRACE(CS_FAIL);
+  *xlate_type = cell->xlate_type;
+  return COMN_TRACE(CS_SUCCEED);
+}
+
+CS_RETCODE com_intl_xlate(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,
+                          CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *srcused,
+                          CS_INT *destused) noexcept {
+  COMN_CHECK_PTR(src, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(dest, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(srcused, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(destused, COMN_TRACE(CS_FAIL));
+  const CS_FOU_FUNCS *const cell = find_cell(context, srcfmt, destfmt);
+  if (cell == nullptr)
+    return COMN_TRACE(CS_FAIL);
+  if (cell->xlate_type == COM_FOU_NONE) {
+    *srcused = *destused = 0;
+    return COMN_TRACE(CS_CONV_NOXLATE);
+  }
+  const comn::TextRange text = comn::text_of(srcfmt, src);
+  const comn::TextRange room = comn::room_of(destfmt, dest);
+  COMN_CHECK(text.length >= 1, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(room.length >= 0, COMN_TRACE(CS_FAIL));
+
+  if (cell->xlate_type == COM_FOU_COPY) {
+    const CS_INT length = std::min(text.length, room.length);
+    // Deliberately from the very start of the source, also where a length stands in front of its text.
+    if (text.bytes != room.bytes)
+      std::memmove(room.bytes, src, static_cast<size_t>(length));
+    *srcused = *destused = length;
+    comn::store_length(destfmt, dest, length);
+    return COMN_TRACE(length < text.length ? CS_CONV_OVERFLOW : CS_SUCCEED);
+  }
+
+  const int bits =
+      cell->xlate_func(text.bytes, text.length, room.bytes, room.length, srcused, destused);
+  comn::store_length(destfmt, dest, *destused);
+  if ((bits & COM_FOU_BADCHAR) != 0)
+    return COMN_TRACE(CS_CONV_BADCHAR);
+  return COMN_TRACE((bits & COM_FOU_OVERFLOW) != 0 ? CS_CONV_OVERFLOW : CS_SUCCEED);
+}

@@ -198,6 +198,9 @@
   ROW(CsCharDesc, 20) \
   ROW(CS_FOU_FUNCS, 12) \
   ROW(CS_FOU_XLT_MAP, 124) \
+  ROW(CSID_CSNAME, 16) \
+  ROW(CsUserAlgo, 540) \
+  ROW(UNICODE_MNEM_STRING, 12) \
   ROW(CS_LOCALE, 32) \
   ROW(CsLocale, 32) \
   ROW(CS_THREAD, 40) \
@@ -381,6 +384,22 @@
   ROW(CS_FOU_FUNCS, xlate_func, 8) \
   ROW(CS_FOU_XLT_MAP, csid, 0) \
   ROW(CS_FOU_XLT_MAP, fou_funcs, 4) \
+  ROW(CSID_CSNAME, csid, 0) \
+  ROW(CSID_CSNAME, csname, 4) \
+  ROW(CSID_CSNAME, len, 8) \
+  ROW(CSID_CSNAME, unilib_cid, 12) \
+  ROW(CsUserAlgo, from_charname, 0) \
+  ROW(CsUserAlgo, from_charnamelen, 256) \
+  ROW(CsUserAlgo, to_charname, 260) \
+  ROW(CsUserAlgo, to_charnamelen, 516) \
+  ROW(CsUserAlgo, from_oid, 520) \
+  ROW(CsUserAlgo, to_oid, 524) \
+  ROW(CsUserAlgo, user_conv_func, 528) \
+  ROW(CsUserAlgo, conv_multiplier, 532) \
+  ROW(CsUserAlgo, next, 536) \
+  ROW(UNICODE_MNEM_STRING, unicode, 0) \
+  ROW(UNICODE_MNEM_STRING, string, 4) \
+  ROW(UNICODE_MNEM_STRING, string_len, 8) \
   ROW(CS_LOCALE, collateptr, 0) \
   ROW(CS_LOCALE, ctypeptr, 4) \
   ROW(CS_LOCALE, messageptr, 8) \

@@ -74,7 +74,8 @@ def declared(headers, node_of_marker):
     names = {node: set() for node in node_of_marker.values()}
     for header in headers:
         markers = [f"-D{marker}={marker}_MARK" for marker in node_of_marker]
-        text = run(build.c_compiler, *project.c_flags, "-std=c99", "-E", *markers, header)
+        text = run(build.c_compiler, *project.c_flags, "-std=c99", "-E", *markers,
+                   f"-I{build.binary_dir}/include/zrvcomn", header)
         own = []  # what stands in the header itself, not in those that it includes
         inside = False
         for line in text.splitlines():

@@ -378,6 +378,9 @@ typedef struct char_map {
 #define CS_CTYPE_GRAPH 64
 #define CS_CTYPE_LEAD 128 /* the first byte of two, see charset.h */
 
+/* The char_lex of a currency symbol. */
+#define CS_LEX_CURRENCY 64
+
 extern ZRV_PRIVATE const CHAR_MAP Com_Iso1_charmap[256];
 extern ZRV_PRIVATE const CHAR_MAP *const Com_charmap;
 

@@ -10,6 +10,7 @@
 #ifndef ZRV_NUMERIC_H
 #define ZRV_NUMERIC_H
 
+#include "charset.h"
 #include "csintrn.h"
 #include "cspublic.h"
 
@@ -391,6 +392,107 @@ ZRV_PRIVATE void comn__mny16div(CS_MONEY *num, CS_INT den, CS_MONEY *res) ZRV_NO
 /* Shifts the count right, keeping its sign, by one bit for each significant bit of the magnitude of
  * `value`: 5 shifts by 3. NUME_OK; a null pointer is fatal, NUME_OVERFLOW. */
 ZRV_PRIVATE int com__mnyshift(CS_MONEY *m1, CS_INT value) ZRV_NOEXCEPT;
+
+/* ---- money from and to text, integers and doubles ---- */
+
+/*
+ * Text to money. In front of the number stand one sign, one currency symbol (CS_LEX_CURRENCY) and
+ * blanks, each at most once but for the blanks, in any order; behind it white space alone. The number
+ * is digits with a point; its first comma may follow one to three digits or none, each later one
+ * follows three, and three digits or more follow the last one, whatever part of the number they
+ * belong to. The fifth decimal alone rounds, half away from zero. Nothing, or nothing but blanks, is
+ * zero.
+ *
+ * mp, m4p  out  the value; after a failure of com__mnyfromchar_mb the digits that had been read, as a
+ *               count; com__mny4fromchar_mb writes the nearest value when the number is a CS_MONEY,
+ *               and nothing after another failure
+ * icp      in   the text
+ * ilen     in   its length in bytes; below 1 the text is empty
+ * style    in   no effect
+ * chatr    in   its character set; null for the built-in one
+ *
+ * NUME_OK; NUME_OVERFLOW; NUME_SYNTAX. Another null pointer is fatal, NUME_OVERFLOW.
+ */
+ZRV_PRIVATE int com__mnyfromchar_mb(CS_MONEY *mp, CS_CHAR *icp, CS_INT ilen, CS_INT style,
+                                    CS_ATTRIB *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mny4fromchar_mb(CS_MONEY4 *m4p, CS_CHAR *icp, CS_INT ilen, CS_INT style,
+                                     CS_ATTRIB *chatr) ZRV_NOEXCEPT;
+
+/*
+ * Money to text, right-aligned in `len` bytes at cp, no NUL: a pointer to the first character, or
+ * null when there is no room (nothing is written then). 25 bytes hold every value.
+ *
+ * style  in  the low byte: 1 for a comma before each three digits of the whole number, any other for
+ *            none; the bits above it: the decimals, 4 for more than 4 and 2 for 0
+ *
+ * Dropped decimals round half away from zero, by the last of them alone; a negative value keeps its
+ * sign when nothing else is left of it. With commas, the byte before a number of three, six or more
+ * such digits becomes a blank, if it is one of the `len`. A null pointer is fatal, null.
+ */
+ZRV_PRIVATE CS_CHAR *com__mnytochar(CS_MONEY *mp, CS_CHAR *cp, CS_INT len,
+                                    CS_INT style) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_CHAR *com__mny4tochar(CS_MONEY4 *m4p, CS_CHAR *cp, CS_INT len,
+                                     CS_INT style) ZRV_NOEXCEPT;
+
+/* Between the sizes. com__mnytomny4 returns 4, or -1 with the nearest value. A null pointer is fatal,
+ * -1. */
+ZRV_PRIVATE void com__mny4tomny(CS_MONEY4 *m4p, CS_MONEY *mp) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__mnytomny4(CS_MONEY *mp, CS_MONEY4 *m4p) ZRV_NOEXCEPT;
+
+/* Money to integers, rounded half away from zero. NUME_OK; NUME_OVERFLOW with the nearest integer,
+ * but with nothing stored for a negative value that goes to an unsigned one. The integer may stand at
+ * any address. A null pointer is fatal, NUME_OVERFLOW. */
+ZRV_PRIVATE int com__mnytoint(CS_MONEY *mp, CS_INT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnytoint8(CS_MONEY *mp, CS_BIGINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnytouint(CS_MONEY *mp, CS_UINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mnytouint8(CS_MONEY *mp, CS_UBIGINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mny4toint(CS_MONEY4 *m4p, CS_INT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mny4toint8(CS_MONEY4 *m4p, CS_BIGINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mny4touint(CS_MONEY4 *m4p, CS_UINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__mny4touint8(CS_MONEY4 *m4p, CS_UBIGINT *ip) ZRV_NOEXCEPT;
+
+/* Integers to money. NUME_OK; NUME_OVERFLOW, which leaves the integer (at most 2 to the 63, less one)
+ * as the count of a CS_MONEY, and the nearest value in a CS_MONEY4. A null pointer is fatal,
+ * NUME_OVERFLOW. */
+ZRV_PRIVATE int com__inttomny(CS_MONEY *mp, CS_INT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__int8tomny(CS_MONEY *mp, CS_BIGINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__uinttomny(CS_MONEY *mp, CS_UINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__uint8tomny(CS_MONEY *mp, CS_UBIGINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__inttomny4(CS_MONEY4 *m4p, CS_INT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__int8tomny4(CS_MONEY4 *m4p, CS_BIGINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__uinttomny4(CS_MONEY4 *m4p, CS_UINT *ip) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__uint8tomny4(CS_MONEY4 *m4p, CS_UBIGINT *ip) ZRV_NOEXCEPT;
+
+/*
+ * Doubles and singles to money, rounded half away from zero.
+ *
+ * src      in   the number, at any address; null for zero
+ * srclen   in   0 for zero; otherwise not looked at
+ * dest     out  the value, at any address; zero after a failure
+ * destlen  in   not looked at
+ * style    in   no effect
+ *
+ * Return the length of the value, or -1 when it does not fit or is not a number. A null dest is
+ * fatal, -1.
+ */
+ZRV_PRIVATE CS_INT com__flt8tomny(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen,
+                                  CS_INT style) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__flt4tomny(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen,
+                                  CS_INT style) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__flt8tomny4(CS_VOID *src, CS_INT srclen, CS_VOID *dest,
+                                   CS_INT style) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__flt4tomny4(CS_VOID *src, CS_INT srclen, CS_VOID *dest,
+                                   CS_INT style) ZRV_NOEXCEPT;
+
+/* Money to doubles and singles: the two words apart, each as a double, and their sum; a CS_MONEY4 is
+ * divided by 10000. Lengths and style are not looked at. Return the length of the number. A null
+ * pointer is fatal, -1. */
+ZRV_PRIVATE CS_INT com__mnytoflt8(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen,
+                                  CS_INT style) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__mnytoflt4(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen,
+                                  CS_INT style) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__mny4toflt8(CS_VOID *src, CS_VOID *dest) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_INT com__mny4toflt4(CS_VOID *src, CS_VOID *dest) ZRV_NOEXCEPT;
 
 /* A sign, digits, and whatever follows them. errno: EINVAL, result 0, when no digit comes; ERANGE
  * with the largest or smallest value. zrvatoll takes "-" and then also "+", which wins ("-+5" is

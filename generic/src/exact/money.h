@@ -152,6 +152,14 @@ int divide_values(const Money *a, const Money *b, Money *quotient) noexcept {
   return store_result(quotient, divide(load_count(a), load_count(b)));
 }
 
+// Of a CS_MONEY to the size of a CS_MONEY4: false when the count does not fit, and the nearest one
+// then.
+inline bool narrow(int64_t count, int32_t &narrowed) noexcept {
+  using Limits = std::numeric_limits<int32_t>;
+  narrowed = static_cast<int32_t>(std::clamp<int64_t>(count, Limits::min(), Limits::max()));
+  return narrowed == count;
+}
+
 // ---- interfaces ----
 
 // Run an operation whose pointers must not be null: the internal one with its status, and the

@@ -10,7 +10,7 @@ using TypeMap = comn::Table<CS_TYPE_MAP, 1>;
 using SoundMap = comn::Table<CS_SOUNDEX, 1>;
 
 // Lexical classes.
-enum Lex : CS_BYTE { name = 1, digit = 2, control = 8, quote = 16, operation = 32, currency = 64 };
+enum Lex : CS_BYTE { name = 1, digit = 2, control = 8, quote = 16, operation = 32, currency = CS_LEX_CURRENCY };
 
 constexpr CS_BYTE upper_xdigit = CS_CTYPE_UPPER | CS_CTYPE_XDIGIT;
 constexpr CS_BYTE lower_xdigit = CS_CTYPE_LOWER | CS_CTYPE_XDIGIT;

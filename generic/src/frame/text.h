@@ -87,6 +87,24 @@ CS_BYTE to_ascii(const CHAR_ATTRIB &set, Place place) noexcept {
   return set.cs_type_map != nullptr ? set.cs_type_map->chmap[first].char_lower : first;
 }
 
+// Steps through a text, character by character. What stands behind its end is not read; a character
+// that the end cuts is the last one.
+class TextCursor {
+public:
+  TextCursor(const CHAR_ATTRIB &text_set, const CS_BYTE *text, CS_INT length) noexcept
+      : set(text_set), place{text, text + std::max(length, 0)} {}
+
+  bool more() const noexcept { return place.at < place.end; }
+  CS_BYTE ascii() const noexcept { return to_ascii(set, place); }
+  CHAR_MAP map() const noexcept { return char_map(set, place); }
+  const CS_BYTE *position() const noexcept { return place.at; }
+  void next() noexcept { place.at += length_inside(set, place); }
+
+private:
+  const CHAR_ATTRIB &set;
+  Within place;
+};
+
 } // namespace comn
 
 #endif

@@ -1,6 +1,6 @@
 /*
  * datetime.h - dates and times: cracking values into fields and making them from fields, ranges,
- * conversion between the value types, comparison, names, text, and arithmetic.
+ * conversion between the value types, comparison, names, text both ways, and arithmetic.
  *
  * The calendar is the proleptic Gregorian one for all years. The values:
  *
@@ -22,6 +22,7 @@
 #ifndef ZRV_DATETIME_H
 #define ZRV_DATETIME_H
 
+#include "charset.h"
 #include "csintrn.h"
 #include "cspublic.h"
 
@@ -307,6 +308,150 @@ ZRV_PRIVATE CS_INT com__cpchar(CS_CHAR *cp, CS_CHAR *str, CS_CHAR padchar,
 /* Writes a number in decimal, without a NUL, and returns the bytes written. Above `len` bytes, if
  * that is above 0, it writes a single "*" and returns 1. */
 ZRV_PRIVATE CS_INT com__itochar(CS_INT val, CS_CHAR *buf, CS_INT len) ZRV_NOEXCEPT;
+
+/* ---- from text ---- */
+
+/* One token of a text. C tells the record from the function of the same name by its tag. */
+struct com__datecrack {
+  int dctoken;  /* DT_ */
+  int dclength; /* digits of a number, 0 for others */
+  CS_INT
+      dcvalue; /* the number; the index of a month, or of am (0) or pm; -1 for ".", 0 for others */
+};
+
+/* Kinds of tokens. A number of 7 digits or more than 8 is DT_ERROR. */
+#define DT_NUMBER 0    /* 1 to 3 digits */
+#define DT_YEAR 1      /* 4 digits */
+#define DT_COLON 2     /* ":" */
+#define DT_AMPM 3      /* a name of Com__ampm */
+#define DT_MONTH 4     /* a name of a month */
+#define DT_COMMA 5     /* "," */
+#define DT_SEPARATOR 6 /* "/", "-" or "." */
+#define DT_END 7       /* the end of the text */
+#define DT_ERROR 8     /* anything else */
+#define DT_USED 9      /* used up by the interpreter */
+#define DT_PACKED 10   /* 6 or 8 digits */
+#define DT_ISOT 11     /* "T" or "t", whatever follows it */
+#define DT_FIVE 12     /* 5 digits */
+
+/* Results beside 0. */
+#define DT_NO_DATE 99    /* no date: a time, or nothing at all */
+#define DT_BAD_SYNTAX -1 /* the tokens form no date */
+#define DT_LEFTOVER -2   /* a date, or none, and tokens that belong to nothing */
+
+/*
+ * A text holds a date, a time or both, in at most 20 tokens. Tokens are found by kind, not by place:
+ *
+ *   time    hour ":" minute, then ":" second, then ":" milliseconds as they stand or "." and a
+ *           fraction of 1 to 6 or 8 digits; am or pm behind it. Or an hour and am or pm. Hours,
+ *           minutes and seconds have up to three digits.
+ *   "T"     only a time may follow it
+ *   date    the name of a month with a year of four digits, and a day or none (the first); or with
+ *           a day and a short year. Or three numbers and two separators, in the order that style and
+ *           order tell. Or YYYYMMDD or YYMMDD. Or a year of four digits alone: its first day.
+ *
+ * A short year has up to two digits; 0 to 49 are 2000 to 2049, others 1950 to 1999. Nothing at all is
+ * 1900-01-01 (0001-01-01 for a CS_BIGDATETIME), and so is a time alone. In a fraction of 8 digits, the
+ * number counts as microseconds. A CS_DATETIME takes milliseconds, rounded half up; 1000 of them are
+ * 999.
+ *
+ * dtp, parts  out     the value; where an entry point fails it may be partly written
+ * origcp      in      the text, not NUL-terminated
+ * origlen     in      its length in bytes; below 1 the text is empty
+ * partonly    in      0 the whole value; 1 a date is wanted and 2 a time, so that with a date what is
+ *                     left over does not count; 3 a time and nothing else
+ * style       in      for three numbers, as below
+ * order       in      1 mdy, 2 dmy, 3 ymd, 4 ydm, 5 myd, 6 dym
+ * mths        in      12 names of months, NUL-terminated, in the character set of the text; of up to
+ *                     30 bytes; null, as for shortmths, when no name is known
+ * shortmths   in      12 short names, likewise
+ * chatr       in      the character set; null for the built-in one. Names compare as its reduction to
+ *                     ASCII does, and as a whole
+ * dt_type     in      CS_TYPE_BIGDATETIME or CS_TYPE_BIGTIME for a fraction in microseconds, any
+ *                     other for milliseconds
+ * truncated   out     1 when milliseconds lost digits of the fraction, else 0; may be null
+ *
+ *   style                       order                                   year of four digits
+ *   0, 9                        `order`; 3 if the year is the first     taken if there is one
+ *                               token of the text and `order` is not 4
+ *   1, 10                       1                                       not taken
+ *   2, 11, 21 to 23, 40         3                                       not taken
+ *   3 to 5                      2                                       not taken
+ *   101, 110                    1                                       required
+ *   102, 111, 121, 122, 140     3                                       required
+ *   103 to 105                  2                                       required
+ *   others                      DT_BAD_SYNTAX
+ *
+ * Results: 0; negative, DT_BAD_SYNTAX or DT_LEFTOVER, when the text is none; positive when its value
+ * is out of range: 1 for a short year above 99, for a time that cannot be made, and for a value beyond
+ * the range of its type; 9 for an hour that am or pm contradicts; COM_DATE_BADYEAR to
+ * COM_DATE_BADDAY. A null pointer that nothing allows is fatal, DT_BAD_SYNTAX.
+ */
+ZRV_PRIVATE int com__datefromchar_mb(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT origlen,
+                                     CS_INT style, CS_INT order, CS_CHAR **mths,
+                                     CS_CHAR **shortmths, CS_ATTRIB *chatr,
+                                     CS_BOOL *truncated) ZRV_NOEXCEPT;
+/* Rounded to the minute, which can be too late. */
+ZRV_PRIVATE int com__date4fromchar_mb(CS_DATETIME4 *dtp, CS_CHAR *origcp, CS_INT origlen,
+                                      CS_INT style, CS_INT order, CS_CHAR **mths,
+                                      CS_CHAR **shortmths, CS_ATTRIB *chatr,
+                                      CS_BOOL *truncated) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__bigdatetimefromchar_mb(CS_BIGDATETIME *dtp, CS_CHAR *origcp, CS_INT origlen,
+                                            CS_INT style, CS_INT order, CS_CHAR **mths,
+                                            CS_CHAR **shortmths, CS_ATTRIB *chatr,
+                                            CS_BOOL *truncated) ZRV_NOEXCEPT;
+/* With a partonly of 1 and 2: the date or the time of a text, the other half of which must be one
+ * too. */
+ZRV_PRIVATE int com__dateafromchar_mb(CS_DATE *dtp, CS_CHAR *origcp, CS_INT origlen, CS_INT style,
+                                      CS_INT order, CS_CHAR **mths, CS_CHAR **shortmths,
+                                      CS_ATTRIB *chatr, CS_BOOL *truncated) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__timeafromchar_mb(CS_TIME *dtp, CS_CHAR *origcp, CS_INT origlen, CS_INT style,
+                                      CS_INT order, CS_CHAR **mths, CS_CHAR **shortmths,
+                                      CS_ATTRIB *chatr, CS_BOOL *truncated) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__bigtimefromchar_mb(CS_BIGTIME *dtp, CS_CHAR *origcp, CS_INT origlen,
+                                        CS_INT style, CS_INT order, CS_CHAR **mths,
+                                        CS_CHAR **shortmths, CS_ATTRIB *chatr,
+                                        CS_BOOL *truncated) ZRV_NOEXCEPT;
+/* With a partonly of 3: order, mths and shortmths have no effect, and the day is 1900-01-01. */
+ZRV_PRIVATE int com__timefromchar_mb(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT origlen,
+                                     CS_INT style, CS_INT order, CS_CHAR **mths,
+                                     CS_CHAR **shortmths, CS_ATTRIB *chatr,
+                                     CS_BOOL *truncated) ZRV_NOEXCEPT;
+
+/* Beneath them: the values without their ranges, and the fields, where DT_NO_DATE is a result and
+ * dateyear stays as it was without a date. The fields of a date are not judged. */
+ZRV_PRIVATE int xdatefromchar(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT origlen, int partonly,
+                              CS_INT style, CS_INT order, CS_CHAR **mths, CS_CHAR **shortmths,
+                              CS_ATTRIB *chatr, CS_BOOL *truncated) ZRV_NOEXCEPT;
+ZRV_PRIVATE int xbigdatetimefromchar(CS_BIGDATETIME *dtp, CS_CHAR *origcp, CS_INT origlen,
+                                     int partonly, CS_INT style, CS_INT order, CS_CHAR **mths,
+                                     CS_CHAR **shortmths, CS_ATTRIB *chatr,
+                                     CS_BOOL *truncated) ZRV_NOEXCEPT;
+ZRV_PRIVATE int xdaterecfromchar(CS_DATEREC *parts, CS_CHAR *origcp, CS_INT origlen, int partonly,
+                                 CS_INT style, CS_INT order, CS_CHAR **mths, CS_CHAR **shortmths,
+                                 CS_ATTRIB *chatr, CS_INT dt_type, CS_BOOL *truncated) ZRV_NOEXCEPT;
+
+/* Reads one token, moves *cpp and *lenp past it and returns its kind. A null pointer among the first
+ * three is fatal, DT_ERROR. */
+ZRV_PRIVATE int datetoken(CS_CHAR **cpp, CS_INT *lenp, struct com__datecrack *dc, CS_CHAR **mths,
+                          CS_CHAR **shortmths, CS_ATTRIB *chatr) ZRV_NOEXCEPT;
+
+/* The index of the first token of a kind, or, for a negative `token`, of the first one of another
+ * kind than -token; -1 when none stands before DT_END. A null pointer is fatal, -1. */
+ZRV_PRIVATE int findtoken(struct com__datecrack *dc, int token) ZRV_NOEXCEPT;
+
+/* The index of the first of `cnt` names that a word of `len` bytes is, or -1; words and names above
+ * 30 bytes are none. A null pointer but chatr is fatal, -1. */
+ZRV_PRIVATE int datelookup(CS_CHAR *cp, CS_INT len, CS_CHAR **list, int cnt,
+                           CS_ATTRIB *chatr) ZRV_NOEXCEPT;
+
+/* Brings datehour to 24 hours. PM (pmflag not 0) adds 12 to hours below 12 and contradicts 0; AM
+ * makes 12 to 0 and contradicts hours above it. 0, or 1 for a contradiction. A null pointer is fatal,
+ * 1. */
+ZRV_PRIVATE int com__amcheck(CS_DATEREC *pp, int pmflag) ZRV_NOEXCEPT;
+
+/* The year of a short one, or 1 for a number outside 0 to 99. */
+ZRV_PRIVATE CS_INT com__year2digit(CS_INT year) ZRV_NOEXCEPT;
 
 /* ---- arithmetic ---- */
 

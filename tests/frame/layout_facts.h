@@ -13,6 +13,7 @@
 #include "zrvcomn/comfou.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
+#include "zrvcomn/datetime.h"
 #include "zrvcomn/lmpriv.h"
 #include "zrvcomn/mmpriv.h"
 #include "zrvcomn/sortordr.h"
@@ -53,6 +54,9 @@
   ROW(CS_EVENT, 1, 0) \
   ROW(CS_STATE, 1, 0)
 
+/* It has the name of a function, which hides it. */
+typedef struct com__datecrack DateToken;
+
 /* record, size: both data models */
 #define LAYOUT_VALUE_RECORDS(ROW) \
   ROW(CS_VARCHAR, 258) \
@@ -64,6 +68,7 @@
   ROW(CS_DATETIME, 8) \
   ROW(CS_DATETIME4, 4) \
   ROW(CS_DATEREC, 48) \
+  ROW(DateToken, 12) \
   ROW(CS_CLIENTMSG, 2084) \
   ROW(CHAR_MAP, 4) \
   ROW(LSC, 4) \
@@ -103,6 +108,9 @@
   ROW(CS_DATETIME, dttime, 4, 4) \
   ROW(CS_DATETIME4, days, 0, 2) \
   ROW(CS_DATETIME4, minutes, 2, 2) \
+  ROW(DateToken, dctoken, 0, 4) \
+  ROW(DateToken, dclength, 4, 4) \
+  ROW(DateToken, dcvalue, 8, 4) \
   ROW(CS_DATEREC, dateyear, 0, 4) \
   ROW(CS_DATEREC, datemonth, 4, 4) \
   ROW(CS_DATEREC, datedmonth, 8, 4) \
@@ -712,6 +720,22 @@
   ROW(CS_CTYPE_XDIGIT, 16) \
   ROW(CS_CTYPE_PUNCT, 32) \
   ROW(CS_CTYPE_GRAPH, 64) \
+  ROW(DT_NUMBER, 0) \
+  ROW(DT_YEAR, 1) \
+  ROW(DT_COLON, 2) \
+  ROW(DT_AMPM, 3) \
+  ROW(DT_MONTH, 4) \
+  ROW(DT_COMMA, 5) \
+  ROW(DT_SEPARATOR, 6) \
+  ROW(DT_END, 7) \
+  ROW(DT_ERROR, 8) \
+  ROW(DT_USED, 9) \
+  ROW(DT_PACKED, 10) \
+  ROW(DT_ISOT, 11) \
+  ROW(DT_FIVE, 12) \
+  ROW(DT_NO_DATE, 99) \
+  ROW(DT_BAD_SYNTAX, -1) \
+  ROW(DT_LEFTOVER, -2) \
   ROW(CS_LEX_CURRENCY, 64) \
   ROW(CS_CTYPE_LEAD, 128) \
   ROW(COM_CHARSET_IMAGE1, 1001) \

@@ -17,10 +17,10 @@ public:
   static TestCharset one_byte() { return TestCharset(1); }
 
   // Two bytes a character from 0xA1 and 0xA3 on: 0xA3 and an ASCII code with the top bit are its wide
-  // form, 0xA1A1 is a wide blank. Case is kept.
-  static TestCharset double_byte() {
-    TestCharset set(3);
-    set.add_double_bytes();
+  // form, 0xA1A1 is a wide blank. The reduction is to lower case, or keeps the case.
+  static TestCharset double_byte(bool keeps_case = false) {
+    TestCharset set(3, keeps_case);
+    set.add_double_bytes(keeps_case);
     return set;
   }
 
@@ -60,6 +60,10 @@ private:
     std::vector<CS_TYPE_MAP> types;
   };
 
+  static CS_BYTE reduced(int c, bool keeps_case) {
+    return static_cast<CS_BYTE>(c >= 'A' && c <= 'Z' && !keeps_case ? c + 32 : c);
+  }
+
   static CHAR_MAP ascii_type(int c) {
     const bool upper = c >= 'A' && c <= 'Z', lower = c >= 'a' && c <= 'z';
     const bool digit = c >= '0' && c <= '9', space = c == ' ' || (c >= 9 && c <= 13);
@@ -72,7 +76,8 @@ private:
                                          : 0)};
   }
 
-  explicit TestCharset(size_t planes) : tables(std::make_shared<Tables>()), wides(128) {
+  explicit TestCharset(size_t planes, bool keeps_case = false)
+      : tables(std::make_shared<Tables>()), wides(128) {
     tables->norms.resize(planes);
     tables->types.resize(planes);
     for (int c = 0; c < 256; ++c) {
@@ -80,9 +85,8 @@ private:
       if (c >= 128)
         continue;
       tables->types[0].chmap[c] = ascii_type(c);
-      const bool upper_case = planes == 1;
       tables->norms[0].norm[c] =
-          upper_case ? tables->types[0].chmap[c].char_upper : static_cast<CS_BYTE>(c);
+          planes == 1 ? tables->types[0].chmap[c].char_upper : reduced(c, keeps_case);
     }
     record.cs_class = planes == 1 ? 1 : 2;
     record.cs_maxcharlen = record.cs_ncharsize = 1;
@@ -100,22 +104,23 @@ private:
     }
   }
 
-  // The character of a plane that stands for an ASCII one: its class, and the first of them its form.
-  void add_wide(int lead, int plane, int second, char ascii, CHAR_MAP type) {
+  // The character of a plane that is the wide form of an ASCII one, unless it has one: its class, and
+  // what it reduces to.
+  void add_wide(int lead, int plane, int second, char ascii, CS_BYTE norm, CHAR_MAP type) {
     const auto p = static_cast<size_t>(plane);
-    tables->norms[p].norm[second] = static_cast<CS_BYTE>(ascii);
+    tables->norms[p].norm[second] = norm;
     tables->types[p].chmap[second] = type;
     std::string &form = wides[static_cast<unsigned char>(ascii)];
     if (form.empty())
       form = {static_cast<char>(lead), static_cast<char>(second)};
   }
 
-  void add_double_bytes() {
+  void add_double_bytes(bool keeps_case) {
     for (int lead = 0xA1; lead < 0xFF; ++lead)
       add_lead(lead, lead == 0xA1 ? 1 : lead == 0xA3 ? 2 : 0, 2);
-    add_wide(0xA1, 1, 0xA1, ' ', {0, 0, 0, CS_CTYPE_SPACE});
+    add_wide(0xA1, 1, 0xA1, ' ', ' ', {0, 0, 0, CS_CTYPE_SPACE});
     for (int c = 0x21; c < 0x7F; ++c)
-      add_wide(0xA3, 2, c | 0x80, static_cast<char>(c), ascii_type(c));
+      add_wide(0xA3, 2, c | 0x80, static_cast<char>(c), reduced(c, keeps_case), ascii_type(c));
     record.cs_maxcharlen = 2;
   }
 
@@ -129,19 +134,17 @@ private:
                lead < 0xE0   ? 2
                : lead < 0xF0 ? 3
                              : 4);
-    add_wide(0xC2, 1, 0xA0, ' ', {0, 0, 0, CS_CTYPE_SPACE});
+    add_wide(0xC2, 1, 0xA0, ' ', ' ', {0, 0, 0, CS_CTYPE_SPACE});
+    // A currency symbol is known by its class alone.
     for (int sign : {0xA3, 0xA5})
-      add_wide(0xC2, 1, sign, '$', {0, 0, CS_LEX_CURRENCY, 0});
-    // A currency symbol is known by its class, and reduces to nothing.
-    tables->norms[1].norm[0xA3] = tables->norms[1].norm[0xA5] = 0;
+      add_wide(0xC2, 1, sign, '$', 0, {0, 0, CS_LEX_CURRENCY, 0});
     for (int second = 0x80; second < 0xC0; ++second)
       tables->types[2].chmap[second] = {
           0, 0, 0, static_cast<CS_BYTE>(second < 0xA0 ? CS_CTYPE_UPPER : CS_CTYPE_LOWER)};
     tables->norms[2].norm[0x89] = tables->norms[2].norm[0xA9] = 'e';
     for (int digit = 0; digit < 10; ++digit)
-      add_wide(0xD9, 3, 0xA0 + digit, static_cast<char>('0' + digit), {0, 0, 0, CS_CTYPE_DIGIT});
-    for (int c = 'A'; c <= 'Z'; ++c)
-      tables->norms[0].norm[c] = static_cast<CS_BYTE>(c + 32);
+      add_wide(0xD9, 3, 0xA0 + digit, static_cast<char>('0' + digit),
+               static_cast<CS_BYTE>('0' + digit), {0, 0, 0, CS_CTYPE_DIGIT});
     record.cs_maxcharlen = 4;
   }
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "charset.h"
 
@@ -85,6 +86,25 @@ CS_BYTE to_ascii(const CHAR_ATTRIB &set, Place place) noexcept {
   }
   // Lower-case text, deliberately.
   return set.cs_type_map != nullptr ? set.cs_type_map->chmap[first].char_lower : first;
+}
+
+// Reduces a text: the byte that stands for each character, or its bytes as they are where none does.
+// The result is never longer than the text, whose place it may take; its length.
+inline CS_INT reduce_to_ascii(const CHAR_ATTRIB &set, const CS_BYTE *text, CS_INT length,
+                              CS_BYTE *dest) noexcept {
+  const CS_BYTE *const end = text + std::max(length, 0);
+  CS_BYTE *out = dest;
+  while (text < end) {
+    const std::ptrdiff_t inside = length_inside(set, {text, end});
+    if (const CS_BYTE ascii = to_ascii(set, Within{text, end})) {
+      *out++ = ascii;
+    } else {
+      std::memmove(out, text, static_cast<std::size_t>(inside));
+      out += inside;
+    }
+    text += inside;
+  }
+  return static_cast<CS_INT>(out - dest);
 }
 
 // Steps through a text, character by character. What stands behind its end is not read; a character

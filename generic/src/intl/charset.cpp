@@ -85,20 +85,7 @@ void comn_str_to_ascii(CS_BYTE *cp_src, CS_INT src_len, CS_BYTE *cp_dest, CS_INT
   COMN_CHECK_PTR(cp_src);
   COMN_CHECK_PTR(cp_dest);
   COMN_CHECK_PTR(dest_len);
-  const CHAR_ATTRIB &set = charset_or_builtin(chatr);
-  const CS_BYTE *const end = cp_src + std::max(src_len, 0);
-  CS_BYTE *out = cp_dest;
-  for (const CS_BYTE *at = cp_src; at < end;) {
-    const std::ptrdiff_t length = comn::length_inside(set, {at, end});
-    if (const CS_BYTE ascii = comn::to_ascii(set, Within{at, end})) {
-      *out++ = ascii;
-    } else {
-      std::memmove(out, at, static_cast<size_t>(length));
-      out += length;
-    }
-    at += length;
-  }
-  *dest_len = static_cast<CS_INT>(out - cp_dest);
+  *dest_len = comn::reduce_to_ascii(charset_or_builtin(chatr), cp_src, src_len, cp_dest);
 }
 
 void comn_whole_char(CS_ATTRIB *ca, CS_BYTE *startp, CS_BYTE *endp, CS_INT *wcbytes,

@@ -126,8 +126,7 @@ constinit const CHAR_ATTRIB handed_out = describe(ISO_1_type_map, ISO_1_soundex)
 
 } // namespace
 
-constinit const CHAR_ATTRIB comn::builtin_charset =
-    describe(own_ISO_1_type_map, own_ISO_1_soundex);
+constinit const CHAR_ATTRIB comn::builtin_charset = describe(own_ISO_1_type_map, own_ISO_1_soundex);
 
 CS_ATTRIB *com_get_charattrib(void) noexcept {
   return const_cast<CS_ATTRIB *>(&handed_out);

@@ -595,6 +595,58 @@ class Command(unittest.TestCase):
         result = zrvcomn("oid", "find", "--json", "windows-1252")
         self.assertEqual(json.loads(result.out)["names"][0], "cp1252")
 
+    # ---- charset ----
+
+    def test_charset_list(self):
+        result = zrvcomn("charset", "list")
+        self.assertEqual((result.code, result.err), (0, ""))
+        lines = result.out.splitlines()
+        self.assertEqual(lines[0], "set          id  class  bytes  other names")
+        self.assertIn("koi8         55  1      1      KOI8-R, koi8-r, koi8r", lines)
+        rows = [json.loads(line) for line in zrvcomn("charset", "list", "--json").out.splitlines()]
+        self.assertEqual(len(rows), len(lines) - 1)
+        self.assertIn({"name": "koi8", "id": 55, "class": 1, "longest": 1,
+                       "names": ["koi8", "KOI8-R", "koi8-r", "koi8r"]}, rows)
+
+    def test_charset_show(self):
+        result = zrvcomn("charset", "show", "Shift_JIS")
+        self.assertEqual((result.code, result.err), (0, ""))
+        self.assertIn("set          sjis\n", result.out)
+        self.assertIn("longest      2 bytes\n", result.out)
+        self.assertIn("\n     0 1 2 3 4 5 6 7 8 9 a b c d e f\n", result.out)
+        self.assertIn("\n  2  _ ! ! ! ! ! ! ! ! ! ! ! ! ! ! !\n", result.out)
+        self.assertIn("\n  3  0 0 0 0 0 0 0 0 0 0 ! ! ! ! ! !\n", result.out)
+        self.assertIn("\n  4  ! U U U U U U U U U U U U U U U\n", result.out)
+        self.assertIn("\n  6  ! l l l l l l l l l l l l l l l\n", result.out)
+        self.assertIn("\n  9  2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2\n", result.out)
+        self.assertIn("\n  d  a a a a a a a a a a a a a a a a\n", result.out) # narrow katakana
+        self.assertIn("\n  2 2 bytes\n", result.out)
+        self.assertIn("\n  9  * * * * * * * * * * * * * * * *\n", zrvcomn("charset", "show", "gb18030").out)
+        shown = json.loads(zrvcomn("charset", "show", "--json", "latin1").out)
+        self.assertEqual((shown["name"], shown["id"], shown["types"][65], shown["lower"][65],
+                          shown["upper"][0xE4], shown["length"][0xE4], shown["columns"][0xE4]),
+                         ("iso_1", 1, 17, 97, 0xC4, 1, 1))
+        self.assertEqual(len(shown["types"]), 256)
+
+    def test_charset_failures(self):
+        self.check(zrvcomn("charset", "show", "no\x1bne"), 1, "",
+                   "zrvcomn charset: no character set is known as 'no\\x1bne'\n")
+        self.check(zrvcomn("charset", "show", "utf16"), 1, "",
+                   "zrvcomn charset: utf16: COM_LOCFILE_ERROR, " + "the file cannot be opened\n")
+        (self.scratch / "config").mkdir()
+        (self.scratch / "config/objectid.dat").write_text("[charset]\n1.2.3 = one\n1.2.4 = two\n")
+        (self.scratch / "charsets/one").mkdir(parents=True)
+        (self.scratch / "charsets/one/charset.loc").write_text("[charset]\nclass = 9\n")
+        self.check(zrvcomn("charset", "list", ZARVEK=str(self.scratch)), 1,
+                   "set          id  class  bytes  other names\n", "zrvcomn charset: one: CS_FAIL\n")
+
+    def test_charset_usage(self):
+        self.check_usage(zrvcomn("charset"), "action")
+        self.check_usage(zrvcomn("charset", "shw"), "'shw'", "did you mean 'show'?")
+        self.check_usage(zrvcomn("charset", "show"), "show needs a set")
+        self.check_usage(zrvcomn("charset", "list", "iso_1"), "list takes no set")
+        self.check_usage(zrvcomn("charset", "show", "a", "--", "b"), "one set at a time")
+
     # ---- config ----
 
     def config_paths(self, **environment):
@@ -790,7 +842,8 @@ class Command(unittest.TestCase):
         self.assertEqual(set(re.findall(r"(\w+)@+ZRVCOMN_PRIVATE", symbols)),
                          {"Com__WeekDay", "com__bigdate_add", "com__bigdatediff",
                           "com__bigdatename", "com__bigdatepart", "com__bigdatetimetochar",
-                          "com__get_months", "com__get_shortmonths"})
+                          "com__get_months", "com__get_shortmonths",
+                          "comn__intl_load_charset"})
 
 
     # ---- crypt ----

@@ -8,12 +8,10 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "identifiers.h"
 #include "output.h"
-#include "status_names.h"
 #include "subcommand.h"
 #include "visible.h"
-#include "zrvcomn/comloc.h"
-#include "zrvcomn/zrvintl.h"
 
 namespace {
 
@@ -24,39 +22,6 @@ const std::vector<std::string> class_names = {"charset",  "numeric", "money",   
                                               "collate",  "natlang", "integer2", "integer4",
                                               "integer8", "float4",  "float8",   "secmech"};
 
-// The identifiers of the installation, in a context.
-class Identifiers {
-public:
-  Identifiers() {
-    context.ctxglobals = &globals;
-    const CS_RETCODE status = comn_intl_load_globalid(&context, &table);
-    if (status != CS_SUCCEED)
-      throw StreamError(
-          "cannot load objectid.dat: " + status_name(status) +
-          (context.ctxintlerr != 0 ? std::string(", ") + intl_errstr(context.ctxintlerr) : "") +
-          " (zrvcomn config paths tells where it should be)");
-    globals.ctxoids = table;
-  }
-  ~Identifiers() { comn_intl_drop_globalid(&context, table); }
-  Identifiers(const Identifiers &) = delete;
-  Identifiers &operator=(const Identifiers &) = delete;
-
-  const CsOID *first(CS_INT oidclass) const { return table->ot_oid[oidclass]; }
-
-  // The record of a class that has a name, or null.
-  const CsOID *find(CS_INT oidclass, std::string name) {
-    CsOID *found = nullptr;
-    comn_globalid(&context, COM_NAME_TO_OID, &found, &oidclass, CS_UNUSED, name.data(),
-                  static_cast<CS_INT>(name.size()), nullptr, nullptr);
-    return found;
-  }
-
-private:
-  CS_CONTEXT context{};
-  CsCtxGlobals globals{};
-  CS_OID_TABLE *table = nullptr;
-};
-
 struct Record {
   CS_INT oidclass;
   const CsOID *oid;
@@ -64,10 +29,6 @@ struct Record {
 
 std::string_view dotted_of(const CsOID &oid) {
   return {oid.oidstring, static_cast<size_t>(oid.oidnamelen)};
-}
-
-std::string_view name_of(const CS_STRING_LIST &name) {
-  return {name.string != nullptr ? name.string : "", static_cast<size_t>(name.len)};
 }
 
 std::string encoding_of(const CsOID &oid) {

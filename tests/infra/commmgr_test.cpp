@@ -1132,6 +1132,23 @@ TEST_F(ContextPool, EveryExitOfTheMakingIsTraced) {
 }
 
 // Deliberate: the success of the alloc-only strategy is the one return that leaves no line.
+TEST_F(ContextPool, ADropIsTracedOnce) {
+  const auto own_lines = [](MM_HANDLE *handle) {
+    const std::string text =
+        trace_of(CS_SUCCEED, [&] { return comn_mmdrop(handle, MM_DROP_NORMAL); });
+    int count = 0;
+    for (size_t at = 0; (at = text.find(" file commmgr.cpp,", at)) != std::string::npos; ++at)
+      ++count;
+    return count;
+  };
+  mmh = nullptr;
+  ASSERT_EQ(comn_mminit(&context, &mmh), CS_SUCCEED);
+  MM_HANDLE *child = mmh; // the slot must not be empty
+  ASSERT_EQ(com___subpool(mmh, 1, &child), CS_SUCCEED);
+  EXPECT_EQ(own_lines(child), 1);
+  EXPECT_EQ(own_lines(mmh), 1);
+}
+
 TEST_F(TracedPools, SuccessOfTheAllocOnlyStrategyLeavesNoLine) {
   const char *const file = "commmgr_alloconly.cpp";
   ASSERT_EQ(set_integer(pool, MM_PROP_POOLTYPE, MM_POOL_ALLOCONLY), CS_SUCCEED);

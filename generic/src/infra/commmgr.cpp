@@ -69,11 +69,11 @@ void initialise(MmPoolHead *head, MM_HANDLE *handle, CS_INT status) noexcept {
 // Removes one sub-pool: what it holds goes back to the general heap, and so does its handle.
 CS_RETCODE drop_subpool(MM_HANDLE *mmh) noexcept {
   MM_HANDLE *const parent = mmh->mmh_parent;
-  COMN_CHECK(mmh->mmh_child == nullptr && parent->mmh_child != nullptr, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(mmh->mmh_child == nullptr && parent->mmh_child != nullptr, CS_FAIL);
   MM_HANDLE **slot = &parent->mmh_child;
   while (*slot != nullptr && *slot != mmh)
     slot = &(*slot)->mmh_sibling;
-  COMN_CHECK(*slot == mmh, COMN_TRACE(CS_FAIL));
+  COMN_CHECK(*slot == mmh, CS_FAIL);
   *slot = mmh->mmh_sibling;
   while (mmh->mmh_blocks != nullptr) {
     MmBlock *const block = mmh->mmh_blocks;
@@ -81,7 +81,7 @@ CS_RETCODE drop_subpool(MM_HANDLE *mmh) noexcept {
     com___putheap(parent, block);
   }
   com___putheap(parent, mmh);
-  return COMN_TRACE(CS_SUCCEED);
+  return CS_SUCCEED;
 }
 
 // Removes a pool with all its sub-pools, whose handles lie in the regions that go.
@@ -100,20 +100,20 @@ CS_RETCODE drop_pool(MM_HANDLE *root) noexcept {
   CS_CONTEXT *const ctx = head->mph_ctx;
   const bool owns_records = ((head->mph_status | root->mmh_status) & MM_ST_OWNED) != 0;
   if ((head->mph_status & MM_ST_OWNMUTEX) == 0 && !owns_records)
-    return COMN_TRACE(CS_SUCCEED);
+    return CS_SUCCEED;
   // Records that comn_mmmanage carved out of a buffer have no one to release them.
-  COMN_CHECK_PTR(ctx, COMN_TRACE(CS_FAIL));
+  COMN_CHECK_PTR(ctx, CS_FAIL);
   if ((head->mph_status & MM_ST_OWNMUTEX) != 0 && ctx->ctxthread != nullptr &&
       ctx->ctxthread->delete_mutex_fn != nullptr)
     ctx->ctxthread->delete_mutex_fn(head->mph_lockarg);
   if (owns_records)
-    COMN_CHECK_PTR(ctx->ctxfree, COMN_TRACE(CS_FAIL));
+    COMN_CHECK_PTR(ctx->ctxfree, CS_FAIL);
   const bool owns_head = (head->mph_status & MM_ST_OWNED) != 0;
   if ((root->mmh_status & MM_ST_OWNED) != 0)
     ctx->ctxfree(ctx, root);
   if (owns_head)
     ctx->ctxfree(ctx, head);
-  return COMN_TRACE(CS_SUCCEED);
+  return CS_SUCCEED;
 }
 
 // ---- the entry points below the lock ----

@@ -92,7 +92,7 @@ int read_word(comn::TextCursor &cursor, Token &token, const CHAR_ATTRIB &set, CS
     token.dcvalue = look_up(set, word, length, list, count);
     return token.dcvalue >= 0;
   };
-  if (characters == 2 && find(Com__ampm, 2))
+  if (characters == 2 && find(own_Com__ampm, 2))
     return DT_AMPM;
   if (months != nullptr && short_months != nullptr &&
       (find(months, calendar::months_per_year) || find(short_months, calendar::months_per_year)))

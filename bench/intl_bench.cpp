@@ -16,6 +16,7 @@
 #include "comparison.h"
 #include "inputs.h"
 #include "intl_peers.h"
+#include "zrvcomn/charset.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
@@ -73,14 +74,14 @@ private:
 void read_sections(const char *path) {
   INTL_LOCFILE file;
   if (intl_open(path, &file) < 0)
-    give_up("cannot open the identifiers");
+    give_up("cannot open an installation file");
   int status;
   while (intl_nextsection(&file, &status) != nullptr)
     while (intl_nextentry(&file, &status) != nullptr)
       while (const char *const value = intl_nextvalue(&file, &status))
         benchmark::DoNotOptimize(value);
   if (status < 0 || intl_close(&file) < 0)
-    give_up("cannot read the identifiers");
+    give_up("cannot read an installation file");
 }
 
 void load_identifiers() {
@@ -154,6 +155,85 @@ void compare_names(const std::shared_ptr<Loaded> &loaded, CS_INT oidclass, const
              }}}});
 }
 
+// The character set of a name, loaded anew into a context of its own.
+struct LoadedCharset {
+  explicit LoadedCharset(std::string name) {
+    context.ctxglobals = &globals;
+    CsLocCache cache{};
+    cache.charname = name.data();
+    cache.charnamelen = static_cast<CS_INT>(name.size());
+    if (comn__intl_load_charset(&context, &oid, &cache, nullptr, 0) != CS_SUCCEED)
+      give_up("cannot load a character set");
+    set = cache.locchardesc->char_attrib;
+  }
+  ~LoadedCharset() { com_intl_chardesc_drop(&context); }
+  LoadedCharset(const LoadedCharset &) = delete;
+  LoadedCharset &operator=(const LoadedCharset &) = delete;
+
+  CS_CONTEXT context{};
+  CsCtxGlobals globals{};
+  CsOID oid{};
+  CHAR_ATTRIB *set = nullptr;
+};
+
+// One question about each byte of a text in a set with one byte for each character; null asks the
+// built-in set.
+template <class Question, class Bare>
+void compare_question(const char *member, const char *input, CS_ATTRIB *set, Question question,
+                      Bare bare) {
+  constexpr size_t count = 1 << 12;
+  Random random(53);
+  auto text = std::make_shared<std::vector<CS_BYTE>>(count);
+  for (CS_BYTE &byte : *text)
+    byte = static_cast<CS_BYTE>(random_below(random, 256));
+  compare({"question about a character",
+           member,
+           input,
+           count,
+           [=] {
+             for (CS_BYTE &byte : *text)
+               benchmark::DoNotOptimize(question(set, &byte));
+           },
+           {{"bare table read", 1.2, [=] {
+               for (const CS_BYTE &byte : *text)
+                 benchmark::DoNotOptimize(bare(&byte));
+             }}}});
+}
+
+void compare_questions() {
+  static const LoadedCharset cp850("cp850");
+  const auto bits = [](const CS_BYTE *p) { return peer_table_bits(ISO_1_type_map->chmap, p); };
+  const auto lower = [](const CS_BYTE *p) { return peer_table_lower(ISO_1_type_map->chmap, p); };
+  const auto width = [](const CS_BYTE *p) {
+    static const std::vector<CS_BYTE> ones(256, 0x11);
+    return peer_table_width(ones.data(), p);
+  };
+  for (CS_ATTRIB *const set : {static_cast<CS_ATTRIB *>(nullptr), cp850.set}) {
+    const char *const input = set == nullptr ? "built-in set" : "cp850";
+    compare_question("comn_isalpha", input, set, comn_isalpha, bits);
+    compare_question("comn_isspace", input, set, comn_isspace, bits);
+    compare_question("comn_get_lex", input, set, comn_get_lex, lower);
+    compare_question("comn_to_ascii", input, set, comn_to_ascii, lower);
+    compare_question("comn_char_width", input, set, comn_char_width, width);
+    compare_question("comn_disp_width", input, set, comn_disp_width, width);
+  }
+}
+
+// Loading and releasing, beside what reading the values of the same file takes.
+void compare_loading(const char *name) {
+  char path[1025], file[] = "charset.loc";
+  std::string set = name;
+  if (com_path_charfile(nullptr, set.data(), file, nullptr, path, sizeof path) != CS_SUCCEED)
+    give_up("no home directory");
+  const std::string loc = path;
+  compare({"load a character set",
+           "comn__intl_load_charset",
+           name,
+           1,
+           [set] { benchmark::DoNotOptimize(LoadedCharset(set).set); },
+           {{"section reader", 0, [loc] { read_sections(loc.c_str()); }}}});
+}
+
 } // namespace
 
 void register_comparisons() {
@@ -167,6 +247,9 @@ void register_comparisons() {
     compare_names(loaded, COM_OID_CHARSET, "character sets", only_canonical);
     compare_names(loaded, COM_OID_NATLANG, "languages", only_canonical);
   }
+  compare_questions();
+  for (const char *const name : {"cp850", "sjis", "utf8"})
+    compare_loading(name);
 }
 
 } // namespace zrvbench

@@ -1,53 +1,12 @@
 // Any bytes as objectid.dat: the loader answers with a told status, and a table that it gives holds
 // together: what each record says of itself is what the look-ups find.
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
+#include "fuzz_home.h"
 #include "fuzz_input.h"
 #include "zrvcomn/comloc.h"
 
 namespace {
 
 using zrvfuzz::require;
-
-// A home directory of this process, whose only file is objectid.dat.
-class Home {
-public:
-  Home() {
-    check(mkdtemp(path.data()) != nullptr && mkdir((path + "/config").c_str(), 0700) == 0);
-    setenv("ZARVEK", path.c_str(), 1);
-    file = open((path + "/config/objectid.dat").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    check(file >= 0);
-  }
-  ~Home() {
-    close(file);
-    unlink((path + "/config/objectid.dat").c_str());
-    rmdir((path + "/config").c_str());
-    rmdir(path.c_str());
-  }
-
-  void write(const uint8_t *data, size_t size) const {
-    check(pwrite(file, data, size, 0) == static_cast<ssize_t>(size) &&
-          ftruncate(file, static_cast<off_t>(size)) == 0);
-  }
-
-private:
-  static void check(bool holds) {
-    if (!holds) {
-      std::perror("home of the fuzzer");
-      std::_Exit(1);
-    }
-  }
-
-  std::string path = "/tmp/zrvfuzz-XXXXXX";
-  int file = -1;
-};
 
 void check_record(CS_CONTEXT &context, CS_INT oidclass, CsOID *oid) {
   require(oid->oidber[0] == 6 && oid->oidberlen >= 3 && oid->oidberlen <= COM_OID_BER_SIZE);
@@ -68,7 +27,7 @@ void check_record(CS_CONTEXT &context, CS_INT oidclass, CsOID *oid) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static const Home home;
+  static const zrvfuzz::Home home("config/objectid.dat");
   home.write(data, size);
   CS_CONTEXT context{};
   CsCtxGlobals globals{};

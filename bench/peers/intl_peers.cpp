@@ -12,6 +12,18 @@ const CsOID *zrvbench::peer_scan_names(const CsOID *oid, const char *name, std::
   return nullptr;
 }
 
+int zrvbench::peer_table_bits(const CHAR_MAP *table, const CS_BYTE *p) {
+  return table[*p].char_type & CS_CTYPE_ALPHA;
+}
+
+int zrvbench::peer_table_lower(const CHAR_MAP *table, const CS_BYTE *p) {
+  return table[*p].char_lower;
+}
+
+int zrvbench::peer_table_width(const CS_BYTE *table, const CS_BYTE *p) {
+  return table[*p] & 15;
+}
+
 #ifdef ZRVBENCH_WITH_GLIB
 #include <cstdio>
 #include <cstdlib>

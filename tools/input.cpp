@@ -186,6 +186,7 @@ public:
     return reader.display_name() + ":" + std::to_string(line);
   }
   std::pair<uint64_t, uint64_t> progress() const override { return reader.progress(); }
+  std::string_view record() const override { return raw; }
 
 private:
   void find_column() {
@@ -215,8 +216,11 @@ private:
     record_line = 0;
     std::string_view line;
     while (!is_complete && reader.next(line)) {
-      if (record_line == 0)
+      if (record_line == 0) {
         record_line = reader.line_number();
+        raw.clear();
+      }
+      raw += line;
       if (csv_parse(&parser, line.data(), line.size(), on_field, on_record, this) != line.size())
         fail(reader.line_number());
       if (has_stray_return)
@@ -255,6 +259,7 @@ private:
   LineReader reader;
   BadRecord bad_record;
   std::string wanted;
+  std::string raw;
   csv_parser parser;
   std::vector<std::string> fields;
   size_t fields_used = 0, index = 0, width = 0;

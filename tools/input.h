@@ -24,6 +24,10 @@ public:
   // Gives the next value, or returns false at the end. Throws StreamError when reading fails.
   virtual bool next(InputValue &value) = 0;
 
+  // The record in which the latest value stands, as it was read, its end included; before the first
+  // value the one that names the columns. Empty where there are no records. Lasts as the value does.
+  virtual std::string_view record() const { return {}; }
+
   // What comes before the number in a message: "value ", "line ", "file.csv:".
   virtual std::string place(uint64_t line) const = 0;
 

@@ -333,6 +333,126 @@ typedef struct _csloccache {
   struct _csloccache *locnext; /* the next cache of the list */
 } CsLocCache;
 
+/* One row of locales.dat, behind the locale's name: each name NUL-terminated, with its length. */
+#define COM_LOCNAME_SIZE 256
+typedef struct _cslocnames {
+  CS_CHAR charset[COM_LOCNAME_SIZE];
+  CS_INT charsetlen;
+  CS_CHAR lang[COM_LOCNAME_SIZE];
+  CS_INT langlen;
+  CS_CHAR sortorder[COM_LOCNAME_SIZE];
+  CS_INT sortorderlen;
+  CS_CHAR datetime[COM_LOCNAME_SIZE];
+  CS_INT datetimelen;
+  CS_CHAR numeric[COM_LOCNAME_SIZE];
+  CS_INT numericlen;
+  CS_CHAR money[COM_LOCNAME_SIZE];
+  CS_INT moneylen;
+} CsLocNames;
+
+/* An element of a format. */
+typedef struct _parse_struct {
+  CS_INT type;
+  CS_BYTE *data;
+  CS_INT datalen; /* bytes */
+  struct _parse_struct *next;
+} ParseStruct;
+
+/* ---- the start of a family of contexts, and its end ----
+ *
+ * The contexts of a family share their globals. The order of a start: comn_intl_load_globalid, its
+ * table in ctxoids; comn_intl_init; com_intl_envloc, and comn_intl_load of the name that it gives;
+ * the cache in the six pointers of the default locale; ctxlocale. The order of the end:
+ * comn_loc_drop_all, com_intl_loccache_drop, com_intl_chardesc_drop, comn_intl_dt_drop,
+ * comn_intl_mon_drop, comn_intl_num_drop, comn_intl_message_drop, comn_lm_exit,
+ * comn_intl_drop_globalid. Nothing here takes a lock: the callers let one thread at a time start,
+ * load and end.
+ *
+ * What reads files has the parameters `locfilename` and `filenamelen` of the openers in comnlib.h:
+ * a buffer, or null, that receives the path of each file as it is opened, and so names the one that
+ * was at fault.
+ */
+
+/*
+ * Prepares the globals of a family: the character set "utf8", the sort order "binary", the identifier
+ * of "ucs2" and the context of the lists. Once that is done a further call has no effect.
+ *
+ * Returns CS_SUCCEED; CS_FAIL when "utf8", "ucs2" or "binary" has no identifier; CS_MEM_ERROR; else
+ * what the loader of the character set, of the sort order or lm_initlm returns. After a failure the
+ * globals are as they were, but that a character set which was loaded stays on its list.
+ */
+ZRV_API CS_RETCODE comn_intl_init(CS_CONTEXT *context, CS_CHAR *locfilename,
+                                  CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* Releases the context of the lists. Returns what lm_exit returns, CS_FAIL while there are lists, and
+ * CS_SUCCEED without effect when there is no context. */
+ZRV_API CS_RETCODE comn_lm_exit(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/*
+ * Finds the locale's name in the environment: in the variable of the category, else in LANG, else it
+ * is "default". A variable that is empty counts as not set.
+ *
+ * lctype   in   CS_LCTYPE_COLLATE to CS_LCTYPE_ALL, else fatal
+ * name     out  the name, NUL-terminated
+ * namelen  in   bytes at `name`, at least 1, else fatal
+ *
+ * Returns CS_SUCCEED, or COM_INTL_ERROR when the name does not fit with its NUL; the status is then
+ * in ctxintlerr.
+ */
+ZRV_API CS_RETCODE com_intl_envloc(CS_CONTEXT *context, CS_INT lctype, CS_CHAR *name,
+                                   CS_INT namelen) ZRV_NOEXCEPT;
+
+/*
+ * Finds the cache of a locale's name, or reads the row of locales.dat and builds one.
+ *
+ * name, namelen  in   the name, NUL-terminated, and its length, at least 1, else fatal. A cache is
+ *                     found by `namelen` bytes, a row by the text up to the NUL
+ * loccache_p     out  the cache, which belongs to the list cmg_lcache; unchanged on failure
+ *
+ * Of the formats that a row may name, the one for money is loaded. A row that names a date format
+ * gives a cache without date tables, one that does not has those of the language.
+ *
+ * Returns CS_SUCCEED; CS_FAIL when the file has no such row, a row without language or character set,
+ * or a strange entry before it, and when a name has no identifier; CS_MEM_ERROR; COM_LOCFILE_ERROR
+ * and COM_INTL_ERROR, with the status in ctxintlerr, for a file that cannot be opened or read; else
+ * what the loaders return. After a failure the list is as it was, and what was loaded on the way
+ * stays on lists of its own.
+ */
+ZRV_API CS_RETCODE comn_intl_load(CS_CONTEXT *context, CS_CHAR *name, CS_INT namelen,
+                                  CS_VOID **loccache_p, CS_CHAR *locfilename,
+                                  CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* What comn_intl_load_zrvtypes replaces. */
+#define COM_LOCTYPE_LANGUAGE 8
+#define COM_LOCTYPE_CHARSET 9
+#define COM_LOCTYPE_SORTORDER 10
+
+/*
+ * Finds or builds the cache that differs from another in its language, character set or sort order,
+ * as a connection has it that changes but one of them.
+ *
+ * type               in   COM_LOCTYPE_, else fatal
+ * zrv_name, namelen  in   the new name, any of those of its identifier
+ * old_loccache       in   a cache with character set, sort order and messages
+ * new_loccache_p     out  the cache, of the list cmg_lcache; unchanged on failure
+ *
+ * An existing cache serves when its character set, its language and, if one of the two has a name
+ * for it, its sort order have the wanted identifiers. A new one has no locale name, so no name finds
+ * it, and no formats for numbers and money; its dates are those of the language.
+ *
+ * Returns CS_SUCCEED; COM_UNKNOWN_NAME for a name without an identifier; CS_MEM_ERROR; else as
+ * comn_intl_load.
+ */
+ZRV_API CS_RETCODE comn_intl_load_zrvtypes(CS_CONTEXT *context, CS_INT type, CS_CHAR *zrv_name,
+                                           CS_INT namelen, CS_CHAR *locfilename, CS_INT filenamelen,
+                                           CS_VOID *old_loccache,
+                                           CS_VOID **new_loccache_p) ZRV_NOEXCEPT;
+
+/* Releases all caches, that of "utf8" with them; what they borrow stays. Returns CS_SUCCEED. */
+ZRV_API CS_RETCODE com_intl_loccache_drop(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* ---- questions to a locale ---- */
+
 /* The names that a location cache has. */
 #define CS_LOCSTR_CHARSET 1
 #define CS_LOCSTR_LANGUAGE 2
@@ -353,6 +473,382 @@ typedef struct _csloccache {
  */
 ZRV_API CS_RETCODE com_intl_getstr(CsLocale *locale, CS_INT lctype, CS_INT type, CS_CHAR *buf,
                                    CS_INT buflen, CS_INT *outlen) ZRV_NOEXCEPT;
+
+/* Compares two locales in a category, CS_LCTYPE_COLLATE to CS_LCTYPE_TIME: 0 when they have the same
+ * character set (`type` CS_LOCSTR_CHARSET), messages (CS_LOCSTR_LANGUAGE) or sort order
+ * (CS_LOCSTR_SORTORDER), 1 when not. Objects are the same by their address alone. The locales and,
+ * unless they are equal, their pointers of the category must not be null; any other `lctype` or
+ * `type` is fatal, 1. */
+ZRV_API CS_INT com_intl_loccmp(CS_INT lctype, CS_INT type, CsLocale *loc1,
+                               CsLocale *loc2) ZRV_NOEXCEPT;
+
+/*
+ * The locale's name of a cache, in the character set of the cache.
+ *
+ * loccache  in   a CsLocCache
+ * buffer    out  the name, not NUL-terminated
+ * buflen    in   bytes at `buffer`
+ * outlen    out  the length of the name; 0 for a cache without a name
+ *
+ * Returns what the conversion from UTF-8 returns.
+ */
+ZRV_API CS_RETCODE com_intl_get_locname(CS_CONTEXT *context, CS_VOID *loccache, CS_CHAR *buffer,
+                                        CS_INT buflen, CS_INT *outlen) ZRV_NOEXCEPT;
+
+/* The character set (a CS_ATTRIB) that a text has by its format: that of the format's locale, else
+ * of ctxlocale, else, when the context is null as well, the built-in one. Both arguments may be
+ * null; a context without ctxlocale and a locale that is not complete are fatal, null. */
+ZRV_API struct char_attrib *com_intl_charattr(CS_CONTEXT *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+
+/* ---- locale records ---- */
+
+/* A new record with the pointers of ctxlocale, on the list cmg_locale. CS_SUCCEED, or CS_MEM_ERROR
+ * with `*locptr` null. A context without ctxlocale is fatal. */
+ZRV_API CS_RETCODE comn_loc_alloc(CS_CONTEXT *context, CS_LOCALE **locptr) ZRV_NOEXCEPT;
+
+/* Takes a record off the list and releases it; ctxlocale becomes null if it was this one. CS_SUCCEED,
+ * or CS_FAIL, nothing changed, for a record that is not on the list. */
+ZRV_API CS_RETCODE comn_loc_drop(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+
+/* Clears and releases all records and ctxdeflocale; ctxlocale becomes null. Returns CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_loc_drop_all(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* True when a record is on the list; it is not looked at, so it may be any pointer. */
+ZRV_API CS_BOOL comn_loc_validate(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+
+/* Copies the six pointers; the destination keeps its context and its place in the list. Returns
+ * CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_loc_copy(CS_LOCALE *dest_locale, CS_LOCALE *src_locale) ZRV_NOEXCEPT;
+
+/* ---- why nothing loads ---- */
+
+/* Prints through com_perr which files of the installation are missing, for a program that could not
+ * start a context. Only the environment and the files are looked at. CS_SUCCEED when nothing was
+ * missing, else CS_FAIL. */
+ZRV_API CS_RETCODE com_intl_verify_ctxloc(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/* com__verify_msgfile for the language of a locale's messageptr. */
+ZRV_API CS_RETCODE com_intl_verify_a_msgfile(CS_CONTEXT *context, CS_LOCALE *locale,
+                                             CS_CHAR *filename, CS_CHAR *buffer,
+                                             CS_INT buflen) ZRV_NOEXCEPT;
+
+/*
+ * Find a file of a language, or of a character set, and ask whether it can be read.
+ *
+ * buffer  out  the path, or "*" when there is none
+ * buflen  in   bytes at `buffer`, at least 1, else fatal
+ *
+ * Return true (CS_SUCCEED) or false (CS_FAIL), or what the builder of the path returned.
+ */
+ZRV_PRIVATE CS_RETCODE com__verify_msgfile(CS_CONTEXT *context, CS_CHAR *lang, CS_INT langlen,
+                                           CS_CHAR *filename, CS_CHAR *buffer,
+                                           CS_INT buflen) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE com__verify_charfile(CS_CONTEXT *context, CS_CHAR *charset,
+                                            CS_CHAR *filename, CS_CHAR *fileext, CS_CHAR *buffer,
+                                            CS_INT buflen) ZRV_NOEXCEPT;
+
+/* ---- the steps of loading ---- */
+
+/*
+ * Reads the row of a locale from the section "linux" of locales.dat.
+ *
+ * name   in   the name, NUL-terminated; `namelen` is not looked at
+ * names  out  the row; the names that it does not have are empty, but the sort order is "binary".
+ *             After a failure it holds what had been read
+ *
+ * Returns CS_SUCCEED; CS_FAIL without the section or the row, for a row without language or character
+ * set, and when a key other than "locale" stands before the row; COM_LOCFILE_ERROR; COM_INTL_ERROR. A
+ * name of more than 255 bytes is fatal.
+ */
+ZRV_PRIVATE CS_RETCODE comn__intl_lookup(CS_CONTEXT *context, CS_CHAR *name, CS_INT namelen,
+                                         CsLocNames *names, CS_CHAR *locfilename,
+                                         CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* A new, empty cache that is on no list yet: CS_SUCCEED, or CS_MEM_ERROR with `*lcachep` null. */
+ZRV_PRIVATE CS_RETCODE comn__create_loccache(CS_CONTEXT *context,
+                                             CsLocCache **lcachep) ZRV_NOEXCEPT;
+
+/* Releases a cache that is on no list, with its names. Null is allowed. */
+ZRV_PRIVATE void comn__drop_loccache(CsLocCache *lcache) ZRV_NOEXCEPT;
+
+/* Gives an empty cache what another has of locale name, character set, language, messages and sort
+ * order; dates, numbers and money stay empty. CS_SUCCEED, or CS_MEM_ERROR with some of it copied. */
+ZRV_PRIVATE CS_RETCODE comn__copy_loccache(CsLocCache *src, CsLocCache *dest) ZRV_NOEXCEPT;
+
+/* True when two caches have the same names, and objects with the same identifiers, and date tables
+ * that comn__cmp_dtinfo calls equal. */
+ZRV_PRIVATE CS_BOOL comn__cmp_loccache(CsLocCache *lcache1, CsLocCache *lcache2) ZRV_NOEXCEPT;
+
+/* True when two date tables are equal: by their identifiers where one has any, else by all that they
+ * hold. Null is equal to null alone. */
+ZRV_PRIVATE CS_BOOL comn__cmp_dtinfo(struct _csdateinfo *dt1, struct _csdateinfo *dt2) ZRV_NOEXCEPT;
+
+/* Looks for a cache that equals another, and takes it and its date tables off their lists. CS_SUCCEED
+ * with the cache, or with null when there is none; CS_FAIL with null, nothing changed, when its date
+ * tables are not on their list. */
+ZRV_PRIVATE CS_RETCODE comn__scan_lcache(CS_CONTEXT *context, CsLocCache *lcache,
+                                         CsLocCache **dup_loccache) ZRV_NOEXCEPT;
+
+/* Loads the format that a cache names, from the list of its kind or from its file. `type` is
+ * CS_LCTYPE_MONETARY, CS_LCTYPE_NUMERIC or CS_LCTYPE_TIME, else CS_FAIL; `oid` the identifier of the
+ * name. CS_SUCCEED; COM_LOCFILE_ERROR or COM_INTL_ERROR with the status in ctxintlerr; else what
+ * comn__path_locdata or the reader returns. */
+ZRV_PRIVATE CS_RETCODE comn__load_locdata(CS_CONTEXT *context, CS_INT type, CsOID *oid,
+                                          CsLocCache *lcache, CS_CHAR *locfilename,
+                                          CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* CS_SUCCEED when a list of format elements, which may be empty, has none of a type; else true only
+ * when there is an `eptr`. */
+ZRV_PRIVATE CS_RETCODE comn__chk_format(CS_INT type, ParseStruct *pptr, CS_VOID *eptr) ZRV_NOEXCEPT;
+
+/*
+ * Reads sizes of digit groups from the values of the current entry.
+ *
+ * charattrib  in   the character set of the file; null for the built-in one
+ * grpptr      out  a new array, to be released with comn_free; null on failure
+ * cntptr      out  its length; 0 on failure
+ *
+ * A first size of -1, no groups at all, is a complete list. CS_SUCCEED; CS_FAIL for an entry without
+ * values and for a first size of 0 or below -1; CS_MEM_ERROR; COM_INTL_ERROR when the reader failed.
+ */
+ZRV_PRIVATE CS_RETCODE comn__read_grp(struct intl_locfile *ifile, struct char_attrib *charattrib,
+                                      CS_INT **grpptr, CS_INT *cntptr) ZRV_NOEXCEPT;
+
+/* ---- date, number and money tables ---- */
+
+/* Date conventions: of a language, shared by all its caches, or a private copy with a style of its
+ * own. Texts are UTF-8. What a comment does not speak of is not filled by anything that loads. */
+typedef struct _csdateinfo {
+  CsOID *id; /* the language's; null for a private copy */
+  CS_INT is12hour;
+  CS_BYTE *amindict;
+  CS_INT amindict_len;
+  CS_BYTE *pmindict;
+  CS_INT pmindict_len;
+  CS_BYTE *months[12]; /* full names, NUL-terminated */
+  CS_INT mon_len[12];  /* without the NUL */
+  CS_BYTE *shortmonths[12];
+  CS_INT shrtmon_len[12];
+  CS_BYTE *days[7]; /* names, the first day of the week first */
+  CS_INT day_len[7];
+  CS_BYTE *shortdays[7];
+  CS_INT shrtday_len[7];
+  CS_INT firstday; /* 1 is Monday, 7 Sunday */
+  CS_BYTE *datefmt;
+  CS_INT datefmt_len;
+  CS_BYTE *timefmt;
+  CS_INT timefmt_len;
+  CS_BYTE *longdtfmt;
+  CS_INT longdtfmt_len;
+  CS_BYTE *shrtdtfmt;
+  CS_INT shrtdtfmt_len;
+  CS_BYTE *era;
+  CS_INT era_len;
+  CS_BYTE *era_t_fmt;
+  CS_INT eratfmt_len;
+  CS_BYTE *era_d_fmt;
+  CS_INT eradfmt_len;
+  CS_BYTE *era_dt_fmt;
+  CS_INT eradtfmt_len;
+  CS_INT secprec;
+  CS_CHAR dateorder[4]; /* day, month and year: "mdy" and so on */
+  CS_INT convertfmt;    /* style of date-times as text */
+  CS_INT bdtconvertfmt; /* the same of big date-times; -1 for the same */
+  int locdateorder_id;  /* `dateorder` as a number, COM_DATEORDER_ */
+  struct _csdateinfo *next;
+} CS_DATEINFO;
+
+/* Number conventions. Nothing fills them. */
+typedef struct _csnuminfo {
+  CsOID *id;
+  CS_BYTE *decpt; /* decimal point */
+  CS_INT decpt_len;
+  CS_BYTE *gpsep; /* group separator */
+  CS_INT gpsep_len;
+  CS_INT *grouping;
+  CS_INT group_cnt;
+  CS_BYTE *possign;
+  CS_INT possign_len;
+  CS_BYTE *negsign;
+  CS_INT negsign_len;
+  CS_BYTE *posfmt;
+  CS_INT posfmt_len;
+  CS_BYTE *negfmt;
+  CS_INT negfmt_len;
+  struct _csnuminfo *next;
+} CS_NUMINFO;
+
+/* Money conventions. Nothing fills them. */
+typedef struct _csmoninfo {
+  CsOID *id;
+  CS_BYTE *intlcurrsym; /* international currency symbol */
+  CS_INT intlsym_len;
+  CS_BYTE *loccurrsym; /* local one */
+  CS_INT locsym_len;
+  CS_BYTE *decpt;
+  CS_INT decpt_len;
+  CS_BYTE *gpsep;
+  CS_INT gpsep_len;
+  CS_INT *grouping;
+  CS_INT group_cnt;
+  CS_BYTE *possign;
+  CS_INT possign_len;
+  CS_BYTE *negsign;
+  CS_INT negsign_len;
+  CS_INT intlfracdig; /* digits behind the point */
+  CS_INT locfracdig;
+  CS_BYTE *intlposfmt;
+  CS_INT intlposfmt_len;
+  CS_BYTE *intlnegfmt;
+  CS_INT intlnegfmt_len;
+  CS_BYTE *locposfmt;
+  CS_INT locposfmt_len;
+  CS_BYTE *locnegfmt;
+  CS_INT locnegfmt_len;
+  struct _csmoninfo *next;
+} CS_MONINFO;
+
+/* Date orders by number. */
+#define COM_DATEORDER_MDY 1
+#define COM_DATEORDER_DMY 2
+#define COM_DATEORDER_YMD 3
+#define COM_DATEORDER_YDM 4
+#define COM_DATEORDER_MYD 5
+#define COM_DATEORDER_DYM 6
+
+/* ---- what dates look like, by a format ----
+ *
+ * The conventions are those of the format's locale, else of ctxlocale. Without either, and both
+ * arguments may be null, the answer is built in. What is handed out belongs to the tables and must
+ * not be written. A locale that is not complete is fatal, null or 0.
+ */
+ZRV_API CS_CHAR **com_intl_months(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+ZRV_API CS_CHAR **com_intl_shortmonths(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+ZRV_API CS_CHAR **com_intl_days(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_intl_firstday(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT; /* else 7 */
+ZRV_API CS_CHAR *com_intl_dateorder(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+ZRV_API int com_intl_dateorder_id(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+ZRV_API CS_INT com_intl_is12hour(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT; /* else 1 */
+
+/* Moves the number of a day from one convention for the first day of the week to another. */
+ZRV_API CS_INT com_intl_convt_firstday(CS_INT orig_firstday, CS_INT orig_day,
+                                       CS_INT dest_firstday) ZRV_NOEXCEPT;
+
+/* ---- what dates look like, by a locale ----
+ *
+ * A null `locale` means ctxlocale. A locale, its timeptr and the date tables of that cache must be
+ * there, else the call is fatal.
+ */
+
+/* The kinds of names. */
+#define COM_DT_MONTH 7340
+#define COM_DT_SHORTMONTH 7341
+#define COM_DT_DAYNAME 7342
+
+/*
+ * The name of a month, 0 to 11, or of a day, 0 to 6 from the first day of the week; the date order.
+ *
+ * type    in   COM_DT_MONTH or COM_DT_SHORTMONTH for months, COM_DT_DAYNAME for days, else fatal
+ * buffer  out  the text in the character set of the locale, not NUL-terminated
+ * buflen  in   bytes at `buffer`
+ * outlen  out  its length
+ *
+ * Return what the conversion from UTF-8 returns. A number out of range is fatal, CS_CONV_DOMAIN.
+ */
+ZRV_API CS_RETCODE comn_intl_month(CS_CONTEXT *context, CS_LOCALE *locale, CS_INT type,
+                                   CS_INT month_number, CS_CHAR *buffer, CS_INT buflen,
+                                   CS_INT *outlen) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_intl_day(CS_CONTEXT *context, CS_LOCALE *locale, CS_INT type,
+                                 CS_INT day_number, CS_CHAR *buffer, CS_INT buflen,
+                                 CS_INT *outlen) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_intl_dateorder(CS_CONTEXT *context, CS_LOCALE *locale, CS_CHAR *buffer,
+                                       CS_INT buflen, CS_INT *outlen) ZRV_NOEXCEPT;
+
+/* True for a 12-hour clock. */
+ZRV_API CS_INT comn_intl_is12hour(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+
+/* The style of date-times, and of big date-times, as text. */
+ZRV_API CS_INT comn_intl_get_dtfmt(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+ZRV_API CS_INT comn_intl_get_bdtfmt(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+
+/* What comn__intl_set_dtfmt sets. */
+#define COM_DT_CONVERTFMT 7345
+#define COM_DT_BDTCONVERTFMT 7346
+
+/*
+ * Give a locale a style of its own. Caches are shared, so the locale gets another one, with private
+ * date tables, which from then on serves all six categories; it has no name, and no formats for
+ * numbers and money. A cache that is equal already serves again.
+ *
+ * buffer  in  the style, a CS_INT; any number
+ *
+ * Return CS_SUCCEED, or CS_MEM_ERROR with nothing changed.
+ */
+ZRV_API CS_RETCODE comn_intl_set_dtfmt(CS_CONTEXT *context, CS_LOCALE *locale,
+                                       CS_VOID *buffer) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_intl_set_bdtfmt(CS_CONTEXT *context, CS_LOCALE *locale,
+                                        CS_VOID *buffer) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__intl_set_dtfmt(CS_CONTEXT *context, CS_LOCALE *locale, CS_INT type,
+                                            CS_VOID *buffer) ZRV_NOEXCEPT;
+
+/* comn_intl_is12hour, and 1 when there is neither a locale nor a context. */
+ZRV_API CS_INT comn_dtloc_is12hour(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+
+/* The number of the date order, and the style of date-times as text, of a locale, else of ctxlocale,
+ * else, when there is neither, the built-in date order from both. */
+ZRV_API int comn_dtloc_format(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+ZRV_API CS_INT comn_dtloc_format_fmt(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
+
+/* The style of a conversion from `srcfmt`, of which the datatype counts, to text with the locale of
+ * `destfmt`. A style that text does not have is replaced by 0. */
+ZRV_API CS_INT comn_get_datetochar_fmt(CS_CONTEXT *context, CS_DATAFMT *srcfmt,
+                                       CS_DATAFMT *destfmt) ZRV_NOEXCEPT;
+
+/* The style of a date order, COM_DATEORDER_; any other number is fatal, 0. */
+ZRV_PRIVATE CS_INT com__map_dateorder_id_to_fmt(int dateorder_id) ZRV_NOEXCEPT;
+
+/* ---- the life of the tables ---- */
+
+/* Release the tables of all locales. They return CS_SUCCEED. */
+ZRV_API CS_RETCODE comn_intl_dt_drop(CS_CONTEXT *context) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_intl_mon_drop(CS_CONTEXT *context) ZRV_NOEXCEPT;
+ZRV_API CS_RETCODE comn_intl_num_drop(CS_CONTEXT *context) ZRV_NOEXCEPT;
+
+/*
+ * Gives a cache the date tables of its language: those that are loaded already, else from the section
+ * "datetime" of the language's common.loc. The cache must have its character set, its messages and
+ * the name of its language.
+ *
+ * Returns CS_SUCCEED; CS_FAIL without the section; CS_MEM_ERROR; COM_LOCFILE_ERROR or COM_INTL_ERROR
+ * with the status in ctxintlerr; else what the builder of the path returns. Nothing is changed on
+ * failure.
+ */
+ZRV_PRIVATE CS_RETCODE comn__read_common(CS_CONTEXT *context, CsLocCache *lcache,
+                                         CS_CHAR *locfilename, CS_INT filenamelen) ZRV_NOEXCEPT;
+
+/* The tables with an identifier, or null. Those of money and numbers are never found, also when
+ * there are some, so each load opens their file again. */
+ZRV_PRIVATE CS_DATEINFO *comn__scan_cache_dt(CS_CONTEXT *context, CsOID *id) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_MONINFO *comn__scan_cache_mon(CS_CONTEXT *context, CsOID *id) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_NUMINFO *comn__scan_cache_num(CS_CONTEXT *context, CsOID *id) ZRV_NOEXCEPT;
+
+/* The readers of format files, which accept an open file as it is and set nothing. */
+ZRV_PRIVATE CS_RETCODE comn__read_dtfile(CS_CONTEXT *context, struct intl_locfile *ifile, CsOID *id,
+                                         CS_DATEINFO **dateinfop) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__read_monfile(CS_CONTEXT *context, struct intl_locfile *ifile,
+                                          CsOID *id, CS_MONINFO **moninfop) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__read_numfile(CS_CONTEXT *context, struct intl_locfile *ifile,
+                                          CsOID *id, CS_NUMINFO **numinfop) ZRV_NOEXCEPT;
+
+/* Copies all of a table but its place in the list. The texts are new blocks; the names have a
+ * terminator. CS_SUCCEED, or CS_MEM_ERROR with `dest` cleared. */
+ZRV_PRIVATE CS_RETCODE comn__copy_dtinfo(CS_DATEINFO *src, CS_DATEINFO *dest) ZRV_NOEXCEPT;
+
+/* Release a table that is on no list, with its texts; null is allowed. Those of money and numbers do
+ * nothing. */
+ZRV_PRIVATE void comn__free_dtinfo(CS_DATEINFO *dtinfo) ZRV_NOEXCEPT;
+ZRV_PRIVATE void comn__free_moninfo(CS_MONINFO *moninfo) ZRV_NOEXCEPT;
+ZRV_PRIVATE void comn__free_numinfo(CS_NUMINFO *numinfo) ZRV_NOEXCEPT;
 
 /* ---- conversion between character sets ----
  *

@@ -1,7 +1,10 @@
-// The names that a locale's caches hold.
+// Questions to a locale: its names, whether it agrees with another, its character set.
 #include "check_trap.h"
 #include "guarded_buffer.h"
 #include "identifiers.h"
+#include "zrvcomn/charset.h"
+#include "zrvcomn/comerr.h"
+#include "zrvcomn/sortordr.h"
 
 namespace {
 
@@ -91,6 +94,101 @@ TEST_F(LocaleNames, RefusesWrongArguments) {
   locale.numericptr = nullptr;
   EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL, com_intl_getstr(&locale, 5, 1, text, 20, &length));
   EXPECT_EQ(length, 77);
+}
+
+// ---- two locales ----
+
+class LocalePair : public testing::Test {
+protected:
+  LocalePair() {
+    for (CsLocCache &cache : caches) {
+      cache.locchardesc = &sets[0];
+      cache.locmessage = &messages[0];
+      cache.locsortorder = &orders[0];
+    }
+    a = {&caches[0], &caches[0], &caches[0], &caches[0], &caches[0], &caches[0], nullptr, nullptr};
+    b = {&caches[1], &caches[1], &caches[1], &caches[1], &caches[1], &caches[1], nullptr, nullptr};
+  }
+
+  CsCharDesc sets[2]{};
+  CS_MESSAGE messages[2]{};
+  CsSortDesc orders[2]{};
+  CsLocCache caches[2]{};
+  CsLocale a{}, b{};
+};
+
+TEST_F(LocalePair, AgreeWhenTheirObjectsAreTheSame) {
+  for (CS_INT lctype = 1; lctype <= 6; ++lctype)
+    for (CS_INT type = 1; type <= 3; ++type)
+      EXPECT_EQ(com_intl_loccmp(lctype, type, &a, &b), 0);
+  CsOID id{};
+  sets[0].oid = sets[1].oid = &id; // an identifier is not enough
+  const auto differ = [&](CS_INT in) {
+    for (CS_INT lctype = 1; lctype <= 6; ++lctype)
+      for (CS_INT type = 1; type <= 3; ++type)
+        EXPECT_EQ(com_intl_loccmp(lctype, type, &a, &b), type == in ? 1 : 0);
+  };
+  caches[1].locchardesc = &sets[1];
+  differ(1);
+  caches[1].locchardesc = &sets[0];
+  caches[1].locmessage = &messages[1];
+  differ(2);
+  caches[1].locmessage = &messages[0];
+  caches[1].locsortorder = &orders[1];
+  differ(3);
+}
+
+TEST_F(LocalePair, EachCategoryCounts) {
+  caches[1].locchardesc = &sets[1];
+  CS_VOID **const pointers[] = {&b.collateptr,  &b.ctypeptr,   &b.messageptr,
+                                &b.monetaryptr, &b.numericptr, &b.timeptr};
+  for (CS_INT equal = 1; equal <= 6; ++equal) {
+    *pointers[equal - 1] = &caches[0];
+    for (CS_INT lctype = 1; lctype <= 6; ++lctype)
+      EXPECT_EQ(com_intl_loccmp(lctype, 1, &a, &b), lctype == equal ? 0 : 1);
+    *pointers[equal - 1] = &caches[1];
+  }
+}
+
+TEST_F(LocalePair, TheSameLocaleNeedsNoCache) {
+  CsLocale empty{}, other{};
+  EXPECT_EQ(com_intl_loccmp(1, 1, &empty, &empty), 0);
+  EXPECT_EQ(com_intl_loccmp(1, 1, &empty, &other), 0);
+  EXPECT_NULL_POINTER_CHECK(unit, 1, com_intl_loccmp(1, 1, &a, &empty));
+  EXPECT_NULL_POINTER_CHECK(unit, 1, com_intl_loccmp(1, 1, nullptr, &empty));
+  EXPECT_NULL_POINTER_CHECK(unit, 1, com_intl_loccmp(1, 1, &empty, nullptr));
+  for (const CS_INT wrong : {0, 7})
+    EXPECT_ASSERTION(unit, 1, com_intl_loccmp(wrong, 1, &a, &b));
+  for (const CS_INT wrong : {0, 4})
+    EXPECT_ASSERTION(unit, 1, com_intl_loccmp(1, wrong, &a, &b));
+}
+
+// ---- the character set of a format ----
+
+TEST_F(LocalePair, TheCharacterSetOfAFormat) {
+  CS_ATTRIB attributes[2]{}, *const none = nullptr;
+  sets[0].char_attrib = &attributes[0];
+  sets[1].char_attrib = &attributes[1];
+  caches[1].locchardesc = &sets[1];
+  CS_CONTEXT context{};
+  CS_DATAFMT format{};
+  EXPECT_EQ(com_intl_charattr(nullptr, nullptr), com_get_charattrib());
+  EXPECT_EQ(com_intl_charattr(nullptr, &format), com_get_charattrib());
+  EXPECT_NULL_POINTER_CHECK(unit, none, com_intl_charattr(&context, nullptr));
+  context.ctxlocale = &a;
+  EXPECT_EQ(com_intl_charattr(&context, nullptr), &attributes[0]);
+  EXPECT_EQ(com_intl_charattr(&context, &format), &attributes[0]);
+  format.locale = &b;
+  EXPECT_EQ(com_intl_charattr(&context, &format), &attributes[1]);
+  EXPECT_EQ(com_intl_charattr(nullptr, &format), &attributes[1]);
+  sets[1].char_attrib = nullptr;
+  EXPECT_NULL_POINTER_CHECK(unit, none, com_intl_charattr(&context, &format));
+  caches[1].locchardesc = nullptr;
+  EXPECT_NULL_POINTER_CHECK(unit, none, com_intl_charattr(&context, &format));
+  b.ctypeptr = nullptr;
+  EXPECT_ASSERTION(unit, none, com_intl_charattr(&context, &format));
+  a.ctypeptr = nullptr;
+  EXPECT_NULL_POINTER_CHECK(unit, none, com_intl_charattr(&context, nullptr));
 }
 
 } // namespace

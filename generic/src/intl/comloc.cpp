@@ -1,8 +1,10 @@
-// Questions to a locale: the names that its caches hold.
+// Questions to a locale: the names that its caches hold, its character set, and whether it agrees
+// with another.
 #include "comloc.h"
 
 #include <cstring>
 
+#include "charset.h"
 #include "checks.h"
 
 namespace {
@@ -21,6 +23,26 @@ CS_CHAR *append(CS_CHAR *end, Name name) noexcept {
   if (name.length > 0)
     std::memcpy(end, name.text, static_cast<size_t>(name.length));
   return end + name.length;
+}
+
+// The objects that com_intl_loccmp compares, by `type`.
+const void *object_of(const CsLocCache &cache, CS_INT type) noexcept {
+  switch (type) {
+  case CS_LOCSTR_CHARSET:
+    return cache.locchardesc;
+  case CS_LOCSTR_LANGUAGE:
+    return cache.locmessage;
+  default:
+    return cache.locsortorder;
+  }
+}
+
+CS_ATTRIB *attributes_of(const CS_LOCALE *locale) noexcept {
+  const auto *const cache = static_cast<const CsLocCache *>(locale->ctypeptr);
+  COMN_CHECK(cache != nullptr, nullptr);
+  COMN_CHECK_PTR(cache->locchardesc, nullptr);
+  COMN_CHECK_PTR(cache->locchardesc->char_attrib, nullptr);
+  return cache->locchardesc->char_attrib;
 }
 
 } // namespace
@@ -63,4 +85,29 @@ CS_RETCODE com_intl_getstr(CsLocale *locale, CS_INT lctype, CS_INT type, CS_CHAR
     end = append(end, part);
   *outlen = length;
   return COMN_TRACE(CS_SUCCEED);
+}
+
+CS_INT com_intl_loccmp(CS_INT lctype, CS_INT type, CsLocale *loc1, CsLocale *loc2) noexcept {
+  COMN_CHECK_PTR(loc1, 1);
+  COMN_CHECK_PTR(loc2, 1);
+  COMN_CHECK(lctype >= CS_LCTYPE_COLLATE && lctype <= CS_LCTYPE_TIME, 1);
+  COMN_CHECK(type >= CS_LOCSTR_CHARSET && type <= CS_LOCSTR_SORTORDER, 1);
+  const auto category = categories[lctype - 1];
+  if (loc1 == loc2 || loc1->*category == loc2->*category)
+    return 0;
+  const auto *const cache1 = static_cast<const CsLocCache *>(loc1->*category);
+  const auto *const cache2 = static_cast<const CsLocCache *>(loc2->*category);
+  COMN_CHECK_PTR(cache1, 1);
+  COMN_CHECK_PTR(cache2, 1);
+  return object_of(*cache1, type) == object_of(*cache2, type) ? 0 : 1;
+}
+
+CS_ATTRIB *com_intl_charattr(CS_CONTEXT *context, CS_DATAFMT *dfmt) noexcept {
+  if (dfmt != nullptr && dfmt->locale != nullptr)
+    return attributes_of(dfmt->locale);
+  if (context == nullptr)
+    return com_get_charattrib();
+  COMN_CHECK_PTR(context->ctxlocale, nullptr);
+  COMN_CHECK_PTR(context->ctxlocale->ctypeptr, nullptr);
+  return attributes_of(context->ctxlocale);
 }

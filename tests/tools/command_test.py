@@ -447,7 +447,7 @@ class Command(unittest.TestCase):
         self.check(result, 0, f"zrvcomn {build.version} (library 16001)\n")
         for words in (["--help"], ["-h"], ["config", "--help"], ["convert", "--help"],
                       ["types", "--help"], ["date", "--help"], ["completion", "--help"],
-                      ["oid", "--help"]):
+                      ["oid", "--help"], ["message", "--help"]):
             result = zrvcomn(*words)
             self.assertEqual((result.code, result.err), (0, ""))
             self.assertIn("Usage: zrvcomn", result.out)
@@ -458,7 +458,7 @@ class Command(unittest.TestCase):
         (self.scratch / "countries.csv").write_bytes(
             (project.source_dir / "samples" / "countries.csv").read_bytes())
         environment = os.environ | {"PATH": f"{command.parent}:{os.environ['PATH']}"}
-        for words in ([], ["config"], ["convert"], ["date"], ["oid"], ["types"], ["completion"]):
+        for words in ([], ["config"], ["convert"], ["date"], ["message"], ["oid"], ["types"], ["completion"]):
             text = zrvcomn(*words, "--help").out
             lines = re.findall(r"^  ((?:seq|zrvcomn|eval) .*(?:\S))$", text.split("Example")[1], re.M)
             self.assertTrue(lines)
@@ -516,6 +516,53 @@ class Command(unittest.TestCase):
         self.assertEqual(row, {"code": 8, "name": "int", "width": 4, "aliases": ["integer", "i4"],
                                "converts_to": ["char"]})
         self.assertIsNone(json.loads(zrvcomn("types", "--json", "--from", "char").out)["width"])
+
+    # ---- message ----
+
+    def test_message(self):
+        self.check(zrvcomn("message", "17040898"), 0,
+                   "zrvcomn: common library: configuration: Memory has run out.\n")
+        self.check(zrvcomn("message", "0x01040603", "comn_init_cfg", "a.cfg"), 0,
+                   'comn_init_cfg: common library: configuration: The file "a.cfg" cannot be opened.\n')
+        self.check(zrvcomn("message", "17039368", "--", "-f", "012", "x"), 0,
+                   '-f: common library: configuration: There is a syntax error in line 012 near "x".\n')
+        # A place without a parameter, and the origin that has the texts of another library.
+        self.check(zrvcomn("message", "17040899", "f"), 0,
+                   'f: common library: configuration: The file "%s" cannot be opened.\n')
+        self.check(zrvcomn("message", "0x01050603", "f"), 0,
+                   "f: common library: installation files: a line of the file is too long\n")
+
+    def test_message_language(self):
+        for name in ("german", "de"):
+            self.check(zrvcomn("message", "17040898", "f", "--language", name), 0,
+                       "f: gemeinsame Bibliothek: Konfiguration: Der Speicher ist erschöpft.\n")
+        result = zrvcomn("message", "17040898", "--language", "klingon")
+        self.check(result, 1, "", "zrvcomn message: no language is known as 'klingon'\n")
+
+    def test_message_json(self):
+        result = zrvcomn("message", "17040899", "f", "a.cfg", "--language", "ja", "--json")
+        self.assertEqual((result.code, result.err), (0, ""))
+        self.assertEqual(json.loads(result.out), {
+            "number": 17040899, "layer": 1, "origin": 4, "severity": 6, "text": 3, "sqlstate": "HY000",
+            "language": "japanese", "line": 'f: 共通ライブラリ: 構成: ファイル "a.cfg" を開けません。'})
+
+    def test_message_without_a_text(self):
+        self.check(zrvcomn("message", "0x010406ff"), 1, "",
+                   "zrvcomn message: the language us_english has no text for 255 (0x010406ff)\n")
+        config = self.scratch / "config"
+        config.mkdir()
+        shutil.copy(project.source_dir / "home/config/objectid.dat", config)
+        result = zrvcomn("message", "17040898", ZARVEK=str(self.scratch))
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertRegex(result.err, r"\Azrvcomn[^\n]*: cannot read comnlib.loc of us_english: "
+                                     r"COM_LOCFILE_ERROR, the file cannot be opened[^\n]*\n\Z")
+
+    def test_message_usage(self):
+        self.check_usage(zrvcomn("message"), "number")
+        for number in ("x", "", "1x", "0x", "4294967296", "-2147483649", "0x100000000"):
+            self.check_usage(zrvcomn("message", "--", number), "no message number")
+        self.check_usage(zrvcomn("message", "1", "a", "b", "c", "d"), "three parameters")
+        self.check_usage(zrvcomn("message", "0x01050603", "a", "b"), "one parameter")
 
     # ---- oid ----
 

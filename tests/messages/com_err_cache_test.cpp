@@ -1,6 +1,5 @@
 // The cache of message texts: what is loaded, found, dropped, and what a failure leaves behind.
-#include <climits>
-#include <functional>
+#include <algorithm>
 
 #include "allocation_probe.h"
 #include "check_trap.h"
@@ -449,6 +448,129 @@ TEST_F(MessageCache, States) {
                             com_err_sqlstate(&context, handle(), 7, 4, nullptr, 8, &length));
   EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL,
                             com_err_sqlstate(&context, handle(), 7, 4, eight.text(), 8, nullptr));
+}
+
+// ---- conversion ----
+
+// What a conversion of the application's does: it answers each call with the next of the results, and
+// copies what fits.
+struct Conversion {
+  std::vector<CS_RETCODE> results;
+  std::vector<std::pair<CS_INT, CS_INT>> calls; // length and room
+} conversion;
+
+CS_RETCODE convert(CS_CONTEXT *, CS_DATAFMT *from, CS_VOID *source, CS_DATAFMT *to, CS_VOID *dest,
+                   CS_INT *length) {
+  const size_t call = conversion.calls.size();
+  conversion.calls.emplace_back(from->maxlength, to->maxlength);
+  *length = std::min(from->maxlength, to->maxlength);
+  std::memcpy(dest, source, static_cast<size_t>(*length));
+  return call < conversion.results.size() ? conversion.results[call] : CS_SUCCEED;
+}
+
+// A locale whose set is another one, with a conversion of the application's.
+class MessageConversion : public MessageCache {
+protected:
+  MessageConversion() {
+    utf8.oid = &utf8_oid;
+    globals.cmg_utf8_charset = &utf8;
+    algorithm.from_oid = &utf8_oid;
+    algorithm.to_oid = &charset_oid;
+    algorithm.user_conv_func = convert;
+    context.usercharconv = &algorithm;
+    conversion = Conversion{};
+    write("[a]\n1 = 42000, \"some\", \" text\"\n2 = 42000\n3 =, text\n", "own.loc");
+  }
+
+  // The status of a load of one text when the conversion answers so.
+  CS_RETCODE load(CS_MSGNUM number, std::vector<CS_RETCODE> results) {
+    EXPECT_EQ(comn_intl_message_drop(&context), CS_SUCCEED);
+    EXPECT_EQ(comn__intl_load_message(&context, &language_oid, &cache), CS_SUCCEED);
+    conversion = {std::move(results), {}};
+    return init({{1, number}}, {{1, "a"}});
+  }
+
+  CsOID utf8_oid{};
+  CsCharDesc utf8{};
+  CsUserAlgo algorithm{};
+};
+
+TEST_F(MessageConversion, TextThenState) {
+  ASSERT_EQ(load(1, {}), CS_SUCCEED);
+  EXPECT_EQ(conversion.calls, (std::vector<std::pair<CS_INT, CS_INT>>{{9, 9}, {5, 7}}));
+  EXPECT_EQ(own(1, 1), "some text");
+}
+
+TEST_F(MessageConversion, EmptyTextsAndStatesStayEmpty) {
+  ASSERT_EQ(load(2, {}), CS_SUCCEED);
+  EXPECT_EQ(conversion.calls, (std::vector<std::pair<CS_INT, CS_INT>>{{5, 7}}));
+  EXPECT_EQ(own(1, 2), "");
+  ASSERT_EQ(load(3, {}), CS_SUCCEED);
+  EXPECT_EQ(conversion.calls, (std::vector<std::pair<CS_INT, CS_INT>>{{4, 4}}));
+  EXPECT_EQ(own(1, 3), "text");
+}
+
+TEST_F(MessageConversion, ATextThatGrowsGetsThreeTimesTheRoom) {
+  ASSERT_EQ(load(1, {CS_CONV_TRUNCATED}), CS_SUCCEED);
+  EXPECT_EQ(conversion.calls, (std::vector<std::pair<CS_INT, CS_INT>>{{9, 9}, {9, 27}, {5, 7}}));
+  EXPECT_EQ(own(1, 1), "some text");
+  ASSERT_EQ(load(1, {CS_CONV_TRUNCATED, CS_CONV_PARTIAL}), CS_SUCCEED);
+  EXPECT_EQ(load(1, {CS_CONV_TRUNCATED, CS_CONV_TRUNCATED}), CS_CONV_TRUNCATED);
+  EXPECT_EQ(conversion.calls.size(), 2U);
+  EXPECT_EQ(history(), Names{});
+  EXPECT_EQ(load(1, {CS_CONV_TRUNCATED, CS_CONV_BADCHAR}), CS_CONV_BADCHAR);
+}
+
+TEST_F(MessageConversion, ResultsForTheText) {
+  EXPECT_EQ(load(1, {CS_CONV_PARTIAL}), CS_SUCCEED);
+  EXPECT_EQ(own(1, 1), "some text");
+  for (const CS_RETCODE result : {CS_FAIL, CS_MEM_ERROR, CS_CONV_OVERFLOW, CS_CONV_NOXLATE}) {
+    EXPECT_EQ(load(1, {result}), result);
+    EXPECT_EQ(conversion.calls.size(), 1U);
+    EXPECT_EQ(history(), Names{});
+  }
+}
+
+TEST_F(MessageConversion, ResultsForTheState) {
+  for (const CS_RETCODE result : {CS_SUCCEED, CS_CONV_TRUNCATED, CS_CONV_PARTIAL}) {
+    EXPECT_EQ(load(1, {CS_SUCCEED, result}), CS_SUCCEED);
+    char state[8];
+    CS_INT length = 0;
+    EXPECT_EQ(com_err_sqlstate(&context, &errhan, 1, 1, state, 8, &length), CS_SUCCEED);
+    EXPECT_STREQ(state, "42000");
+  }
+  for (const CS_RETCODE result : {CS_FAIL, CS_MEM_ERROR, CS_CONV_NOXLATE}) {
+    EXPECT_EQ(load(1, {CS_SUCCEED, result}), result);
+    EXPECT_EQ(history(), Names{});
+  }
+}
+
+TEST_F(MessageConversion, NothingLeaks) {
+  for (const std::vector<CS_RETCODE> &results :
+       {std::vector<CS_RETCODE>{CS_FAIL}, {CS_CONV_TRUNCATED, CS_FAIL}, {CS_SUCCEED, CS_FAIL}}) {
+    load(1, {});
+    const AllocationProbe probe;
+    conversion = {results, {}};
+    EXPECT_NE(init({{1, 3}, {1, 2}}, {{1, "a"}}), CS_SUCCEED);
+    EXPECT_EQ(probe.live_blocks(), 0U);
+  }
+}
+
+// The sets of the installation.
+TEST_F(MessageCache, TextsComeInTheSetOfTheLocale) {
+  CsOID utf8_oid{};
+  CsCharDesc utf8{};
+  utf8.oid = &utf8_oid;
+  globals.cmg_utf8_charset = &utf8;
+  CHAR_ATTRIB attribute{};
+  attribute.cs_id = 1; // iso_1
+  charset.char_attrib = &attribute;
+  write("[a]\n1 = 42000, gr\xc3\xbc\xc3\x9f\xe4\xb8\xad\n", "own.loc");
+  // The message file is in one home, the tables of the sets in another: they are linked.
+  std::filesystem::create_directory_symlink(ZRVTEST_HOME "/charsets",
+                                            std::filesystem::path(home) / "charsets");
+  ASSERT_EQ(init({{1, 1}}, {{1, "a"}}), CS_SUCCEED);
+  EXPECT_EQ(own(1, 1), "gr\xfc\xdf?");
 }
 
 // ---- the bound ----

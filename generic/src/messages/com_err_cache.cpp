@@ -10,7 +10,6 @@
 
 #include "checks.h"
 #include "comerr.h"
-#include "from_utf8.h"
 #include "section_files.h"
 #include "table.h"
 #include "zrvintl.h"

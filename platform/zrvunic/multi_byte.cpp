@@ -122,8 +122,8 @@ Outcome decode_multi_byte(const MultiByteTable &table, UChar16 *dest, size_t roo
       source += run;
       dest += run;
     }
-    // Other characters one by one, until three ASCII ones stand together.
-    for (int ascii = 0; source < end && ascii < 3;) {
+    // Other characters one by one, until some ASCII ones stand together.
+    for (int ascii = 0; source < end && ascii < ascii_run;) {
       const uint32_t found = table.nodes[0][*source];
       if (found - 1 < 0x7F && dest < limit) {
         *dest++ = static_cast<UChar16>(found);
@@ -153,18 +153,31 @@ Outcome encode_multi_byte(const MultiByteTable &table, const Substitutes &substi
       source += run;
       dest += run;
     }
-    for (int ascii = 0; source < end && ascii < 3;) {
-      size_t units = 0;
-      bool lacks = false;
-      const uint32_t code =
-          code_of(table, substitutes, source, static_cast<size_t>(end - source), units, lacks);
-      if (code_size(code) > static_cast<size_t>(limit - dest))
-        return {static_cast<size_t>(dest - start), UNICONV_FULL};
-      lost |= lacks;
-      dest = put_code(dest, code);
-      source += units;
-      ascii = code < 0x80 ? ascii + 1 : 0;
+    for (int ascii = 0; source < end && limit - dest >= 2 && ascii < ascii_run; ++source) {
+      const uint32_t code = table.pages[table.page_of[*source >> 8]][*source & 0xFF];
+      if (code - 1 < 0xFF) {
+        *dest++ = static_cast<UChar8>(code);
+        ascii = code < 0x80 ? ascii + 1 : 0;
+      } else if (code - 0x100 < 0xFF00) {
+        dest[0] = static_cast<UChar8>(code >> 8);
+        dest[1] = static_cast<UChar8>(code);
+        dest += 2;
+        ascii = 0;
+      } else {
+        break;
+      }
     }
+    if (source == end)
+      break;
+    size_t units = 0;
+    bool lacks = false;
+    const uint32_t code =
+        code_of(table, substitutes, source, static_cast<size_t>(end - source), units, lacks);
+    if (code_size(code) > static_cast<size_t>(limit - dest))
+      return {static_cast<size_t>(dest - start), UNICONV_FULL};
+    lost |= lacks;
+    dest = put_code(dest, code);
+    source += units;
   }
   return {static_cast<size_t>(dest - start), lost ? UNICONV_SUBSTITUTED : UNICONV_SUCCEED};
 }

@@ -282,8 +282,9 @@ private:
       return;
     }
     for (unsigned window = 0; window < window_count; ++window)
-      if (is_within(character, static_windows[window]) && change == in_bytes::change &&
-          !is_within(next, character & ~(window_size - 1))) {
+      // The first character of a window would be a NUL.
+      if (is_within(character, static_windows[window]) && character != static_windows[window] &&
+          change == in_bytes::change && !is_within(next, character & ~(window_size - 1))) {
         bytes.add(in_bytes::quote + window);
         bytes.add(character - static_windows[window]);
         return;

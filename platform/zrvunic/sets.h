@@ -111,6 +111,8 @@ size_t unit_count(const UChar16 *text) noexcept;
 // Copies ASCII from the head of the one to the other form, at most `count` characters, and tells how
 // many; what is left to the caller may begin with some ASCII still.
 size_t widen_ascii(UChar16 *dest, const UChar8 *source, size_t count) noexcept;
+// So much of it in a row makes a call worth it.
+constexpr int ascii_run = 8;
 size_t narrow_ascii(UChar8 *dest, const UChar16 *source, size_t count) noexcept;
 
 } // namespace zrvunic

@@ -30,7 +30,11 @@ constexpr Lead lead_of(UChar8 byte) noexcept {
           static_cast<uint8_t>(byte == 0xF4 ? 0x8F : 0xBF)};
 }
 
-// What stands at `source`, which is not ASCII and ends at a NUL: the character, or how the source fails
+constexpr bool is_tail(UChar8 byte) noexcept {
+  return (byte & 0xC0) == 0x80;
+}
+
+// What stands at `source`, which ends at a NUL: the character, or how the source fails
 // to be one, and the bytes that it takes.
 struct Piece {
   enum Kind { whole, malformed, cut } kind;
@@ -39,10 +43,9 @@ struct Piece {
 };
 
 inline Piece read(const UChar8 *source) noexcept {
-  const UChar8 byte = source[0];
-  if (byte >= 0xC2 && byte < 0xE0 && (source[1] & 0xC0) == 0x80)
-    return {Piece::whole, static_cast<uint32_t>((byte & 0x1F) << 6 | (source[1] & 0x3F)), 2};
-  const Lead lead = lead_of(byte);
+  if (source[0] < 0x80)
+    return {Piece::whole, source[0], 1};
+  const Lead lead = lead_of(source[0]);
   uint32_t character = lead.bits;
   uint8_t first = lead.first;
   uint8_t last = lead.last;
@@ -77,36 +80,47 @@ Progress from_utf8(UChar16 *dest, size_t room, const UChar8 *source, bool *lost)
                     std::min(static_cast<size_t>(end - source), static_cast<size_t>(limit - dest)));
     source += run;
     dest += run;
-    // Other characters one by one, until three ASCII ones stand together.
-    for (int ascii = 0; source < end && ascii < 3;) {
-      if (dest == limit) {
-        result = Progress::full;
-        goto out;
-      }
+    // Other characters one by one, until some ASCII ones stand together; first those that most texts
+    // are made of.
+    for (int ascii = 0; source < end && dest < limit && ascii < ascii_run;) {
       if (*source < 0x80) {
         *dest++ = *source++;
         ++ascii;
         continue;
       }
       ascii = 0;
-      const Piece piece = read(source);
-      if (piece.kind == Piece::whole) [[likely]] {
-        if (unit_size(piece.character) > static_cast<size_t>(limit - dest)) {
-          result = Progress::full;
-          goto out;
-        }
-        dest = put(dest, piece.character);
-      } else if (piece.kind == Piece::malformed && lost != nullptr) {
-        *dest++ = replacement;
-        *lost = true;
+      if (*source >= 0xC2 && *source < 0xE0 && is_tail(source[1])) {
+        *dest++ = static_cast<UChar16>((source[0] & 0x1F) << 6 | (source[1] & 0x3F));
+        source += 2;
+      } else if (*source >= 0xE0 && *source < 0xF0 && is_tail(source[1]) && is_tail(source[2])) {
+        const auto unit = static_cast<UChar16>((source[0] & 0xF) << 12 | (source[1] & 0x3F) << 6 |
+                                               (source[2] & 0x3F));
+        if (unit < 0x800 || is_surrogate(unit))
+          break;
+        *dest++ = unit;
+        source += 3;
       } else {
-        result = piece.kind == Piece::cut ? Progress::cut : Progress::malformed;
-        goto out;
+        break;
       }
-      source += piece.length;
     }
+    if (source == end)
+      break;
+    const Piece piece = read(source);
+    const bool is_whole = piece.kind == Piece::whole;
+    if (!is_whole && (piece.kind == Piece::cut || lost == nullptr)) {
+      result = piece.kind == Piece::cut ? Progress::cut : Progress::malformed;
+      break;
+    }
+    const uint32_t character = is_whole ? piece.character : replacement;
+    if (unit_size(character) > static_cast<size_t>(limit - dest)) {
+      result = Progress::full;
+      break;
+    }
+    if (!is_whole)
+      *lost = true;
+    dest = put(dest, character);
+    source += piece.length;
   }
-out:
   return {static_cast<size_t>(dest - dest_start), static_cast<size_t>(source - start), result};
 }
 
@@ -118,6 +132,10 @@ inline UChar8 *write(UChar8 *dest, uint32_t character) noexcept {
   const auto tail = [&](unsigned shift) {
     return static_cast<UChar8>(0x80 | (character >> shift & 0x3F));
   };
+  if (character < 0x80) {
+    *dest++ = static_cast<UChar8>(character);
+    return dest;
+  }
   if (character < 0x800) {
     *dest++ = static_cast<UChar8>(0xC0 | character >> 6);
   } else if (character < 0x10000) {
@@ -146,34 +164,48 @@ Progress to_utf8(UChar8 *dest, size_t room, const UChar16 *source, size_t count,
         std::min(static_cast<size_t>(end - source), static_cast<size_t>(limit - dest)));
     source += run;
     dest += run;
-    for (int ascii = 0; source < end && ascii < 3;) {
-      size_t units = 0;
-      bool lacks = false;
-      uint32_t character = take(source, static_cast<size_t>(end - source), units);
-      if (is_surrogate(character)) [[unlikely]] {
-        if (substitute == 0) {
-          result = Progress::malformed;
-          goto out;
-        }
-        character = substitute;
-        lacks = true;
-      }
-      if (utf8_size(character) > static_cast<size_t>(limit - dest)) {
-        result = Progress::full;
-        goto out;
-      } else if (character < 0x80) {
-        *dest++ = static_cast<UChar8>(character);
+    // As above.
+    for (int ascii = 0; source < end && limit - dest >= 3 && ascii < ascii_run; ++source) {
+      const UChar16 unit = *source;
+      if (unit < 0x80) {
+        *dest++ = static_cast<UChar8>(unit);
         ++ascii;
-      } else {
-        dest = write(dest, character);
-        ascii = 0;
+        continue;
       }
-      if (lacks)
-        *lost = true;
-      source += units;
+      ascii = 0;
+      if (unit < 0x800) {
+        dest[0] = static_cast<UChar8>(0xC0 | unit >> 6);
+        dest[1] = static_cast<UChar8>(0x80 | (unit & 0x3F));
+        dest += 2;
+      } else if (!is_surrogate(unit)) {
+        dest[0] = static_cast<UChar8>(0xE0 | unit >> 12);
+        dest[1] = static_cast<UChar8>(0x80 | (unit >> 6 & 0x3F));
+        dest[2] = static_cast<UChar8>(0x80 | (unit & 0x3F));
+        dest += 3;
+      } else {
+        break;
+      }
     }
+    if (source == end)
+      break;
+    size_t units = 0;
+    uint32_t character = take(source, static_cast<size_t>(end - source), units);
+    const bool lacks = is_surrogate(character);
+    if (lacks && substitute == 0) {
+      result = Progress::malformed;
+      break;
+    }
+    if (lacks)
+      character = substitute;
+    if (utf8_size(character) > static_cast<size_t>(limit - dest)) {
+      result = Progress::full;
+      break;
+    }
+    if (lacks)
+      *lost = true;
+    dest = write(dest, character);
+    source += units;
   }
-out:
   return {static_cast<size_t>(dest - dest_start), static_cast<size_t>(source - start), result};
 }
 

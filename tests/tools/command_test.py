@@ -933,6 +933,41 @@ class Command(unittest.TestCase):
         self.check(zrvcomn("date", "add", "--part", "day", "--count", "1", "9999-12-31"), 1, "",
                    "zrvcomn date: value 1: '9999-12-31': CS_CONV_OVERFLOW\n")
 
+    def test_date_parse(self):
+        self.check(zrvcomn("date", "--parse", "Jan 5, 2001 10:30:15.5 PM", "5pm"), 0,
+                   "year=2001 month=1 day=5 hour=22 minute=30 second=15 millisecond=500\n"
+                   "year=1900 month=1 day=1 hour=17 minute=0 second=0 millisecond=0\n")
+        self.check(zrvcomn("date", "--parse", "--to", "bigdatetime", "20010203T04:05:06.123456"), 0,
+                   "year=2001 month=2 day=3 hour=4 minute=5 second=6 microsecond=123456\n")
+        self.check(zrvcomn("date", "--parse", "--to", "datetime4", "1:30:30 1/2/1999"), 0,
+                   "year=1999 month=1 day=2 hour=1 minute=31 second=0 millisecond=0\n")
+        self.check(zrvcomn("date", "--parse", "--order", "dmy", "--to", "date", "31/12/1999"), 0,
+                   "year=1999 month=12 day=31\n")
+        self.check(zrvcomn("date", "--parse", "--style", "103", "--to", "date", "31/12/1999"), 0,
+                   "year=1999 month=12 day=31\n")
+        self.check(zrvcomn("date", "--parse", "--to", "time", "12:30:15.9996"), 0,
+                   "hour=12 minute=30 second=15 millisecond=996 truncated\n")
+        self.check(zrvcomn("date", "--parse", "--to", "bigtime", "-", stdin=b"0:01\n\n"), 0,
+                   "hour=0 minute=1 second=0 microsecond=0\n"
+                   "hour=0 minute=0 second=0 microsecond=0\n")
+        for text, reason in (("31/12/1999", "no such month"), ("2/30/2001", "no such day"),
+                             ("12-31", "this forms no date"), ("5", "something is left over"),
+                             ("0 pm", "am or pm contradicts the hour"), ("25:00", "out of range"),
+                             ("1/1/1752", "out of range")):
+            result = zrvcomn("date", "--parse", text)
+            self.assertEqual((result.code, result.out), (1, ""))
+            self.assertIn(reason, result.err)
+        result = zrvcomn("date", "--parse", "--json", "--to", "date", "1/2/2003", "x")
+        self.assertEqual([json.loads(line) for line in result.out.splitlines()],
+                         [{"line": 1, "value": "1/2/2003",
+                           "fields": {"year": 2003, "month": 1, "day": 2}, "truncated": False,
+                           "status": "CS_SUCCEED"},
+                          {"line": 2, "value": "x", "fields": None, "truncated": False,
+                           "status": "CS_CONV_SYNTAX", "reason": "this forms no date"}])
+        self.check_usage(zrvcomn("date", "--parse", "--order", "dym1", "5"), "dym")
+        self.check_usage(zrvcomn("date", "--parse", "--to", "datetme", "5"), "datetime")
+        self.check_usage(zrvcomn("date", "--parse"), "values")
+
     def test_date_usage(self):
         self.check_usage(zrvcomn("date", "formt", "2001-01-05"), "formt", "format")
         self.check_usage(zrvcomn("date", "format"), "values")

@@ -1,4 +1,4 @@
-// zrvcomn date: text, sums, differences and parts of dates.
+// zrvcomn date: text both ways, sums, differences and parts of dates.
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "date_parse.h"
 #include "input.h"
 #include "output.h"
 #include "status_names.h"
@@ -24,9 +25,10 @@ constexpr CS_INT last_style = 200;
 constexpr CS_BYTE bigdatetime_number = 187; // the protocol's number of CS_BIGDATETIME
 
 struct Options {
-  std::string action, part, from;
+  std::string action, part, from, to = "datetime", order = "mdy";
+  std::optional<CS_INT> given_style;
   CS_INT style = iso_style, count = 0, firstday = 7;
-  bool all_styles = false, names = false, json = false;
+  bool parse = false, all_styles = false, names = false, json = false;
   std::vector<std::string> values;
 };
 
@@ -218,12 +220,25 @@ int run(const Options &options) {
   return code;
 }
 
+void check_values(const std::vector<std::string> &values) {
+  if (values.empty())
+    throw UsageError("no values: give some, or '-' for standard input");
+  if (values.size() > 1 && std::find(values.begin(), values.end(), "-") != values.end())
+    throw UsageError("'-' for standard input excludes other values");
+}
+
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("action", options->action, "format, add, diff or part")
-      ->required()
+  app.add_option("action", options->action, "format, add, diff or part; none with --parse")
       ->type_name("ACTION");
-  app.add_option("--style", options->style, "Style of the text of format and add (140)")
+  app.add_flag("--parse", options->parse, "Show what the library reads in each free-form text");
+  app.add_option("--to", options->to,
+                 "--parse: datetime, datetime4, bigdatetime, date, time or bigtime (datetime)")
+      ->type_name("TYPE");
+  app.add_option("--order", options->order, "--parse: the order of three numbers (mdy)")
+      ->type_name("ORDER");
+  app.add_option("--style", options->given_style,
+                 "Style of the text of format and add (140), or that --parse reads (0)")
       ->type_name("NUMBER");
   app.add_flag("--all-styles", options->all_styles, "format: print every style with its text");
   app.add_option("--part", options->part, "add, diff, part: the part of the date, as 'month'")
@@ -248,18 +263,24 @@ Subcommand::Run add(CLI::App &app) {
              "  zrvcomn date add --part month --count 1 --style 23 2001-01-31\n"
              "  zrvcomn date diff --part day --from 2000-01-01 2001-01-01\n"
              "  zrvcomn date part --part weekday --names 2001-01-05\n"
+             "  zrvcomn date --parse --order dmy '31/12/1999 5pm'\n"
              "\nExit codes: 0 all values done, 1 some failed, 2 wrong usage.");
   return [options](const std::vector<std::string> &more_values) {
     auto &all = options->values;
     all.insert(all.end(), more_values.begin(), more_values.end());
+    options->style = options->given_style.value_or(options->parse ? 0 : iso_style);
+    if (options->parse) {
+      // The first text stands where an action would.
+      if (!options->action.empty())
+        all.insert(all.begin(), options->action);
+      check_values(all);
+      return parse_dates({all, options->to, options->order, options->style, options->json});
+    }
     const std::vector<std::string> actions = {"format", "add", "diff", "part"};
     if (std::find(actions.begin(), actions.end(), options->action) == actions.end())
       throw UsageError("there is no action '" + options->action + "'" +
                        suggest(options->action, actions));
-    if (all.empty())
-      throw UsageError("no values: give some, or '-' for standard input");
-    if (all.size() > 1 && std::find(all.begin(), all.end(), "-") != all.end())
-      throw UsageError("'-' for standard input excludes other values");
+    check_values(all);
     if (options->all_styles && options->action != "format")
       throw UsageError("--all-styles belongs to format");
     if (!show(parse_date("2000-01-01").value, options->style))

@@ -253,7 +253,8 @@ CS_RETCODE com__error(CsContext *ctx, CS_MSGNUM errnum, CsErrParams *ep) noexcep
   auto *const state = reinterpret_cast<CS_CHAR *>(message.sqlstate);
   if (com_err_sqlstate(ctx, errhan, byte_of(errnum, 0), COM_ERRSEC_API, state,
                        sizeof message.sqlstate, &message.sqlstatelen) != CS_SUCCEED) {
-    intl_strlcpy(state, unknown_state.data(), sizeof message.sqlstate);
+    std::memset(state, 0, sizeof message.sqlstate);
+    std::copy(unknown_state.begin(), unknown_state.end(), state);
     message.sqlstatelen = static_cast<CS_INT>(unknown_state.size());
   }
   message.severity = byte_of(errnum, 1);

@@ -35,15 +35,16 @@ __attribute__((no_sanitize("address"))) size_t unit_count(const UChar16 *text) n
   for (; reinterpret_cast<uintptr_t>(unit) % sizeof(Units) != 0; ++unit)
     if (*unit == 0)
       return static_cast<size_t>(unit - text);
-  const auto zeroes = [&](size_t block) {
-    return reinterpret_cast<Units>(reinterpret_cast<const Units *>(unit)[block] == 0);
-  };
-  for (; reinterpret_cast<uintptr_t>(unit) % (4 * sizeof(Units)) != 0; unit += 8)
-    if (any(zeroes(0), ~Units{}))
+  const auto *block = reinterpret_cast<const Units *>(unit);
+  for (; reinterpret_cast<uintptr_t>(block) % (4 * sizeof(Units)) != 0; ++block)
+    if (any(reinterpret_cast<Units>(*block == 0), ~Units{}))
       break;
-  if (reinterpret_cast<uintptr_t>(unit) % (4 * sizeof(Units)) == 0)
-    while (!any(zeroes(0) | zeroes(1) | zeroes(2) | zeroes(3), ~Units{}))
-      unit += 32;
+  if (reinterpret_cast<uintptr_t>(block) % (4 * sizeof(Units)) == 0)
+    while (!any(reinterpret_cast<Units>((block[0] == 0) | (block[1] == 0) | (block[2] == 0) |
+                                        (block[3] == 0)),
+                ~Units{}))
+      block += 4;
+  unit = reinterpret_cast<const UChar16 *>(block);
   while (*unit != 0)
     ++unit;
   return static_cast<size_t>(unit - text);

@@ -1,4 +1,4 @@
-// Benchmarks of the calendar: cracking, making, adding, differences, text.
+// Benchmarks of the calendar: cracking, making, adding, differences, text both ways.
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -188,6 +188,55 @@ void compare_texts(const Moments &moments) {
                PEER(peer_fmt_seconds), "%b %e %Y %I:%M:%S%p");
 }
 
+// The text of each moment in a style.
+std::shared_ptr<std::vector<std::string>> make_texts(const Moments &moments, CS_INT style) {
+  auto texts = std::make_shared<std::vector<std::string>>();
+  for (Moment &moment : *moments) {
+    const CS_INT length =
+        com__datetochar(&moment.value, text, sizeof text, style, com__get_shortmonths());
+    texts->emplace_back(text, static_cast<size_t>(length));
+  }
+  return texts;
+}
+
+void compare_parsing(const Moments &moments) {
+  static CS_DATETIME value;
+  const auto row = [&](const char *input, CS_INT style, const char *peer, double goal,
+                       int64_t (*read)(char *)) {
+    const auto texts = make_texts(moments, style);
+    const auto pass = [texts](auto body) {
+      return [texts, body] {
+        for (size_t i = 0; i < input_count; ++i) {
+          body((*texts)[i]);
+          benchmark::ClobberMemory();
+        }
+      };
+    };
+    Comparison comparison{"from text",
+                          "com__datefromchar_mb",
+                          input,
+                          input_count,
+                          pass([](std::string &source) {
+                            benchmark::DoNotOptimize(com__datefromchar_mb(
+                                &value, source.data(), static_cast<CS_INT>(source.size()), 0, 1,
+                                com__get_months(), com__get_shortmonths(), com_get_charattrib(),
+                                nullptr));
+                          }),
+                          {}};
+    if (read != nullptr)
+      comparison.peers.push_back({peer, goal, pass([read](std::string &source) {
+                                    benchmark::DoNotOptimize(read(source.data()));
+                                  })});
+    compare(std::move(comparison));
+  };
+  row("2001-01-05T22:30:15", 23, "strptime, timegm", 0.7,
+      [](char *source) { return static_cast<int64_t>(peer_strptime_iso(source)); });
+#ifdef ZRVBENCH_WITH_PGTYPES
+  row("Jan  5 2001 22:30:15", 116, "pgtypes", 0.3, peer_pg_timestamp);
+  row("2001/01/05 22:30:15", 121, "pgtypes", 0.3, peer_pg_timestamp);
+#endif
+}
+
 } // namespace
 
 void register_comparisons() {
@@ -195,6 +244,7 @@ void register_comparisons() {
   compare_fields(moments);
   compare_arithmetic(moments);
   compare_texts(moments);
+  compare_parsing(moments);
 }
 
 } // namespace zrvbench

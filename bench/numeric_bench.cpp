@@ -1,5 +1,7 @@
 // Benchmarks of exact numerics: arithmetic, comparison and text, on operands of 5, 18, 38 and 77
-// digits.
+// digits; and of money.
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -299,6 +301,113 @@ void compare_text(int width, int digits) {
     compare(print);
 }
 
+// ---- money ----
+
+// An amount in all its forms.
+struct Amount {
+  CS_MONEY money;
+  uint64_t decimal;
+  double real;
+  std::string text; // with two decimals
+};
+using Amounts = std::shared_ptr<std::vector<Amount>>;
+
+// Amounts of up to so many digits, cents included, of both signs.
+Amounts make_amounts(unsigned seed, int digits) {
+  Random random(seed);
+  auto amounts = std::make_shared<std::vector<Amount>>();
+  amounts->reserve(value_count);
+  for (size_t i = 0; i < value_count; ++i) {
+    const auto cents = random_integer<int64_t>(random, digits, Sign::both);
+    char text[32];
+    std::snprintf(text, sizeof text, "%s%lld.%02lld", cents < 0 ? "-" : "",
+                  std::abs(static_cast<long long>(cents)) / 100,
+                  std::abs(static_cast<long long>(cents)) % 100);
+    const int64_t count = cents * 100;
+    amounts->push_back({{static_cast<CS_INT>(count >> 32), static_cast<CS_UINT>(count)},
+                        peer_decimal_make(count),
+                        static_cast<double>(cents) / 100,
+                        text});
+  }
+  return amounts;
+}
+
+template <class Body>
+Pass each_amount(Amounts a, Amounts b, Body body) {
+  return [a, b, body] {
+    for (size_t i = 0; i < value_count; ++i) {
+      body((*a)[i], (*b)[i]);
+      benchmark::ClobberMemory();
+    }
+  };
+}
+
+void compare_money() {
+  static CS_MONEY money_result;
+  static uint64_t decimal_result;
+  static char room[64];
+  const auto arithmetic = [](const char *operation, const char *member,
+                             CS_RETCODE (*ours)(CS_MONEY *, CS_MONEY *, CS_MONEY *),
+                             void (*peer)(const uint64_t *, const uint64_t *, uint64_t *),
+                             double goal, Amounts a, Amounts b) {
+    compare({operation,
+             member,
+             "money",
+             value_count,
+             each_amount(a, b,
+                         [ours](Amount &x, Amount &y) {
+                           benchmark::DoNotOptimize(ours(&x.money, &y.money, &money_result));
+                         }),
+             {{"_Decimal64", goal, each_amount(a, b, [peer](Amount &x, Amount &y) {
+                 peer(&x.decimal, &y.decimal, &decimal_result);
+               })}}});
+  };
+  const Amounts a = make_amounts(61, 12), b = make_amounts(62, 12), factors = make_amounts(63, 4);
+  arithmetic("add, subtract", "comn_mnyadd", comn_mnyadd, peer_decimal_add, 1.0, a, b);
+  arithmetic("add, subtract", "comn_mnysub", comn_mnysub, peer_decimal_sub, 1.0, a, b);
+  arithmetic("multiply", "comn_mnymul", comn_mnymul, peer_decimal_mul, 1.2, a, factors);
+  compare({"compare",
+           "comn_mnycmp",
+           "money",
+           value_count,
+           each_amount(a, b,
+                       [](Amount &x, Amount &y) {
+                         benchmark::DoNotOptimize(comn_mnycmp(&x.money, &y.money));
+                       }),
+           {{"_Decimal64", 1.0, each_amount(a, b, [](Amount &x, Amount &y) {
+               benchmark::DoNotOptimize(peer_decimal_cmp(&x.decimal, &y.decimal));
+             })}}});
+  compare({"from text",
+           "com__mnyfromchar_mb",
+           "money, 2 decimals",
+           value_count,
+           each_amount(a, b,
+                       [](Amount &x, Amount &) {
+                         benchmark::DoNotOptimize(com__mnyfromchar_mb(
+                             &money_result, x.text.data(), static_cast<CS_INT>(x.text.size()), 0,
+                             com_get_charattrib()));
+                       }),
+           {{"from_chars, double", 0.95, each_amount(a, b, [](Amount &x, Amount &) {
+               benchmark::DoNotOptimize(peer_from_chars(x.text.data(), x.text.size()));
+             })}}});
+  Comparison printing{"to text",
+                      "com__mnytochar",
+                      "money, 2 decimals",
+                      value_count,
+                      each_amount(a, b,
+                                  [](Amount &x, Amount &) {
+                                    benchmark::DoNotOptimize(
+                                        com__mnytochar(&x.money, room, sizeof room, 0));
+                                  }),
+                      {}};
+#ifdef ZRVBENCH_WITH_FMT
+  printing.peers.push_back({"fmt::format_to", 1.3, each_amount(a, b, [](Amount &x, Amount &) {
+                              benchmark::DoNotOptimize(peer_fmt_two_decimals(room, x.real));
+                            })});
+#endif
+  compare(std::move(printing));
+}
+
 } // namespace
 
 void register_comparisons() {
@@ -308,6 +417,7 @@ void register_comparisons() {
     compare_quotients(widths[width]);
     compare_text(width, widths[width]);
   }
+  compare_money();
 }
 
 } // namespace zrvbench

@@ -6,6 +6,10 @@
 #include <fmt/chrono.h>
 #endif
 
+#ifdef ZRVBENCH_WITH_PGTYPES
+#include <pgtypes_timestamp.h>
+#endif
+
 using namespace std::chrono;
 
 namespace {
@@ -80,5 +84,16 @@ size_t peer_fmt_minutes(char *text, time_t time) {
 size_t peer_fmt_seconds(char *text, time_t time) {
   return static_cast<size_t>(
       fmt::format_to(text, FMT_STRING("{:%b %e %Y %I:%M:%S%p}"), fmt::gmtime(time)) - text);
+}
+#endif
+
+time_t peer_strptime_iso(const char *text) {
+  tm fields{};
+  return strptime(text, "%Y-%m-%dT%H:%M:%S", &fields) != nullptr ? timegm(&fields) : 0;
+}
+
+#ifdef ZRVBENCH_WITH_PGTYPES
+int64_t peer_pg_timestamp(char *text) {
+  return PGTYPEStimestamp_from_asc(text, nullptr);
 }
 #endif

@@ -29,6 +29,14 @@ size_t peer_fmt_iso(char *text, time_t time);
 size_t peer_fmt_minutes(char *text, time_t time);
 size_t peer_fmt_seconds(char *text, time_t time);
 #endif
+
+// strptime and timegm of "%Y-%m-%dT%H:%M:%S".
+time_t peer_strptime_iso(const char *text);
+
+#ifdef ZRVBENCH_WITH_PGTYPES
+// The date parser of an SQL client; microseconds from 2000-01-01.
+int64_t peer_pg_timestamp(char *text);
+#endif
 }
 
 #endif

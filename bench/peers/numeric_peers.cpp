@@ -1,7 +1,12 @@
 #include "numeric_peers.h"
 
+#include <charconv>
 #include <cstring>
 #include <string>
+
+#ifdef ZRVBENCH_WITH_FMT
+#include <fmt/format.h>
+#endif
 
 #ifdef ZRVBENCH_WITH_PGTYPES
 #include <pgtypes_numeric.h>
@@ -121,5 +126,52 @@ size_t peer_boost_to_text(const unsigned char *magnitude, size_t bytes, char *te
   const std::string digits = read_integer(magnitude, bytes).str();
   std::memcpy(text, digits.data(), digits.size());
   return digits.size();
+}
+#endif
+
+namespace {
+
+typedef float Decimal [[gnu::mode(DD)]];
+
+Decimal from_bits(uint64_t bits) {
+  Decimal value;
+  std::memcpy(&value, &bits, sizeof value);
+  return value;
+}
+
+uint64_t bits_of(Decimal value) {
+  uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
+}
+
+} // namespace
+
+uint64_t peer_decimal_make(int64_t count) {
+  return bits_of(static_cast<Decimal>(count) / static_cast<Decimal>(10000));
+}
+void peer_decimal_add(const uint64_t *a, const uint64_t *b, uint64_t *result) {
+  *result = bits_of(from_bits(*a) + from_bits(*b));
+}
+void peer_decimal_sub(const uint64_t *a, const uint64_t *b, uint64_t *result) {
+  *result = bits_of(from_bits(*a) - from_bits(*b));
+}
+void peer_decimal_mul(const uint64_t *a, const uint64_t *b, uint64_t *result) {
+  *result = bits_of(from_bits(*a) * from_bits(*b));
+}
+int peer_decimal_cmp(const uint64_t *a, const uint64_t *b) {
+  const Decimal x = from_bits(*a), y = from_bits(*b);
+  return x < y ? -1 : x > y;
+}
+
+double peer_from_chars(const char *text, size_t length) {
+  double value = 0;
+  std::from_chars(text, text + length, value);
+  return value;
+}
+
+#ifdef ZRVBENCH_WITH_FMT
+size_t peer_fmt_two_decimals(char *text, double value) {
+  return static_cast<size_t>(fmt::format_to(text, "{:.2f}", value) - text);
 }
 #endif

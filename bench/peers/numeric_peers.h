@@ -5,6 +5,7 @@
 #define ZRVBENCH_NUMERIC_PEERS_H
 
 #include <cstddef>
+#include <cstdint>
 
 extern "C" {
 
@@ -40,6 +41,20 @@ void peer_boost_divide(const unsigned char *a, size_t a_bytes, const unsigned ch
                        size_t b_bytes, unsigned char *result);
 void peer_boost_from_text(const char *text, unsigned char *result);
 size_t peer_boost_to_text(const unsigned char *magnitude, size_t bytes, char *text);
+#endif
+
+// The compiler's decimal floating point, as bits: a count of ten-thousandths of up to 16 digits, and
+// operations.
+uint64_t peer_decimal_make(int64_t count);
+void peer_decimal_add(const uint64_t *a, const uint64_t *b, uint64_t *result);
+void peer_decimal_sub(const uint64_t *a, const uint64_t *b, uint64_t *result);
+void peer_decimal_mul(const uint64_t *a, const uint64_t *b, uint64_t *result);
+int peer_decimal_cmp(const uint64_t *a, const uint64_t *b);
+
+// Text to double, and double to text with two decimals.
+double peer_from_chars(const char *text, size_t length);
+#ifdef ZRVBENCH_WITH_FMT
+size_t peer_fmt_two_decimals(char *text, double value);
 #endif
 }
 

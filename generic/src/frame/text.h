@@ -18,8 +18,9 @@ namespace comn {
 // The built-in set, with the tables as the library reads them.
 extern const CHAR_ATTRIB builtin_charset;
 
+// Callers ask with and without a set alike, so this is a choice and no branch.
 inline const CHAR_ATTRIB &charset_or_builtin(const CHAR_ATTRIB *set) noexcept {
-  return set != nullptr ? *set : builtin_charset;
+  return __builtin_expect_with_probability(set != nullptr, 1, 0.5) ? *set : builtin_charset;
 }
 
 // A character that is known to be complete.
@@ -62,13 +63,15 @@ inline std::ptrdiff_t length_inside(const CHAR_ATTRIB &set, Within place) noexce
   return std::min<std::ptrdiff_t>(char_length(set, place), place.end - place.at);
 }
 
+inline constexpr CHAR_MAP no_class = {};
+
 // The plane rule: the entry that describes a character. A set without a type map has no classes.
 template <class Place>
-CHAR_MAP char_map(const CHAR_ATTRIB &set, Place place) noexcept {
+const CHAR_MAP &char_map(const CHAR_ATTRIB &set, Place place) noexcept {
   const CS_TYPE_MAP *const planes = set.cs_type_map;
   if (planes == nullptr) [[unlikely]]
-    return {};
-  const CHAR_MAP entry = planes->chmap[place.first()];
+    return no_class;
+  const CHAR_MAP &entry = planes->chmap[place.first()];
   if ((entry.char_type & CS_CTYPE_LEAD) != 0) [[unlikely]]
     return planes[entry.char_upper].chmap[place.second()];
   return entry;

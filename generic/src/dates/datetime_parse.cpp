@@ -23,16 +23,25 @@ enum Part { date_and_time = 0, date_part = 1, time_part = 2, time_alone = 3 };
 
 // ---- tokens ----
 
-// Whether a name, reduced to ASCII, is a word that has been.
+// Whether a name, reduced to ASCII, is a word that has been. Most names differ early.
 bool is_word(const CHAR_ATTRIB &set, const CS_BYTE *word, CS_INT length,
              const CS_CHAR *name) noexcept {
   const size_t name_length = std::strlen(name);
   if (name_length > longest_word)
     return false;
-  CS_BYTE reduced[longest_word];
-  const CS_INT reduced_length = comn::reduce_to_ascii(set, reinterpret_cast<const CS_BYTE *>(name),
-                                                      static_cast<CS_INT>(name_length), reduced);
-  return com_memhilo(reduced, reduced_length, const_cast<CS_BYTE *>(word), length) == 0;
+  const CS_BYTE *const end = word + length;
+  comn::TextCursor cursor(set, reinterpret_cast<const CS_BYTE *>(name),
+                          static_cast<CS_INT>(name_length));
+  while (cursor.more()) {
+    const CS_BYTE *const character = cursor.position();
+    const CS_BYTE ascii = cursor.ascii();
+    const CS_BYTE *reduced = ascii != 0 ? &ascii : character;
+    cursor.next();
+    for (auto bytes = ascii != 0 ? 1 : cursor.position() - character; bytes > 0; --bytes)
+      if (word == end || *word++ != *reduced++)
+        return false;
+  }
+  return word == end;
 }
 
 // The index of the name that a word is, the whole of it, or -1.
@@ -521,9 +530,11 @@ CS_INT com__year2digit(CS_INT year) noexcept {
   return year < 50 ? 2000 + year : 1900 + year;
 }
 
-int xdaterecfromchar(CS_DATEREC *parts, CS_CHAR *origcp, CS_INT origlen, int partonly, CS_INT style,
-                     CS_INT order, CS_CHAR **mths, CS_CHAR **shortmths, CS_ATTRIB *chatr,
-                     CS_INT dt_type, CS_BOOL *truncated) noexcept {
+// All in one piece, so that the rules of stepping cost no calls.
+[[gnu::flatten]] int xdaterecfromchar(CS_DATEREC *parts, CS_CHAR *origcp, CS_INT origlen,
+                                      int partonly, CS_INT style, CS_INT order, CS_CHAR **mths,
+                                      CS_CHAR **shortmths, CS_ATTRIB *chatr, CS_INT dt_type,
+                                      CS_BOOL *truncated) noexcept {
   COMN_CHECK_PTR(parts, DT_BAD_SYNTAX);
   COMN_CHECK_PTR(origcp, DT_BAD_SYNTAX);
   if (truncated != nullptr)

@@ -267,8 +267,9 @@ double to_double(int64_t count) noexcept {
 
 // ---- text ----
 
-int com__mnyfromchar_mb(CS_MONEY *mp, CS_CHAR *icp, CS_INT ilen, CS_INT,
-                        CS_ATTRIB *chatr) noexcept {
+// All in one piece, so that what is read so far stays in registers.
+[[gnu::flatten]] int com__mnyfromchar_mb(CS_MONEY *mp, CS_CHAR *icp, CS_INT ilen, CS_INT,
+                                         CS_ATTRIB *chatr) noexcept {
   COMN_CHECK_PTR(mp, NUME_OVERFLOW);
   COMN_CHECK_PTR(icp, NUME_OVERFLOW);
   MoneyText text(comn::charset_or_builtin(chatr), reinterpret_cast<CS_BYTE *>(icp), ilen);

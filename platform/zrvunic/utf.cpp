@@ -82,22 +82,26 @@ Progress from_utf8(UChar16 *dest, size_t room, const UChar8 *source, bool *lost)
     dest += run;
     // Other characters one by one, until some ASCII ones stand together; first those that most texts
     // are made of.
-    // Their lengths follow no pattern, so no jump depends on them.
-    for (int ascii = 0; end - source >= 3 && dest < limit && ascii < ascii_run;) {
-      const uint32_t lead = source[0];
-      const bool is_two = lead >= 0xC0;
-      const bool is_three = lead >= 0xE0;
-      const uint32_t two = (lead & 0x1F) << 6 | (source[1] & 0x3Fu);
-      const uint32_t three = (lead & 0xF) << 12 | (source[1] & 0x3Fu) << 6 | (source[2] & 0x3Fu);
-      const uint32_t unit = is_three ? three : is_two ? two : lead;
-      const bool is_whole = is_three ? is_tail(source[1]) & is_tail(source[2]) & (lead < 0xF0) &
-                                           (three >= 0x800) & !is_surrogate(three)
-                                     : (is_two ? is_tail(source[1]) & (two >= 0x80) : lead < 0x80);
-      if (!is_whole)
+    for (int ascii = 0; source < end && dest < limit && ascii < ascii_run;) {
+      if (*source < 0x80) {
+        *dest++ = *source++;
+        ++ascii;
+        continue;
+      }
+      ascii = 0;
+      if (*source >= 0xC2 && *source < 0xE0 && is_tail(source[1])) {
+        *dest++ = static_cast<UChar16>((source[0] & 0x1F) << 6 | (source[1] & 0x3F));
+        source += 2;
+      } else if (*source >= 0xE0 && *source < 0xF0 && is_tail(source[1]) && is_tail(source[2])) {
+        const auto unit = static_cast<UChar16>((source[0] & 0xF) << 12 | (source[1] & 0x3F) << 6 |
+                                               (source[2] & 0x3F));
+        if (unit < 0x800 || is_surrogate(unit))
+          break;
+        *dest++ = unit;
+        source += 3;
+      } else {
         break;
-      *dest++ = static_cast<UChar16>(unit);
-      source += 1 + is_two + is_three;
-      ascii = is_two ? 0 : ascii + 1;
+      }
     }
     if (source == end)
       break;
@@ -161,18 +165,26 @@ Progress to_utf8(UChar8 *dest, size_t room, const UChar16 *source, size_t count,
     source += run;
     dest += run;
     // As above.
-    for (int ascii = 0; source < end && limit - dest >= 4 && ascii < ascii_run; ++source) {
-      const uint32_t unit = *source;
-      if (is_surrogate(unit))
+    for (int ascii = 0; source < end && limit - dest >= 3 && ascii < ascii_run; ++source) {
+      const UChar16 unit = *source;
+      if (unit < 0x80) {
+        *dest++ = static_cast<UChar8>(unit);
+        ++ascii;
+        continue;
+      }
+      ascii = 0;
+      if (unit < 0x800) {
+        dest[0] = static_cast<UChar8>(0xC0 | unit >> 6);
+        dest[1] = static_cast<UChar8>(0x80 | (unit & 0x3F));
+        dest += 2;
+      } else if (!is_surrogate(unit)) {
+        dest[0] = static_cast<UChar8>(0xE0 | unit >> 12);
+        dest[1] = static_cast<UChar8>(0x80 | (unit >> 6 & 0x3F));
+        dest[2] = static_cast<UChar8>(0x80 | (unit & 0x3F));
+        dest += 3;
+      } else {
         break;
-      const bool is_two = unit >= 0x80;
-      const bool is_three = unit >= 0x800;
-      const uint32_t two = 0x80C0 | unit >> 6 | (unit & 0x3F) << 8;
-      const uint32_t three = 0x8080E0 | unit >> 12 | (unit >> 6 & 0x3F) << 8 | (unit & 0x3F) << 16;
-      const uint32_t bytes = is_three ? three : is_two ? two : unit;
-      std::memcpy(dest, &bytes, sizeof bytes); // what is too much is written over
-      dest += 1 + is_two + is_three;
-      ascii = is_two ? 0 : ascii + 1;
+      }
     }
     if (source == end)
       break;

@@ -223,4 +223,16 @@ void Progress::step(uint64_t count, std::pair<uint64_t, uint64_t> bytes) {
                  static_cast<unsigned long long>(100 * std::min(done, total) / total));
 }
 
+void Progress::show_bytes(uint64_t done, uint64_t total) {
+  constexpr uint64_t mebibyte = 1 << 20;
+  if (!shown || done - drawn_bytes < 16 * mebibyte)
+    return;
+  is_drawn = true;
+  drawn_bytes = done;
+  std::fprintf(stderr, "\r%llu MiB", static_cast<unsigned long long>(done / mebibyte));
+  if (total > 0)
+    std::fprintf(stderr, ", %llu%%",
+                 static_cast<unsigned long long>(100 * std::min(done, total) / total));
+}
+
 } // namespace zrvtool

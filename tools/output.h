@@ -82,11 +82,14 @@ public:
   ~Progress() { clear(); }
   void clear();
   void step(uint64_t count, std::pair<uint64_t, uint64_t> bytes);
+  // The same for a stream: `total` is 0 where it is not known.
+  void show_bytes(uint64_t done, uint64_t total);
 
 private:
   static constexpr uint64_t interval = 100000;
   bool shown;
   bool is_drawn = false;
+  uint64_t drawn_bytes = 0;
 };
 
 } // namespace zrvtool

@@ -1,0 +1,143 @@
+"""zrvcomn recode: what comes out of the filter, what is told of losses, and how it exits."""
+import random
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import project
+from project import build
+
+command = Path(build.binary_dir) / "bin" / "zrvcomn"
+database = Path("/usr/share/unicode/UnicodeData.txt")
+
+
+def recode(source, destination, text, *words):
+    done = subprocess.run([command, "recode", "--from", source, "--to", destination, *words], input=text,
+                          capture_output=True)
+    return done.returncode, done.stdout, done.stderr.decode()
+
+
+class Recode(unittest.TestCase):
+    maxDiff = None
+
+    def test_texts(self):
+        for source, destination, text, expected in (
+                ("utf8", "iso_1", "déjà vu\n".encode(), b"d\xe9j\xe0 vu\n"),
+                ("iso_1", "utf8", b"d\xe9j\xe0 vu\n", "déjà vu\n".encode()),
+                ("cp1252", "utf8", b"\x80", "€".encode()),
+                ("utf8", "sjis", "日本".encode(), b"\x93\xfa\x96\x7b"),
+                ("UTF-8", "utf16", "a\U0001F600".encode(), b"a\0\x3d\xd8\0\xde"),
+                ("utf16", "utf8", b"a\0\0\0\0\x01", b"a\0\xc4\x80"),
+                ("utf8", "cp037", b"Az\0", b"\xc1\xa9\0"),
+                ("cp037", "utf8", b"\xc1\xa9\0", b"Az\0"),
+                ("utf8", "cp930", "A日B".encode(), b"\xc1\x0e\x45\x62\x0f\xc2"),
+                ("utf8", "utf8", b"", b"")):
+            with self.subTest((source, destination, text)):
+                self.assertEqual(recode(source, destination, text), (0, expected, ""))
+
+    def test_losses_are_counted(self):
+        self.assertEqual(recode("utf8", "iso_1", "a€b€".encode()),
+                         (1, b"a?b?", "zrvcomn recode: 2 characters were replaced\n"))
+        self.assertEqual(recode("utf8", "iso_1", b"a\xffb"),
+                         (1, b"a?b", "zrvcomn recode: 1 character was replaced\n"))
+        self.assertEqual(recode("utf8", "iso_1", "€".encode(), "--substitute", "<é>"),
+                         (1, b"<\xe9>", "zrvcomn recode: 1 character was replaced\n"))
+        self.assertEqual(recode("utf8", "iso_1", "a€".encode(), "--substitute", "")[:2], (1, b"a"))
+
+    def test_losses_are_reported(self):
+        text = "é€\nab".encode() + b"\xe2\x82" + "日".encode() + b"\n\xc3"
+        name = " EURO SIGN" if database.exists() else ""
+        with tempfile.NamedTemporaryFile() as file:
+            file.write(text)
+            file.flush()
+            for words, place, piped in (([file.name], file.name, b""), (["-"], "standard input", text)):
+                code, out, err = recode("utf8", "iso_1", piped, "--on-loss", "report", *words)
+                self.assertEqual((code, out), (1, b"\xe9?\nab??\n?"))
+                self.assertEqual(err.splitlines(), [
+                    f"zrvcomn recode: {place}:1:2: byte 2: 0xe282ac: U+20AC{name} is not in iso_1",
+                    f"zrvcomn recode: {place}:2:3: byte 8: 0xe282: no character of utf8",
+                    f"zrvcomn recode: {place}:2:4: byte 10: 0xe697a5: U+65E5 CJK UNIFIED IDEOGRAPH-65E5"
+                    " is not in iso_1",
+                    f"zrvcomn recode: {place}:3:1: byte 14: 0xc3: no character of utf8",
+                    "zrvcomn recode: 4 characters were replaced"])
+
+    def test_stops_at_the_first_loss(self):
+        code, out, err = recode("utf8", "iso_1", "é€é€".encode(), "--on-loss", "stop")
+        self.assertEqual((code, out), (1, b"\xe9"))
+        self.assertEqual(len(err.splitlines()), 1)
+        self.assertIn("standard input:1:2: byte 2: 0xe282ac: U+20AC", err)
+        self.assertEqual(recode("utf16", "utf8", b"a\0b", "--on-loss", "stop")[:2], (1, b"a"))
+
+    def test_invalid_bytes(self):
+        """Maximal runs that could have begun a character, in sets of several kinds."""
+        for source, text, expected, losses in (
+                ("utf8", b"\xc3A", b"?A", 1), ("utf8", b"\xf0\x9f\x98A", b"?A", 1), ("utf8", b"\xe2\xc3\xa9", b"?\xc3\xa9", 1),
+                ("utf8", b"\x80\x80", b"??", 2), ("sjis", b"\x93", b"?", 1), ("gb18030", b"\x81\x30", b"?", 1),
+                ("utf16", b"\x00\xd8a\0", b"?a", 1), ("utf16", b"\x00\xdca\0", b"?a", 1), ("utf16", b"a\0\xe9", b"a?", 1),
+                ("utf16", b"\x00\xd8", b"?", 1), ("cp1252", b"\x81a", b"?a", 1)):
+            with self.subTest((source, text)):
+                code, out, err = recode(source, "utf8", text, "--on-loss", "report")
+                self.assertEqual((code, out, len(err.splitlines()) - 1), (1, expected, losses), err)
+
+    # Characters, shifts and NUL at every place of a block's end.
+    def test_characters_are_not_split_between_blocks(self):
+        for name, coding in (("utf8", "utf-8"), ("sjis", "shift_jis"), ("eucjis", "euc_jp"), ("gb18030", "gb18030"),
+                             ("utf16", "utf-16-le")):
+            for shift in range(5):
+                text = "x" * shift + "日本\U0001F600é\0語".encode(coding, "ignore").decode(coding) * 12000
+                with self.subTest((name, shift)):
+                    source = text.encode(coding)
+                    self.assertGreater(len(source), 65536)
+                    self.assertEqual(recode(name, "utf8", source), (0, text.encode(), ""))
+                    self.assertEqual(recode("utf8", name, text.encode()), (0, source, ""))
+
+    def test_shifts_reach_over_blocks(self):
+        text = "A" + "日本語" * 30000 + "B\n"
+        code, shifted, err = recode("utf8", "cp930", text.encode())
+        self.assertEqual((code, err), (0, ""))
+        self.assertEqual(recode("cp930", "utf8", shifted), (0, text.encode(), ""))
+        # One run of two-byte characters, longer than a block.
+        ideograph = recode("utf8", "cp930", "日".encode())[1]
+        run = b"\x0e" + ideograph[1:3] * 70000 + b"\x0f"
+        self.assertEqual(recode("cp930", "utf8", run), (0, "日".encode() * 70000, ""))
+
+    def test_places_behind_a_block(self):
+        text = ("é" * 99 + "\n").encode() * 1000 + "ab€".encode()
+        err = recode("utf8", "iso_1", text, "--on-loss", "report")[2]
+        self.assertIn(f":1001:3: byte {len(text) - 3}: 0xe282ac", err)
+
+    def test_random_bytes_through_every_set(self):
+        names = sorted(path.stem for path in (project.source_dir / "home/charsets/unicode").iterdir())
+        self.assertGreater(len(names), 90)
+        generator = random.Random(5)
+        for name in names + ["utf8", "utf16", "iso_1", "ascii_8"]:
+            data = generator.randbytes(3000)
+            with self.subTest(name):
+                code, out, err = recode(name, "utf8", data)
+                self.assertIn(code, (0, 1), err)
+                out.decode()  # what comes out is well-formed
+                self.assertEqual(err == "", code == 0)
+
+    def test_wrong_usage(self):
+        for words, fragment in (
+                ((), "--from"), (("--from", "utf8"), "--to"),
+                (("--from", "utf9", "--to", "utf8"), "did you mean 'utf8'?"),
+                (("--from", "utf8", "--to", "rcsu"), "rcsu"), (("--from", "decmcs", "--to", "utf8"), "no converter"),
+                (("--from", "utf8", "--to", "iso_1", "--substitute", "€"), "'€' is not in iso_1"),
+                (("--from", "utf8", "--to", "iso_1", "--on-loss", "ignore"), "--on-loss"),
+                (("--from", "utf8", "--to", "iso_1", "/nonexistent"), "cannot open")):
+            with self.subTest(words):
+                done = subprocess.run([command, "recode", *words], stdin=subprocess.DEVNULL, capture_output=True)
+                self.assertEqual((done.returncode, done.stdout), (2, b""))
+                self.assertIn(fragment, done.stderr.decode())
+
+    def test_output_that_cannot_be_written(self):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([command, "recode", "--from", "utf8", "--to", "iso_1"], input=b"a", stdout=full,
+                                  stderr=subprocess.PIPE)
+        self.assertEqual(done.returncode, 1)
+
+
+if __name__ == "__main__":
+    project.main()

@@ -5,24 +5,18 @@
 #include <cstdlib>
 
 #include "errors.h"
-#include "status_names.h"
+#include "identifiers.h"
 #include "zrvcomn/comloc.h"
 
 namespace zrvtool {
 
 std::vector<CharsetName> charset_names() {
-  CS_CONTEXT context{};
-  CS_OID_TABLE *table = nullptr;
-  const CS_RETCODE status = comn_intl_load_globalid(&context, &table);
-  if (status != CS_SUCCEED)
-    throw StreamError("cannot load objectid.dat: " + status_name(status) +
-                      " (zrvcomn config paths tells where it should be)");
+  const Identifiers identifiers;
   std::vector<CharsetName> sets;
-  for (const CsOID *oid = table->ot_oid[COM_OID_CHARSET]; oid != nullptr; oid = oid->oidnext) {
+  for (const CsOID *oid = identifiers.first(COM_OID_CHARSET); oid != nullptr; oid = oid->oidnext) {
     CharsetName set{{}, -1, UNICONV_CID_NONE, {}};
     for (const CS_STRING_LIST *name = oid->oidlnames; name != nullptr; name = name->next)
-      set.names.emplace_back(name->string != nullptr ? name->string : "",
-                             static_cast<size_t>(name->len));
+      set.names.emplace_back(name_of(*name));
     if (set.names.empty() || com_get_csid(set.names[0].data(), &set.converter) != CS_SUCCEED)
       continue;
     set.name = set.names[0];
@@ -31,7 +25,6 @@ std::vector<CharsetName> charset_names() {
     set.number = std::atoi(dotted.c_str() + dotted.rfind('.') + 1);
     sets.push_back(std::move(set));
   }
-  comn_intl_drop_globalid(&context, table);
   return sets;
 }
 

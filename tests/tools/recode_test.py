@@ -138,6 +138,21 @@ class Recode(unittest.TestCase):
                                   stderr=subprocess.PIPE)
         self.assertEqual(done.returncode, 1)
 
+    def test_matrix(self):
+        def matrix(*words):
+            done = subprocess.run([command, "charset", "matrix", *words], capture_output=True, text=True)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            return done.stdout.splitlines()
+
+        grid = [line.split() for line in matrix()]
+        self.assertEqual([len(marks) for _, marks in grid], [len(grid)] * len(grid))
+        names = [name for name, _ in grid]
+        for source, destination, mark in (("iso_1", "cp850", "b"), ("iso_1", "utf8", "u"), ("iso_1", "decmcs", "."),
+                                          ("utf8", "utf8", "="), ("decmcs", "iso_1", ".")):
+            self.assertEqual(grid[names.index(source)][1][names.index(destination)], mark)
+        self.assertIn("utf8       through Unicode", matrix("latin1"))
+        self.assertIn('{"from":"iso_1","to":"cp850","engines":["unicode","table"]}', matrix("--json", "iso_1"))
+
 
 if __name__ == "__main__":
     project.main()

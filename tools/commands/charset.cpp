@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "charset_matrix.h"
 #include "identifiers.h"
 #include "output.h"
 #include "subcommand.h"
@@ -238,25 +239,28 @@ int run(const Options &options) {
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("action", options->action, "list or show")->required()->type_name("ACTION");
-  app.add_option("set", options->what, "show: a character set, by any of its names")
+  app.add_option("action", options->action, "list, show or matrix")
+      ->required()
+      ->type_name("ACTION");
+  app.add_option("set", options->what, "show, matrix: a character set, by any of its names")
       ->type_name("SET");
   app.add_flag("--json", options->json, "Print one JSON object for each set");
   app.footer(
       "list: the character sets of the installation. show: one of them, as a picture of what\n"
-      "each byte is.\n"
+      "each byte is. matrix: what converts each set into each other.\n"
       "\nExamples:\n"
       "  zrvcomn charset list\n"
       "  zrvcomn charset show latin1\n"
       "  zrvcomn charset show --json sjis\n"
+      "  zrvcomn charset matrix cp850\n"
       "\nExit codes: 0 shown, 1 not known or not loaded, 2 wrong usage.");
-  return [options](const std::vector<std::string> &more) {
+  return [options](const std::vector<std::string> &more) -> int {
     if (!more.empty()) {
       if (more.size() > 1 || !options->what.empty())
         throw UsageError("one set at a time");
       options->what = more[0];
     }
-    const std::vector<std::string> actions = {"list", "show"};
+    const std::vector<std::string> actions = {"list", "show", "matrix"};
     if (std::find(actions.begin(), actions.end(), options->action) == actions.end())
       throw UsageError("there is no action '" + options->action + "'" +
                        suggest(options->action, actions));
@@ -264,6 +268,12 @@ Subcommand::Run add(CLI::App &app) {
       throw UsageError("show needs a set");
     if (options->action == "list" && !options->what.empty())
       throw UsageError("list takes no set");
+    if (options->action == "matrix") {
+      Writer out(STDOUT_FILENO);
+      append_charset_matrix(out.text, options->what, options->json);
+      out.flush();
+      return exit_success;
+    }
     return run(*options);
   };
 }

@@ -66,7 +66,8 @@ bool is_continuation(CS_BYTE byte) noexcept {
 }
 
 // Reads a character that is not ASCII. Overlong forms and surrogates pass deliberately.
-Character read_utf8(const Source &source, bool refuses_noncharacters) noexcept {
+[[gnu::always_inline]] inline Character read_utf8(const Source &source,
+                                                  bool refuses_noncharacters) noexcept {
   const CS_BYTE *const s = source.at;
   const std::ptrdiff_t left = source.left();
   const std::uint32_t lead = s[0];
@@ -135,7 +136,8 @@ int utf8_to_utf16(Source &source, Room &room, bool refuses_noncharacters) noexce
 
 // Reads a character, whose first unit is there. What stands behind a high surrogate need not be a low
 // one, deliberately: the value then exceeds 0x10FFFF by up to 0x2000.
-Character read_utf16(const Source &source, bool refuses_noncharacters) noexcept {
+[[gnu::always_inline]] inline Character read_utf16(const Source &source,
+                                                   bool refuses_noncharacters) noexcept {
   const std::uint32_t unit = load<CS_USHORT>(source.at);
   if (refuses_noncharacters && unit > 0xFFFD)
     return invalid;
@@ -147,43 +149,45 @@ Character read_utf16(const Source &source, bool refuses_noncharacters) noexcept 
   return {unit, unit_size};
 }
 
-int write_utf8(std::uint32_t value, Room &room) noexcept {
-  const int bytes = value < 0x80 ? 1 : value < 0x800 ? 2 : value < 0x10000 ? 3 : 4;
+template <int bytes>
+[[gnu::always_inline]] inline int write_utf8(std::uint32_t value, Room &room) noexcept {
+  constexpr CS_BYTE lead = bytes == 1 ? 0 : static_cast<CS_BYTE>(0xF00 >> bytes);
   if (room.left() < bytes)
     return COM_FOU_OVERFLOW;
-  constexpr CS_BYTE leads[] = {0, 0, 0xC0, 0xE0, 0xF0};
-  CS_BYTE *const to = room.at;
-  switch (bytes) {
-  case 4:
-    to[3] = static_cast<CS_BYTE>(0x80 | (value & 0x3F));
-    value >>= 6;
-    [[fallthrough]];
-  case 3:
-    to[2] = static_cast<CS_BYTE>(0x80 | (value & 0x3F));
-    value >>= 6;
-    [[fallthrough]];
-  case 2:
-    to[1] = static_cast<CS_BYTE>(0x80 | (value & 0x3F));
-    value >>= 6;
-    [[fallthrough]];
-  default:
-    to[0] = static_cast<CS_BYTE>(leads[bytes] | value);
-  }
+  room.at[0] = static_cast<CS_BYTE>(lead | value >> 6 * (bytes - 1));
+  for (int i = 1; i < bytes; ++i)
+    room.at[i] = static_cast<CS_BYTE>(0x80 | (value >> 6 * (bytes - 1 - i) & 0x3F));
   room.at += bytes;
   return 0;
 }
 
+[[gnu::always_inline]] inline int write_utf8(std::uint32_t value, Room &room) noexcept {
+  if (value < 0x80)
+    return write_utf8<1>(value, room);
+  if (value < 0x800)
+    return write_utf8<2>(value, room);
+  if (value < 0x10000)
+    return write_utf8<3>(value, room);
+  return write_utf8<4>(value, room);
+}
+
 int utf16_to_utf8(Source &source, Room &room, bool refuses_noncharacters) noexcept {
   while (source.left() >= unit_size) {
-    if (load<CS_USHORT>(source.at) < 0x80)
+    if (load<CS_USHORT>(source.at) < 0x80) {
       while (source.left() >= block * unit_size && room.left() >= block &&
              is_ascii_block_of_units(source.at)) {
         copy_block<CS_USHORT, CS_BYTE>(source.at, room.at);
         source.at += block * unit_size;
         room.at += block;
       }
-    if (source.left() < unit_size)
-      break;
+      for (; source.left() >= unit_size && load<CS_USHORT>(source.at) < 0x80;
+           source.at += unit_size) {
+        if (room.left() < 1)
+          return COM_FOU_OVERFLOW;
+        *room.at++ = static_cast<CS_BYTE>(load<CS_USHORT>(source.at));
+      }
+      continue;
+    }
     const Character character = read_utf16(source, refuses_noncharacters);
     if (character.bytes == 0)
       return COM_FOU_INVALID;

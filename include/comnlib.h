@@ -536,13 +536,126 @@ ZRV_CONV(comn_voidtoany);
 ZRV_CONV(comn_voidtovoid);
 
 /*
- * Hexadecimal text to binary, after comn__hex2binbytes. The first digit of an odd count is a byte
- * of its own. Source types are the text types, destination types the binary ones.
- * CS_CONV_TRUNCATED: maxlength bytes were stored and digits are left over, unexamined.
- * CS_CONV_OVERFLOW: an odd count and no room at all. CS_CONV_SYNTAX: not a digit; `*destlen` is 0.
- * A source length below 1 is fatal. The source may be converted in place.
+ * From text: char is bytes of srcfmt->maxlength, varchar a CS_VARCHAR, of which no more is read than it
+ * holds. Text is in the character set of the format's locale, else of ctxlocale (com_intl_charattr, which
+ * tells what is fatal): digits, signs and blanks are known by what the characters reduce to, so wide
+ * digits read like ASCII. CS_CONV_SYNTAX: the text is none of the kind; `*destlen` is 0.
+ *
+ * to integers   blanks (0x20), one sign, blanks, digits, blanks; a text without digits is 0. A number out
+ *               of range is CS_CONV_OVERFLOW. Stored then: the nearest bound for i8, ui4 and ui8; the
+ *               digits that fitted for i4; the low bytes of the number for i1, i2 and ui2, or 0 if it has
+ *               no place in 32 bits. A minus is no syntax for ui4 and ui8, "-0" neither. After
+ *               CS_CONV_SYNTAX the number before the fault is stored, 0 for i1, i2 and ui2.
+ * to bit        reads an i4; 1 unless it is 0. A failure leaves `dest` alone.
+ * to floats     what strtod reads in the C locale, white space behind it aside; nothing is 0. Beyond the
+ *               range the extreme is stored, CS_CONV_OVERFLOW, an infinity that is spelled out too;
+ *               CS_CONV_UNDERFLOW stores a zero. A text of more than 1,023 bytes is CS_CONV_SYNTAX. To
+ *               flt8 a range is reported before bad text behind the number, to flt4 only what is beyond
+ *               doubles. `errno` is cleared, and ERANGE beyond the range of doubles.
+ * to numeric    destfmt->precision and scale are the shape. CS_DFMT_FROMSOURCE in either (from char alone)
+ *               takes it from the text. `*destlen` is the length of the precision plus 2. With
+ *               CS_DFMT_NULLTERM in srcfmt a NUL ends the text. CS_CONV_BADPRECISION, CS_CONV_BADSCALE,
+ *               CS_CONV_OVERFLOW; CS_CONV_TRUNCATED when fraction digits would be lost, and dest is not to
+ *               be used. From varchar an empty text is fatal, `*destlen` is 35, and text that does not
+ *               parse or would lose digits is CS_CONV_OVERFLOW.
+ * to money      com__mnyfromchar_mb, com__mny4fromchar_mb: CS_CONV_OVERFLOW, CS_CONV_SYNTAX.
+ * to dates      date is for 12 and 35, timea for 28 and 36. The text goes through UTF-8 and is read with the
+ *               names, the order and the style of the locale's dates (com__datefromchar_mb).
+ *               CS_CONV_OVERFLOW for a value out of range; CS_MEM_ERROR; what the conversion to UTF-8
+ *               returns. The room for it goes by srcfmt->maxlength, which for a varchar must be at least
+ *               its length.
+ * to text       converted between the character sets if they differ. What does not fit is cut at a
+ *               character: CS_CONV_TRUNCATED. From char: with CS_DFMT_ESCQUOTE each single quote is doubled,
+ *               of the text as it came; text that fills `dest` while CS_DFMT_NULLTERM is set loses its
+ *               last byte to the NUL, CS_CONV_TRUNCATED. Then padding: CS_CONV_PADCONFLICT. `dest` may be
+ *               the source between equal sets.
+ * to varchar    256 bytes at most, CS_CONV_TRUNCATED beyond; `*destlen` is 258. A failing conversion of the
+ *               set, for want of room too, is returned with the length of the record unwritten.
+ * to binary     hexadecimal digits, after comn__hex2binbytes. The first digit of an odd count is a byte of
+ *               its own. CS_CONV_TRUNCATED: maxlength bytes were stored and digits are left over,
+ *               unexamined. CS_CONV_OVERFLOW: an odd count and no room at all. CS_CONV_SYNTAX: not a
+ *               digit. An empty text is fatal. The source may be converted in place.
+ * to varbinary  the same into `array`; `*destlen` is 258, but 0 after CS_CONV_SYNTAX, as `len` is.
  */
-ZRV_CONV(comn_chartobin);
+#define ZRV_TEXT_CONVS(source)                                                                     \
+  ZRV_CONV(comn_##source##tobit);                                                                  \
+  ZRV_CONV(comn_##source##toi1);                                                                   \
+  ZRV_CONV(comn_##source##toi2);                                                                   \
+  ZRV_CONV(comn_##source##toi4);                                                                   \
+  ZRV_CONV(comn_##source##toi8);                                                                   \
+  ZRV_CONV(comn_##source##toui2);                                                                  \
+  ZRV_CONV(comn_##source##toui4);                                                                  \
+  ZRV_CONV(comn_##source##toui8);                                                                  \
+  ZRV_CONV(comn_##source##toflt4);                                                                 \
+  ZRV_CONV(comn_##source##toflt8);                                                                 \
+  ZRV_CONV(comn_##source##tonum);                                                                  \
+  ZRV_CONV(comn_##source##tomoney);                                                                \
+  ZRV_CONV(comn_##source##tomny4);                                                                 \
+  ZRV_CONV(comn_##source##todatetime);                                                             \
+  ZRV_CONV(comn_##source##todate4);                                                                \
+  ZRV_CONV(comn_##source##todatea);                                                                \
+  ZRV_CONV(comn_##source##totimea);                                                                \
+  ZRV_CONV(comn_##source##tochar);                                                                 \
+  ZRV_CONV(comn_##source##tovarchar);                                                              \
+  ZRV_CONV(comn_##source##tobin);                                                                  \
+  ZRV_CONV(comn_##source##tovarbin)
+
+ZRV_TEXT_CONVS(char);
+ZRV_TEXT_CONVS(varchar);
+
+/*
+ * The parsers of integers beneath them.
+ *
+ * cp     in   the text
+ * len    in   its length in bytes; below 1 the value is 0
+ * valp   out  the value, also after a failure, as told above
+ * chatr  in   its character set; null, or a set without characters of several bytes, takes the bytes as
+ *             they are
+ *
+ * Returns 0 for a len below 1, 4 for a number, -1 for one out of range, -2 for another text. A null `valp`,
+ * and a null `cp` of a text that is not empty, are fatal, -2.
+ */
+struct char_attrib;
+ZRV_PRIVATE int com__chtoi1_mb(char *cp, int len, CS_TINYINT *valp,
+                               struct char_attrib *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__chtoi2_mb(char *cp, int len, CS_SMALLINT *valp,
+                               struct char_attrib *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__chtoi4_mb(char *cp, int len, CS_INT *valp,
+                               struct char_attrib *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__chtoi8_mb(char *cp, int len, CS_BIGINT *valp,
+                               struct char_attrib *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__chtoui2_mb(char *cp, int len, CS_USMALLINT *valp,
+                                struct char_attrib *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__chtoui4_mb(char *cp, int len, CS_UINT *valp,
+                                struct char_attrib *chatr) ZRV_NOEXCEPT;
+ZRV_PRIVATE int com__chtoui8_mb(char *cp, int len, CS_UBIGINT *valp,
+                                struct char_attrib *chatr) ZRV_NOEXCEPT;
+
+/* Reduces a text to ASCII as comn_str_to_ascii does, but not beyond `destlen` bytes: the bytes written. A
+ * null `chatr` is the built-in set; another null pointer is fatal, 0. */
+ZRV_PRIVATE CS_INT com__conv2ascii(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,
+                                   struct char_attrib *chatr) ZRV_NOEXCEPT;
+
+/* The length of the longest piece of whole characters that fits into `colen` bytes; a source shorter than
+ * that is its own length, whatever it ends with. A null `attrib` is the built-in set. */
+ZRV_API CS_INT comnb_truncate_chars(struct char_attrib *attrib, CS_BYTE *source, CS_INT srclen,
+                                    CS_INT colen) ZRV_NOEXCEPT;
+
+/*
+ * Copies a text and doubles each character that reduces to a given byte.
+ *
+ * src      in   srcfmt->maxlength bytes, in the set `ca` (null for the built-in one); with
+ *               CS_DFMT_NULLTERM in destfmt->format a NUL ends it
+ * dest     out  destfmt->maxlength bytes; not the source
+ * destlen  out  the bytes written
+ * escape   in   the byte
+ *
+ * CS_SUCCEED, or CS_CONV_TRUNCATED before the first character that does not fit, both copies together. A
+ * null pointer other than `ca` is fatal, CS_FAIL.
+ */
+ZRV_PRIVATE CS_RETCODE comn__escchar(CS_CHAR *src, CS_DATAFMT *srcfmt, CS_CHAR *dest,
+                                     CS_DATAFMT *destfmt, CS_INT *destlen, struct char_attrib *ca,
+                                     CS_INT escape) ZRV_NOEXCEPT;
 
 /*
  * From integers: i1 is the unsigned CS_TINYINT. `*destlen` is the width of the destination type

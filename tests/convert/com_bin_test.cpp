@@ -434,17 +434,17 @@ TEST(CharToBin, DatatypesOfBothSides) {
     if (text_type(type))
       EXPECT_EQ(from("12", dest.data()), CS_SUCCEED) << type;
     else
-      EXPECT_ASSERTION("com_bin.cpp", CS_FAIL, from("12", dest.data()));
+      EXPECT_ASSERTION("com_char.cpp", CS_FAIL, from("12", dest.data()));
     Conversion to(comn_chartobin, make_format(CS_TYPE_CHAR, 2), make_format(type, 2));
     if (binary_type(type))
       EXPECT_EQ(to("12", dest.data()), CS_SUCCEED) << type;
     else
-      EXPECT_ASSERTION("com_bin.cpp", CS_FAIL, to("12", dest.data()));
+      EXPECT_ASSERTION("com_char.cpp", CS_FAIL, to("12", dest.data()));
   }
 }
 
 TEST(CharToBin, NullPointers) {
-  expect_null_checks("com_bin.cpp", comn_chartobin, make_format(0, 2), make_format(1, 4));
+  expect_null_checks("com_char.cpp", comn_chartobin, make_format(0, 2), make_format(1, 4));
 }
 
 // The source ends within what would be a prefix, or within a digit.

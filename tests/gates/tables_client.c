@@ -287,9 +287,53 @@ static void name_things(CS_CONTEXT *context) {
   com_errset(1);
 }
 
+/* A character set that knows ASCII alone. */
+static void describe_ascii(CHAR_ATTRIB *set) {
+  static CS_TYPE_MAP types;
+  int c;
+  for (c = 0; c < 128; ++c) {
+    CHAR_MAP *entry = &types.chmap[c];
+    const int upper = c >= 'A' && c <= 'Z', lower = c >= 'a' && c <= 'z';
+    entry->char_upper = (CS_BYTE)(lower ? c - 32 : c);
+    entry->char_lower = (CS_BYTE)(upper ? c + 32 : c);
+    entry->char_lex = c == '$' ? CS_LEX_CURRENCY : 0;
+    entry->char_type = upper                             ? CS_CTYPE_UPPER
+                       : lower                           ? CS_CTYPE_LOWER
+                       : c >= '0' && c <= '9'            ? CS_CTYPE_DIGIT
+                       : c == ' ' || (c >= 9 && c <= 13) ? CS_CTYPE_SPACE
+                                                         : 0;
+  }
+  set->cs_class = set->cs_maxcharlen = set->cs_ncharsize = set->cs_ntype = 1;
+  set->cs_type_map = &types;
+}
+
 int main(void) {
+  static const char *const months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
   static CS_CONTEXT context;
+  static CsCtxGlobals globals;
+  static CsOID oid;
+  static CHAR_ATTRIB attributes;
+  static CsCharDesc charset;
+  static CS_DATEINFO dates;
+  static CsLocCache cache;
+  static CS_LOCALE locale;
+  int month;
   signal(SIGABRT, leave_check);
+  /* A locale with tables of its own. */
+  charset.oid = &oid;
+  describe_ascii(&attributes);
+  charset.char_attrib = &attributes;
+  for (month = 0; month < 12; ++month)
+    dates.months[month] = dates.shortmonths[month] = (CS_BYTE *)months[month];
+  dates.locdateorder_id = 1;
+  cache.locchardesc = &charset;
+  cache.locdateinfo = &dates;
+  locale.collateptr = locale.ctypeptr = locale.messageptr = &cache;
+  locale.monetaryptr = locale.numericptr = locale.timeptr = &cache;
+  globals.cmg_utf8_charset = &charset;
+  context.ctxlocale = &locale;
+  context.ctxglobals = &globals;
   printf("start %d %d\n", com_conv_init(&context), com_null_init(&context));
   convert_everything(&context);
   print_defaults(&context);

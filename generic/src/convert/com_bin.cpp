@@ -1,11 +1,11 @@
-// Conversions from binary, raw copies of fixed types to binary, and hexadecimal text to binary.
+// Conversions from binary, raw copies of fixed types to binary, and the reader of hexadecimal text.
 #include <algorithm>
 #include <cstring>
 
 #include "binary.h"
 #include "charmap.h"
-#include "conv_func.h"
 #include "hex_digits.h"
+#include "hex_text.h"
 #include "pad.h"
 #include "raw_copy.h"
 
@@ -85,21 +85,16 @@ void comn__hex2binbytes(CS_CHAR **src, CS_INT *srclen) noexcept {
   *srclen = length;
 }
 
-namespace {
-
-CS_RETCODE text_to_binary(COMN_CONV_PARAMETERS) noexcept {
-  COMN_CHECK_CONV(COMN_HERE, comn::text_types.contains(srcfmt->datatype),
-                  comn::binary_types.contains(destfmt->datatype));
-  auto *text = static_cast<CS_CHAR *>(src);
-  CS_INT digits = srcfmt->maxlength;
+CS_RETCODE comn::hex_to_binary(CS_CHAR *text, CS_INT length, CS_BYTE *dest, CS_INT capacity,
+                               CS_INT *destlen) noexcept {
+  CS_INT digits = length;
   comn__hex2binbytes(&text, &digits);
-  if (srcfmt->maxlength < 1) // the reader's check has failed
+  if (length < 1) // the reader's check has failed
     return CS_FAIL;
   *destlen = 0;
 
   const auto *in = reinterpret_cast<const CS_BYTE *>(text);
-  auto *out = static_cast<CS_BYTE *>(dest);
-  const CS_INT capacity = std::max<CS_INT>(destfmt->maxlength, 0);
+  capacity = std::max<CS_INT>(capacity, 0);
   const bool odd = digits % 2 != 0;
   if (odd && capacity == 0)
     return CS_CONV_OVERFLOW;
@@ -108,20 +103,14 @@ CS_RETCODE text_to_binary(COMN_CONV_PARAMETERS) noexcept {
   int seen = 0;
   if (odd) {
     seen = comn::hex_digit_values[*in++];
-    *out++ = static_cast<CS_BYTE>(seen);
+    *dest++ = static_cast<CS_BYTE>(seen);
   }
   const CS_INT pairs = count - odd;
-  seen |= decode_pairs(in, out, pairs);
+  seen |= decode_pairs(in, dest, pairs);
   if (seen < 0)
     return CS_CONV_SYNTAX;
   *destlen = count;
-  if (odd + 2 * pairs < digits)
-    return CS_CONV_TRUNCATED;
-  return comn::pad_binary(count, destfmt->format, capacity, dest, destlen);
+  return odd + 2 * pairs < digits ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
-
-} // namespace
-
-COMN_CONV(comn_chartobin, text_to_binary)
 
 COMN_BINARY_UNIT(bin)

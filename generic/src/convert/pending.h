@@ -54,7 +54,6 @@ COMN_PENDING_INTEGER(num)
 
 COMN_PENDING_VALUES(money)
 COMN_PENDING_VALUES(mny4)
-COMN_PENDING_VALUES(varchar)
 COMN_PENDING_VALUES(unichar)
 
 // Binary and bit come whole but for 16-bit text.
@@ -62,22 +61,17 @@ COMN_PENDING(bintounichar)
 COMN_PENDING(varbintounichar)
 COMN_PENDING(bittounichar)
 
-// Text: comn_chartobin is there.
-COMN_PENDING(chartochar)
-COMN_PENDING_FIXED(char)
-COMN_PENDING(chartovarchar)
-COMN_PENDING(chartovarbin)
+// Text comes whole but for 16-bit text.
 COMN_PENDING(chartounichar)
+COMN_PENDING(varchartounichar)
 
-// Dates and times out of text and 16-bit text.
+// Dates and times out of 16-bit text.
 #define COMN_PENDING_DATES(source)                                                                 \
   COMN_PENDING(source##todatetime)                                                                 \
   COMN_PENDING(source##todate4)                                                                    \
   COMN_PENDING(source##todatea)                                                                    \
   COMN_PENDING(source##totimea)
 
-COMN_PENDING_DATES(char)
-COMN_PENDING_DATES(varchar)
 COMN_PENDING_DATES(unichar)
 
 COMN_PENDING(imagetounichar)

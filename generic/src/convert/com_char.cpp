@@ -1,0 +1,5 @@
+// Conversions from text in bytes on their own.
+#include "character.h"
+
+COMN_CHARACTER_UNIT(char)
+COMN_CHARACTER_TO_NUM(char)

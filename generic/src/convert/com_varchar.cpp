@@ -1,0 +1,5 @@
+// Conversions from CS_VARCHAR.
+#include "character.h"
+
+COMN_CHARACTER_UNIT(varchar)
+COMN_CHARACTER_TO_NUM(varchar, COMN_HERE)

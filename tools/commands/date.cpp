@@ -11,6 +11,7 @@
 #include "date_parse.h"
 #include "input.h"
 #include "output.h"
+#include "started.h"
 #include "status_names.h"
 #include "subcommand.h"
 #include "visible.h"
@@ -25,7 +26,7 @@ constexpr CS_INT last_style = 200;
 constexpr CS_BYTE bigdatetime_number = 187; // the protocol's number of CS_BIGDATETIME
 
 struct Options {
-  std::string action, part, from, to = "datetime", order = "mdy";
+  std::string action, part, from, locale, to = "datetime", order = "mdy";
   std::optional<CS_INT> given_style;
   CS_INT style = iso_style, count = 0, firstday = 7;
   bool parse = false, all_styles = false, names = false, json = false;
@@ -112,13 +113,45 @@ Parsed parse_date(std::string_view text) {
   return parsed;
 }
 
-std::optional<std::string> show(CS_BIGDATETIME value, CS_INT style) {
+// The names that dates are written with: those of a locale, or the English ones. A locale also has a
+// character set for them.
+class Names {
+public:
+  explicit Names(const Options &options) {
+    if (!options.locale.empty())
+      started = std::make_unique<Started>(options.locale);
+    CS_CONTEXT *const context = started != nullptr ? started->get() : nullptr;
+    short_months = com_intl_shortmonths(context, nullptr);
+    months = com_intl_months(context, nullptr);
+    for (CS_INT day = 0; day < 7; ++day) // from Sunday on
+      days[day] =
+          started == nullptr
+              ? Com__WeekDay[day]
+              : com_intl_days(
+                    context,
+                    nullptr)[com_intl_convt_firstday(7, day, com_intl_firstday(context, nullptr))];
+    is_utf8 = options.json;
+  }
+
+  std::string in_charset(const std::string &text) const {
+    return started == nullptr || is_utf8 ? text
+                                         : started->convert(text, started->locale()->timeptr);
+  }
+
+  CS_CHAR **short_months, **months, *days[7];
+
+private:
+  std::unique_ptr<Started> started;
+  bool is_utf8;
+};
+
+std::optional<std::string> show(CS_BIGDATETIME value, CS_INT style, const Names &names) {
   char text[256];
   const CS_INT length =
-      com__bigdatetimetochar(&value, text, sizeof text, style, com__get_shortmonths());
+      com__bigdatetimetochar(&value, text, sizeof text, style, names.short_months);
   if (length < 0)
     return std::nullopt;
-  return std::string(text, static_cast<size_t>(length));
+  return names.in_charset(std::string(text, static_cast<size_t>(length)));
 }
 
 // What comes of one value: its status and, if that is success, its text.
@@ -127,31 +160,33 @@ struct Result {
   std::string text;
 };
 
-Result part_of(CS_BIGDATETIME value, int part, const Options &options) {
+Result part_of(CS_BIGDATETIME value, int part, const Options &options, const Names &names) {
   if (!options.names)
     return {CS_SUCCEED, std::to_string(com__bigdatepart(part, &value, options.firstday))};
-  char text[32];
+  char text[256];
   const CS_INT length =
-      com__bigdatename(part, &value, text, com__get_months(), const_cast<CS_CHAR **>(Com__WeekDay));
-  return {CS_SUCCEED, std::string(text, static_cast<size_t>(length))};
+      com__bigdatename(part, &value, text, names.months, const_cast<CS_CHAR **>(names.days));
+  return {CS_SUCCEED, names.in_charset(std::string(text, static_cast<size_t>(length)))};
 }
 
 using Work = std::function<Result(CS_BIGDATETIME)>;
 
-Work make_work(const Options &options) {
+Work make_work(const Options &options, const Names &names) {
   if (options.action == "format")
-    return [&options](CS_BIGDATETIME value) {
-      return Result{CS_SUCCEED, show(value, options.style).value_or("")};
+    return [&options, &names](CS_BIGDATETIME value) {
+      return Result{CS_SUCCEED, show(value, options.style, names).value_or("")};
     };
   const int part = parse_part(options.part);
   if (options.action == "add")
-    return [&options, part](CS_BIGDATETIME value) {
+    return [&options, &names, part](CS_BIGDATETIME value) {
       if (com__bigdate_add(part, options.count, &value, bigdatetime_number) != 0)
         return Result{CS_CONV_OVERFLOW, ""};
-      return Result{CS_SUCCEED, show(value, options.style).value_or("")};
+      return Result{CS_SUCCEED, show(value, options.style, names).value_or("")};
     };
   if (options.action == "part")
-    return [&options, part](CS_BIGDATETIME value) { return part_of(value, part, options); };
+    return [&options, &names, part](CS_BIGDATETIME value) {
+      return part_of(value, part, options, names);
+    };
   const Parsed from = parse_date(options.from);
   if (from.status != CS_SUCCEED)
     throw UsageError("--from takes a date as 2001-01-05 or 2001-01-05T13:30:15");
@@ -171,9 +206,10 @@ void print_json(std::string &out, const InputValue &value, const nlohmann::order
   out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
-void print_all_styles(std::string &out, const InputValue &value, CS_BIGDATETIME date, bool json) {
+void print_all_styles(std::string &out, const InputValue &value, CS_BIGDATETIME date, bool json,
+                      const Names &names) {
   for (CS_INT style = 0; style <= last_style; ++style)
-    if (const auto text = show(date, style)) {
+    if (const auto text = show(date, style, names)) {
       if (json)
         print_json(out, value, {{"style", style}, {"result", *text}});
       else
@@ -182,7 +218,8 @@ void print_all_styles(std::string &out, const InputValue &value, CS_BIGDATETIME 
 }
 
 int run(const Options &options) {
-  const Work work = make_work(options);
+  const Names names(options);
+  const Work work = make_work(options, names);
   Writer out(STDOUT_FILENO);
   const bool from_stdin = options.values == std::vector<std::string>{"-"};
   const auto input =
@@ -193,7 +230,7 @@ int run(const Options &options) {
     Result result{date.status, ""};
     if (date.status == CS_SUCCEED) {
       if (options.all_styles) {
-        print_all_styles(out.text, value, date.value, options.json);
+        print_all_styles(out.text, value, date.value, options.json, names);
         out.settle();
         continue;
       }
@@ -251,6 +288,9 @@ Subcommand::Run add(CLI::App &app) {
                  "part: the day that counts as 1, from Monday 1 to Sunday 7")
       ->check(CLI::Range(1, 7))
       ->type_name("DAY");
+  app.add_option("--locale", options->locale,
+                 "The locale whose names of months and days, and whose character set, are used")
+      ->type_name("NAME");
   app.add_flag("--names", options->names, "part: the name of the part");
   app.add_flag("--json", options->json, "Print one JSON object for each result");
   app.add_option("values", options->values,
@@ -264,6 +304,7 @@ Subcommand::Run add(CLI::App &app) {
              "  zrvcomn date diff --part day --from 2000-01-01 2001-01-01\n"
              "  zrvcomn date part --part weekday --names 2001-01-05\n"
              "  zrvcomn date --parse --order dmy '31/12/1999 5pm'\n"
+             "  zrvcomn date format --style 0 --locale fr_FR.UTF-8 1789-07-14\n"
              "\nExit codes: 0 all values done, 1 some failed, 2 wrong usage.");
   return [options](const std::vector<std::string> &more_values) {
     auto &all = options->values;
@@ -283,7 +324,9 @@ Subcommand::Run add(CLI::App &app) {
     check_values(all);
     if (options->all_styles && options->action != "format")
       throw UsageError("--all-styles belongs to format");
-    if (!show(parse_date("2000-01-01").value, options->style))
+    Options english = *options;
+    english.locale.clear();
+    if (!show(parse_date("2000-01-01").value, options->style, Names(english)))
       throw UsageError("there is no style " + std::to_string(options->style));
     return run(*options);
   };

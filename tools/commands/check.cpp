@@ -1,0 +1,199 @@
+// zrvcomn check: loads everything of the installation and says what is wrong with which file.
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+
+#include "identifiers.h"
+#include "output.h"
+#include "started.h"
+#include "subcommand.h"
+#include "zrvcomn/comnlib.h"
+#include "zrvcomn/zrvintl.h"
+
+namespace {
+
+using namespace zrvtool;
+namespace fs = std::filesystem;
+
+std::string home() {
+  char path[1025];
+  if (intl_home(path, sizeof path) < 0)
+    throw StreamError("the home directory cannot be found: set ZARVEK");
+  return path;
+}
+
+// What a user can do about a status.
+const char *advice(CS_RETCODE status) {
+  switch (status) {
+  case COM_LOCFILE_ERROR:
+    return "put the file back, and let this user read it";
+  case COM_INTL_ERROR:
+    return "mend the file, or put the shipped one back";
+  case COM_UNKNOWN_NAME:
+    return "give the name an identifier in objectid.dat, or take the directory away";
+  case CS_MEM_ERROR:
+    return "free some memory";
+  default:
+    return "its contents are not what they must be: put the shipped file back";
+  }
+}
+
+// The directories of a folder, in order.
+std::vector<std::string> directories(const fs::path &folder) {
+  std::vector<std::string> names;
+  std::error_code ignored;
+  for (const fs::directory_entry &entry : fs::directory_iterator(folder, ignored))
+    if (entry.is_directory())
+      names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+class Check {
+public:
+  explicit Check(Writer &writer) : out(writer), started("default") {}
+
+  void language(const std::string &name) {
+    ++checked;
+    CsLocCache *const cache = derive(COM_LOCTYPE_LANGUAGE, name, base());
+    if (cache == nullptr)
+      return;
+    CS_LOCALE locale = *started.locale();
+    locale.messageptr = cache;
+    CS_ERRHAN handle{&locale, messages_file};
+    file = home() + "/locales/message/" + name + "/" + messages_file;
+    CS_ERRSECTION sections[4];
+    CS_ERRIDX defaults[4];
+    std::copy(std::begin(Comlocsections), std::end(Comlocsections), sections);
+    std::copy(std::begin(Comdeferrs), std::end(Comdeferrs), defaults);
+    started.get()->ctxintlerr = 0;
+    report(com_err_init(started.get(), &handle, sections, 4, defaults, 4));
+  }
+
+  void charset(const std::string &name) {
+    ++checked;
+    CsLocCache *const cache = derive(COM_LOCTYPE_CHARSET, name, base());
+    if (cache == nullptr)
+      return;
+    std::error_code ignored;
+    for (const fs::directory_entry &entry :
+         fs::directory_iterator(home() + "/charsets/" + name, ignored))
+      if (entry.path().extension() == ".srt") {
+        ++checked;
+        derive(COM_LOCTYPE_SORTORDER, entry.path().stem().string(), cache);
+      }
+  }
+
+  void locales() {
+    CS_CONTEXT context{};
+    INTL_LOCFILE table;
+    CS_CHAR name[] = "locales.dat", path[1025] = "";
+    CS_RETCODE status =
+        com__open_locfile(&context, nullptr, nullptr, name, &table, path, sizeof path);
+    if (status != CS_SUCCEED) {
+      file = path;
+      report(status);
+      return;
+    }
+    int reader = 0;
+    std::vector<std::string> names;
+    while (const char *const section = intl_nextsection(&table, &reader))
+      if (section == std::string_view("linux"))
+        while (intl_nextentry(&table, &reader) != nullptr)
+          if (const char *const value = intl_nextvalue(&table, &reader))
+            names.emplace_back(value);
+    intl_close(&table);
+    for (const std::string &locale : names) {
+      ++checked;
+      std::string why_not;
+      if (started.load(locale, why_not) == nullptr)
+        print("locale " + locale + ": " + why_not + ": mend the row or the file that it names");
+    }
+  }
+
+  int finish() {
+    out.text += std::to_string(checked) + " checked, " + std::to_string(problems) + " wrong\n";
+    out.flush();
+    return problems == 0 ? exit_success : exit_failure;
+  }
+
+private:
+  CsLocCache *base() { return static_cast<CsLocCache *>(started.locale()->ctypeptr); }
+
+  CsLocCache *derive(CS_INT type, std::string name, CsLocCache *from) {
+    CS_VOID *cache = nullptr;
+    CS_CHAR path[1025] = "";
+    started.get()->ctxintlerr = 0;
+    const CS_RETCODE status =
+        comn_intl_load_zrvtypes(started.get(), type, name.data(), static_cast<CS_INT>(name.size()),
+                                path, sizeof path, from, &cache);
+    file = *path != '\0' ? path : name;
+    report(status);
+    return static_cast<CsLocCache *>(cache);
+  }
+
+  void report(CS_RETCODE status) {
+    if (status != CS_SUCCEED)
+      print(file + ": " + failure_text(status, *started.get()) + ": " + advice(status));
+  }
+
+  void print(const std::string &problem) {
+    ++problems;
+    out.text += problem + "\n";
+    out.settle();
+  }
+
+  Writer &out;
+  Started started;
+  CS_CHAR messages_file[12] = "comnlib.loc";
+  std::string file;
+  size_t checked = 0, problems = 0;
+};
+
+int run(const std::string &what) {
+  Writer out(STDOUT_FILENO);
+  Check check(out);
+  const std::vector<std::string> languages = directories(home() + "/locales/message");
+  std::vector<std::string> sets = directories(home() + "/charsets");
+  std::erase(sets, "unicode"); // the tables of the converters
+  const auto has = [&](const std::vector<std::string> &names) {
+    return std::find(names.begin(), names.end(), what) != names.end();
+  };
+  if (what == "all") {
+    for (const std::string &name : languages)
+      check.language(name);
+    for (const std::string &name : sets)
+      check.charset(name);
+    check.locales();
+  } else if (has(languages)) {
+    check.language(what);
+  } else if (has(sets)) {
+    check.charset(what);
+  } else {
+    throw UsageError("there is no language and no character set '" + what + "'");
+  }
+  return check.finish();
+}
+
+Subcommand::Run add(CLI::App &app) {
+  const auto what = std::make_shared<std::string>("all");
+  app.add_option("what", *what, "A language, a character set, or all (the default)")
+      ->type_name("LANGUAGE|SET|all");
+  app.footer("Loads what is checked: tables and messages of languages, character sets with their\n"
+             "sort orders and, with all, every locale. Each problem is a line: the file, the\n"
+             "status, what to do.\n"
+             "\nExamples:\n"
+             "  zrvcomn check\n"
+             "  zrvcomn check german\n"
+             "  zrvcomn check iso_1\n"
+             "\nExit codes: 0 nothing is wrong, 1 something is, 2 wrong usage.");
+  return [what](const std::vector<std::string> &) { return run(*what); };
+}
+
+const Subcommand check("check", "Load the whole installation and say what is wrong with it", add);
+
+} // namespace

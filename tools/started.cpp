@@ -1,0 +1,118 @@
+// The start and the end of a context with its installation.
+#include "started.h"
+
+#include "errors.h"
+#include "identifiers.h"
+#include "zrvcomn/charset.h"
+#include "zrvcomn/comnlib.h"
+#include "zrvcomn/zrvintl.h"
+
+namespace zrvtool {
+
+namespace {
+
+CS_VOID *&category_of(CS_LOCALE &locale, CS_INT category) {
+  CS_VOID **const pointers[] = {&locale.collateptr,  &locale.ctypeptr,   &locale.messageptr,
+                                &locale.monetaryptr, &locale.numericptr, &locale.timeptr};
+  return *pointers[category - 1];
+}
+
+} // namespace
+
+std::string environment_locale(CS_CONTEXT *context, CS_INT category) {
+  CS_CHAR name[COM_LOCNAME_SIZE];
+  if (com_intl_envloc(context, category, name, sizeof name) != CS_SUCCEED)
+    throw StreamError("the name of a locale in the environment is too long");
+  return name;
+}
+
+Started::Started(const std::string &name) {
+  context.ctxglobals = &globals;
+  try {
+    start(name);
+  } catch (...) {
+    end();
+    throw;
+  }
+}
+
+Started::~Started() {
+  end();
+}
+
+void Started::start(const std::string &name) {
+  CS_OID_TABLE *identifiers;
+  CS_CHAR file[1025] = "";
+  CS_RETCODE status = comn_intl_load_globalid(&context, &identifiers);
+  globals.ctxoids = identifiers;
+  if (status != CS_SUCCEED)
+    throw StreamError("cannot load objectid.dat: " + failure_text(status, context) +
+                      " (zrvcomn config paths tells where it should be)");
+  status = comn_intl_init(&context, file, sizeof file);
+  if (status != CS_SUCCEED)
+    throw StreamError(std::string("cannot start from ") + file + ": " +
+                      failure_text(status, context) + " (zrvcomn check tells more)");
+  context.ctxdeflocale = static_cast<CS_LOCALE *>(comn_calloc(1, sizeof(CS_LOCALE)));
+  if (context.ctxdeflocale == nullptr)
+    throw std::bad_alloc();
+  for (CS_INT category = CS_LCTYPE_COLLATE; category <= CS_LCTYPE_TIME; ++category)
+    category_of(*context.ctxdeflocale, category) =
+        required(name.empty() ? environment_locale(&context, category) : name);
+  context.ctxlocale = context.ctxdeflocale;
+  context.ctxlocale->ctxptr = &context;
+  // A text that is missing shows in the lines themselves.
+  com_errinit(&context);
+}
+
+void Started::end() {
+  com_errdrop(&context);
+  comn_loc_drop_all(&context);
+  com_intl_loccache_drop(&context);
+  com_intl_chardesc_drop(&context);
+  comn_intl_dt_drop(&context);
+  comn_intl_mon_drop(&context);
+  comn_intl_num_drop(&context);
+  comn_intl_message_drop(&context);
+  comn_intl_drop_mnemdb(&context);
+  comn_lm_exit(&context);
+  comn_intl_drop_globalid(&context, static_cast<CS_OID_TABLE *>(globals.ctxoids));
+}
+
+CsLocCache *Started::load(const std::string &name, std::string &why_not) {
+  CS_VOID *cache = nullptr;
+  CS_CHAR file[1025] = "";
+  context.ctxintlerr = 0;
+  std::string text = name;
+  const CS_RETCODE status =
+      name.empty() ? CS_FAIL
+                   : comn_intl_load(&context, text.data(), static_cast<CS_INT>(text.size()), &cache,
+                                    file, sizeof file);
+  if (status != CS_SUCCEED)
+    why_not = std::string(file) + ": " + failure_text(status, context);
+  return static_cast<CsLocCache *>(cache);
+}
+
+CsLocCache *Started::required(const std::string &name) {
+  std::string why_not;
+  CsLocCache *const cache = load(name, why_not);
+  if (cache == nullptr)
+    throw StreamError("cannot load the locale '" + name + "': " + why_not +
+                      " (zrvcomn locale list shows all names)");
+  return cache;
+}
+
+std::string Started::convert(const std::string &text, CS_VOID *cache) {
+  CS_DATAFMT format{};
+  format.maxlength = static_cast<CS_INT>(4 * text.size());
+  std::string source = text, converted(4 * text.size(), '\0');
+  CS_INT length = 0;
+  const CS_RETCODE status = comn__convt_from_utf8(
+      &context, 1, reinterpret_cast<CS_BYTE *>(source.data()), static_cast<CS_INT>(source.size()),
+      &format, static_cast<CsLocCache *>(cache), converted.data(), &length);
+  if (status != CS_SUCCEED)
+    return text;
+  converted.resize(static_cast<size_t>(length));
+  return converted;
+}
+
+} // namespace zrvtool

@@ -1,0 +1,44 @@
+// A context that is started from the installation, as the layers above start theirs.
+#ifndef ZRVTOOL_STARTED_H
+#define ZRVTOOL_STARTED_H
+
+#include <string>
+
+#include "zrvcomn/comerr.h"
+#include "zrvcomn/comloc.h"
+
+namespace zrvtool {
+
+class Started {
+public:
+  // Starts with a locale in all six categories; without a name each category has the one that the
+  // environment selects. Throws StreamError when the installation is not complete.
+  explicit Started(const std::string &name);
+  ~Started();
+  Started(const Started &) = delete;
+  Started &operator=(const Started &) = delete;
+
+  CS_CONTEXT *get() { return &context; }
+  CS_LOCALE *locale() { return context.ctxlocale; }
+
+  // The cache of a name, or null: why not then says what was wrong with which file.
+  CsLocCache *load(const std::string &name, std::string &why_not);
+
+  // UTF-8 in the character set of a category's cache.
+  std::string convert(const std::string &text, CS_VOID *cache);
+
+private:
+  void start(const std::string &name);
+  CsLocCache *required(const std::string &name);
+  void end();
+
+  CS_CONTEXT context{};
+  CsCtxGlobals globals{};
+};
+
+// The names that the environment selects for the categories, by number from 1 on.
+std::string environment_locale(CS_CONTEXT *context, CS_INT category);
+
+} // namespace zrvtool
+
+#endif

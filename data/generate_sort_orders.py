@@ -281,7 +281,9 @@ def numbers():
 
 
 def charsets():
-    return sorted({*charset_mappings.names(), *BUILT_IN, *BY_BYTE_ALONE})
+    """The sets with a charset.loc: one whose bytes shift between widths cannot be described."""
+    mapped = {name for name in charset_mappings.names() if charset_mappings.load(name).form != "shifted"}
+    return sorted({*mapped, *BUILT_IN, *BY_BYTE_ALONE})
 
 
 def generate():

@@ -66,7 +66,11 @@ TEST(Init, TheListIsNotTheAllocatorOfTheLibrary) {
   EXPECT_EQ(com_intl_loccache_drop(&family.context), CS_SUCCEED);
   EXPECT_EQ(probe.live_blocks(), blocks); // the record came from the system
   EXPECT_EQ(family.globals.cmg_utf8_ctypeptr, nullptr);
+  EXPECT_EQ(family.globals.cmg_utf8_charset, nullptr);
+  CS_VOID *const lists = family.globals.lm;
   EXPECT_EQ(family.init(), CS_SUCCEED); // and can be had again
+  EXPECT_NE(family.globals.cmg_utf8_ctypeptr, nullptr);
+  EXPECT_EQ(family.globals.lm, lists);
 }
 
 TEST(Init, NeedsThreeIdentifiers) {
@@ -108,19 +112,20 @@ TEST(Init, FailsWithEachAllocation) {
   const Installation installation;
   Family family;
   ASSERT_EQ(family.load_identifiers(), CS_SUCCEED);
-  fail_each_allocation([] {},
-                       [&] {
-                         const CS_RETCODE result = family.init();
-                         EXPECT_EQ(result == CS_SUCCEED,
-                                   family.globals.cmg_utf8_charset != nullptr);
-                         return result != CS_SUCCEED;
-                       },
-                       [&] {
-                         com_intl_loccache_drop(&family.context);
-                         com_intl_chardesc_drop(&family.context);
-                         EXPECT_EQ(comn_lm_exit(&family.context), CS_SUCCEED);
-                         EXPECT_EQ(family.globals.lm, nullptr);
-                       });
+  const size_t failed = fail_each_allocation(
+      [] {},
+      [&] {
+        const CS_RETCODE result = family.init();
+        EXPECT_EQ(result == CS_SUCCEED, family.globals.cmg_utf8_charset != nullptr);
+        return result != CS_SUCCEED;
+      },
+      [&] {
+        com_intl_loccache_drop(&family.context);
+        com_intl_chardesc_drop(&family.context);
+        EXPECT_EQ(comn_lm_exit(&family.context), CS_SUCCEED);
+        EXPECT_EQ(family.globals.lm, nullptr);
+      });
+  EXPECT_GT(failed, 10U);
 }
 
 TEST(Init, RefusesNullPointers) {

@@ -968,6 +968,81 @@ class Command(unittest.TestCase):
         self.check_usage(zrvcomn("date", "--parse", "--to", "datetme", "5"), "datetime")
         self.check_usage(zrvcomn("date", "--parse"), "values")
 
+    def test_date_locale(self):
+        date = ("date", "format", "--style", "0", "--locale")
+        self.check(zrvcomn(*date, "fr_FR.UTF-8", "1789-07-14T13:30"), 0, "juil. 14 1789  1:30PM\n")
+        # The bytes are those of the locale's character set, but for JSON.
+        self.assertEqual(zrvcomn("date", "format", "--style", "106", "--locale", "de_DE", "2001-03-05").raw,
+                         b"05 M\xe4rz 2001\n")
+        result = zrvcomn("date", "format", "--style", "106", "--locale", "de_DE", "--json", "2001-03-05")
+        self.assertEqual(json.loads(result.out)["result"], "05 März 2001")
+        for locale, day in (("de_DE.UTF-8", "Freitag"), ("en_US.UTF-8", "Friday"), ("ja_JP.UTF-8", "金曜日")):
+            self.check(zrvcomn("date", "part", "--part", "weekday", "--names", "--locale", locale,
+                               "2001-01-05"), 0, f"{day}\n")
+        result = zrvcomn(*date, "nowhere", "2001-01-05")
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertIn("cannot load the locale 'nowhere'", result.err)
+
+    # ---- locale and check ----
+
+    def test_locale_list(self):
+        lines = zrvcomn("locale", "list").out.splitlines()
+        self.assertEqual(lines[0].split(), ["name", "language", "charset", "sort_order", "date", "number",
+                                            "money"])
+        self.assertEqual(lines[1].split(), ["default", "us_english", "utf8", "binary"])
+        rows = [json.loads(line) for line in zrvcomn("locale", "list", "--json").out.splitlines()]
+        self.assertEqual(len(rows), len(lines) - 1)
+        self.assertIn({"name": "fr_CA", "language": "french", "charset": "iso_1", "sort_order": "dictionary",
+                       "number": "fr_CA", "money": "fr_CA"}, rows)
+
+    def test_locale_show(self):
+        result = zrvcomn("locale", "show", "de_DE.UTF-8")
+        self.assertEqual((result.code, result.err), (0, ""))
+        self.assertIn("\ndate order  dmy, style 3\nfirst day   1\nclock       24 hours\n"
+                      "date        05 Aug. 2001\nmessage     comn_init_cfg: gemeinsame Bibliothek: "
+                      "Konfiguration: ", result.out)
+        # Without a name each category has its own.
+        result = zrvcomn("locale", "show", "--json", LC_ALL="never", LANG="de_DE", LC_TIME="ru_RU.KOI8-R",
+                         LC_COLLATE="C")
+        shown = json.loads(result.out)
+        self.assertEqual([shown[category]["name"] for category in ("collate", "ctype", "time")],
+                         ["C", "de_DE", "ru_RU.KOI8-R"])
+        self.assertEqual(shown["time"]["charset"], "koi8")
+        self.assertEqual(shown["date"], "05 авг. 2001")
+
+    def test_locale_failures(self):
+        self.check_usage(zrvcomn("locale", "list", "de_DE"), "list takes no name")
+        self.check_usage(zrvcomn("locale", "find"), "there is no action 'find'")
+        self.assertEqual(zrvcomn("locale", "show", "nowhere").code, 1)
+        result = zrvcomn("locale", "show", "C", ZARVEK=str(self.scratch))
+        self.assertEqual(result.code, 1)
+        self.assertIn("cannot load objectid.dat", result.err)
+
+    def test_check(self):
+        result = zrvcomn("check")
+        self.assertRegex(result.out, r"\A[0-9]+ checked, 0 wrong\n\Z")
+        self.assertEqual((result.code, result.err), (0, ""))
+        self.check(zrvcomn("check", "german"), 0, "1 checked, 0 wrong\n")
+        self.check_usage(zrvcomn("check", "klingon"), "no language and no character set 'klingon'")
+
+    def test_check_finds_what_is_wrong(self):
+        home = self.scratch / "home"
+        shutil.copytree(project.source_dir / "home", home, copy_function=os.symlink)
+        broken = {"locales/message/german/common.loc": None, "locales/message/french/comnlib.loc": "x",
+                  "charsets/iso15/danish.srt": "[other]\n", "charsets/koi8/charset.loc": None}
+        for path, text in broken.items():
+            (home / path).unlink()
+            if text is not None:
+                (home / path).write_text(text)
+        result = zrvcomn("check", ZARVEK=str(home))
+        self.assertEqual((result.code, result.err), (1, ""))
+        for path in broken:
+            self.assertIn(f"{home / path}: ", result.out)
+        self.check(zrvcomn("check", "german", ZARVEK=str(home)), 1,
+                   f"{home}/locales/message/german/common.loc: COM_LOCFILE_ERROR, the file cannot be "
+                   "opened: put the file back, and let this user read it\n1 checked, 1 wrong\n")
+        self.check(zrvcomn("check", "italian", ZARVEK=str(home)), 0, "1 checked, 0 wrong\n")
+
     def test_date_usage(self):
         self.check_usage(zrvcomn("date", "formt", "2001-01-05"), "formt", "format")
         self.check_usage(zrvcomn("date", "format"), "values")

@@ -135,6 +135,6 @@ CS_RETCODE com_intl_loccache_drop(CS_CONTEXT *context) noexcept {
     globals->cmg_lcache = cache->locnext;
     comn__drop_loccache(cache);
   }
-  comn::free_utf8_cache(globals);
+  comn::forget_utf8(globals);
   return COMN_TRACE(CS_SUCCEED);
 }

@@ -48,11 +48,12 @@ CS_RETCODE prepare(CS_CONTEXT *context, CsLocCache *cache, CS_CHAR *locfilename,
   if (comn::identify(context, COM_OID_CHARSET, ucs2_name, length_of(ucs2_name), &ucs2) !=
       CS_SUCCEED)
     return CS_FAIL;
-  LM_CONTEXT *lists;
-  result = lm_initlm(list_version, list_context_name, length_of(list_context_name), &lists);
+  CsCtxGlobals *const globals = context->ctxglobals;
+  auto *lists = static_cast<LM_CONTEXT *>(globals->lm);
+  if (lists == nullptr)
+    result = lm_initlm(list_version, list_context_name, length_of(list_context_name), &lists);
   if (result != CS_SUCCEED)
     return result;
-  CsCtxGlobals *const globals = context->ctxglobals;
   globals->cmg_utf8_charset = cache->locchardesc;
   globals->cmg_utf8_ctypeptr = cache;
   globals->ucs2_oid = ucs2;
@@ -70,9 +71,10 @@ CS_RETCODE identify(CS_CONTEXT *context, CS_INT oidclass, const CS_CHAR *name, C
                        const_cast<CS_CHAR *>(name), length, nullptr, nullptr);
 }
 
-void free_utf8_cache(CsCtxGlobals *globals) noexcept {
+void forget_utf8(CsCtxGlobals *globals) noexcept {
   std::free(globals->cmg_utf8_ctypeptr);
   globals->cmg_utf8_ctypeptr = nullptr;
+  globals->cmg_utf8_charset = nullptr;
 }
 
 } // namespace comn

@@ -33,8 +33,9 @@ inline void link_date_table(CsCtxGlobals *globals, CS_DATEINFO *table) noexcept 
 CS_RETCODE identify(CS_CONTEXT *context, CS_INT oidclass, const CS_CHAR *name, CS_INT length,
                     CsOID **oid) noexcept;
 
-// Releases the cache that comn_intl_init has made.
-void free_utf8_cache(CsCtxGlobals *globals) noexcept;
+// Releases the cache that comn_intl_init has made, so that it makes one again. The character set
+// stays on its list.
+void forget_utf8(CsCtxGlobals *globals) noexcept;
 
 // A cache without a name is found by none.
 inline void clear_locname(CsLocCache &cache) noexcept {

@@ -200,6 +200,11 @@ typedef struct com__datecrack DateToken;
   ROW(CS_CONVACK, 44) \
   ROW(CS_DATAFUNCS, 320) \
   ROW(CsLocCache, 84) \
+  ROW(CsLocNames, 1560) \
+  ROW(ParseStruct, 16) \
+  ROW(CS_DATEINFO, 420) \
+  ROW(CS_NUMINFO, 64) \
+  ROW(CS_MONINFO, 104) \
   ROW(CsSortDesc, 16) \
   ROW(CHAR_ATTRIB, 60) \
   ROW(CS_ATTRIB, 60) \
@@ -363,6 +368,101 @@ typedef struct com__datecrack DateToken;
   ROW(CsLocCache, monnamelen, 72) \
   ROW(CsLocCache, locmoninfo, 76) \
   ROW(CsLocCache, locnext, 80) \
+  ROW(CsLocNames, charset, 0) \
+  ROW(CsLocNames, charsetlen, 256) \
+  ROW(CsLocNames, lang, 260) \
+  ROW(CsLocNames, langlen, 516) \
+  ROW(CsLocNames, sortorder, 520) \
+  ROW(CsLocNames, sortorderlen, 776) \
+  ROW(CsLocNames, datetime, 780) \
+  ROW(CsLocNames, datetimelen, 1036) \
+  ROW(CsLocNames, numeric, 1040) \
+  ROW(CsLocNames, numericlen, 1296) \
+  ROW(CsLocNames, money, 1300) \
+  ROW(CsLocNames, moneylen, 1556) \
+  ROW(ParseStruct, type, 0) \
+  ROW(ParseStruct, data, 4) \
+  ROW(ParseStruct, datalen, 8) \
+  ROW(ParseStruct, next, 12) \
+  ROW(CS_DATEINFO, id, 0) \
+  ROW(CS_DATEINFO, is12hour, 4) \
+  ROW(CS_DATEINFO, amindict, 8) \
+  ROW(CS_DATEINFO, amindict_len, 12) \
+  ROW(CS_DATEINFO, pmindict, 16) \
+  ROW(CS_DATEINFO, pmindict_len, 20) \
+  ROW(CS_DATEINFO, months, 24) \
+  ROW(CS_DATEINFO, mon_len, 72) \
+  ROW(CS_DATEINFO, shortmonths, 120) \
+  ROW(CS_DATEINFO, shrtmon_len, 168) \
+  ROW(CS_DATEINFO, days, 216) \
+  ROW(CS_DATEINFO, day_len, 244) \
+  ROW(CS_DATEINFO, shortdays, 272) \
+  ROW(CS_DATEINFO, shrtday_len, 300) \
+  ROW(CS_DATEINFO, firstday, 328) \
+  ROW(CS_DATEINFO, datefmt, 332) \
+  ROW(CS_DATEINFO, datefmt_len, 336) \
+  ROW(CS_DATEINFO, timefmt, 340) \
+  ROW(CS_DATEINFO, timefmt_len, 344) \
+  ROW(CS_DATEINFO, longdtfmt, 348) \
+  ROW(CS_DATEINFO, longdtfmt_len, 352) \
+  ROW(CS_DATEINFO, shrtdtfmt, 356) \
+  ROW(CS_DATEINFO, shrtdtfmt_len, 360) \
+  ROW(CS_DATEINFO, era, 364) \
+  ROW(CS_DATEINFO, era_len, 368) \
+  ROW(CS_DATEINFO, era_t_fmt, 372) \
+  ROW(CS_DATEINFO, eratfmt_len, 376) \
+  ROW(CS_DATEINFO, era_d_fmt, 380) \
+  ROW(CS_DATEINFO, eradfmt_len, 384) \
+  ROW(CS_DATEINFO, era_dt_fmt, 388) \
+  ROW(CS_DATEINFO, eradtfmt_len, 392) \
+  ROW(CS_DATEINFO, secprec, 396) \
+  ROW(CS_DATEINFO, dateorder, 400) \
+  ROW(CS_DATEINFO, convertfmt, 404) \
+  ROW(CS_DATEINFO, bdtconvertfmt, 408) \
+  ROW(CS_DATEINFO, locdateorder_id, 412) \
+  ROW(CS_DATEINFO, next, 416) \
+  ROW(CS_NUMINFO, id, 0) \
+  ROW(CS_NUMINFO, decpt, 4) \
+  ROW(CS_NUMINFO, decpt_len, 8) \
+  ROW(CS_NUMINFO, gpsep, 12) \
+  ROW(CS_NUMINFO, gpsep_len, 16) \
+  ROW(CS_NUMINFO, grouping, 20) \
+  ROW(CS_NUMINFO, group_cnt, 24) \
+  ROW(CS_NUMINFO, possign, 28) \
+  ROW(CS_NUMINFO, possign_len, 32) \
+  ROW(CS_NUMINFO, negsign, 36) \
+  ROW(CS_NUMINFO, negsign_len, 40) \
+  ROW(CS_NUMINFO, posfmt, 44) \
+  ROW(CS_NUMINFO, posfmt_len, 48) \
+  ROW(CS_NUMINFO, negfmt, 52) \
+  ROW(CS_NUMINFO, negfmt_len, 56) \
+  ROW(CS_NUMINFO, next, 60) \
+  ROW(CS_MONINFO, id, 0) \
+  ROW(CS_MONINFO, intlcurrsym, 4) \
+  ROW(CS_MONINFO, intlsym_len, 8) \
+  ROW(CS_MONINFO, loccurrsym, 12) \
+  ROW(CS_MONINFO, locsym_len, 16) \
+  ROW(CS_MONINFO, decpt, 20) \
+  ROW(CS_MONINFO, decpt_len, 24) \
+  ROW(CS_MONINFO, gpsep, 28) \
+  ROW(CS_MONINFO, gpsep_len, 32) \
+  ROW(CS_MONINFO, grouping, 36) \
+  ROW(CS_MONINFO, group_cnt, 40) \
+  ROW(CS_MONINFO, possign, 44) \
+  ROW(CS_MONINFO, possign_len, 48) \
+  ROW(CS_MONINFO, negsign, 52) \
+  ROW(CS_MONINFO, negsign_len, 56) \
+  ROW(CS_MONINFO, intlfracdig, 60) \
+  ROW(CS_MONINFO, locfracdig, 64) \
+  ROW(CS_MONINFO, intlposfmt, 68) \
+  ROW(CS_MONINFO, intlposfmt_len, 72) \
+  ROW(CS_MONINFO, intlnegfmt, 76) \
+  ROW(CS_MONINFO, intlnegfmt_len, 80) \
+  ROW(CS_MONINFO, locposfmt, 84) \
+  ROW(CS_MONINFO, locposfmt_len, 88) \
+  ROW(CS_MONINFO, locnegfmt, 92) \
+  ROW(CS_MONINFO, locnegfmt_len, 96) \
+  ROW(CS_MONINFO, next, 100) \
   ROW(CsSortDesc, oid, 0) \
   ROW(CsSortDesc, char_sort_descript, 4) \
   ROW(CsSortDesc, char_sort_class, 8) \

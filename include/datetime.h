@@ -385,7 +385,9 @@ struct com__datecrack {
  * Results: 0; negative, DT_BAD_SYNTAX or DT_LEFTOVER, when the text is none; positive when its value
  * is out of range: 1 for a short year above 99, for a time that cannot be made, and for a value beyond
  * the range of its type; 9 for an hour that am or pm contradicts; COM_DATE_BADYEAR to
- * COM_DATE_BADDAY. A null pointer that nothing allows is fatal, DT_BAD_SYNTAX.
+ * COM_DATE_BADDAY. com__bigtimefromchar_mb tells the field of a time that cannot be made,
+ * COM_DATE_BADHOUR to COM_DATE_BADFRACTION. A null pointer that nothing allows is fatal,
+ * DT_BAD_SYNTAX.
  */
 ZRV_PRIVATE int com__datefromchar_mb(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT origlen,
                                      CS_INT style, CS_INT order, CS_CHAR **mths,

@@ -468,7 +468,8 @@ ZRV_PRIVATE int com__uint8tomny4(CS_MONEY4 *m4p, CS_UBIGINT *ip) ZRV_NOEXCEPT;
  *
  * src      in   the number, at any address; null for zero
  * srclen   in   0 for zero; otherwise not looked at
- * dest     out  the value, at any address; zero after a failure
+ * dest     out  the value, at any address; after a failure zero, but the nearest value for a number
+ *               that is a CS_MONEY and no CS_MONEY4
  * destlen  in   not looked at
  * style    in   no effect
  *

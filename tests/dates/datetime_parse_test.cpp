@@ -518,8 +518,14 @@ TEST(TextToPart, DatesAndTimes) {
   EXPECT_EQ(bigtime("1/2/1900/ 0:00:01.123456"), "1123456");
   EXPECT_EQ(bigtime("1/40/1900 0:01"), "result 3");
   EXPECT_EQ(bigtime("1/40/1900 25:01"), "result 3"); // the date is looked at first
-  EXPECT_EQ(bigtime("1/4/1900 25:01"), "result 1");
-  EXPECT_EQ(bigtime("25:01"), "result 1");
+  // Deliberate: the others answer 1 for a time that cannot be made, this one the field at fault.
+  EXPECT_EQ(bigtime("1/4/1900 25:01"), "result 4");
+  EXPECT_EQ(bigtime("25:01"), "result 4");
+  EXPECT_EQ(bigtime("12:60"), "result 5");
+  EXPECT_EQ(bigtime("12:30:60"), "result 6");
+  EXPECT_EQ(bigtime("12:30:15.01000000"), "result 7");
+  EXPECT_EQ(bigtime("12:30:15.00999999"), "45015999999");
+  EXPECT_EQ(time("25:01"), "result 1");
   EXPECT_EQ(bigtime(""), "0");
   EXPECT_EQ(bigtime("0:01 x"), "result -1");
 }

@@ -631,6 +631,20 @@ TEST(DoubleToMoney, NothingIsZero) {
   EXPECT_EQ(small.mny4, 0);
 }
 
+// A source of no length is not looked at.
+TEST(FloatToMoney, NothingIsRead) {
+  GuardedBuffer nowhere(0);
+  CS_MONEY value = money(7);
+  EXPECT_EQ(com__flt8tomny(nowhere.data(), 0, &value, 8, 0), 8);
+  EXPECT_EQ(count_of(value), 0);
+  value = money(7);
+  EXPECT_EQ(com__flt4tomny(nowhere.data(), 0, &value, 8, 0), 8);
+  EXPECT_EQ(count_of(value), 0);
+  CS_MONEY4 small{7};
+  EXPECT_EQ(com__flt4tomny4(nowhere.data(), 0, &small, 0), 4);
+  EXPECT_EQ(small.mny4, 0);
+}
+
 TEST(FloatToMoney, WidensFirst) {
   float value = 0.1F;
   CS_MONEY result;
@@ -641,8 +655,8 @@ TEST(FloatToMoney, WidensFirst) {
   EXPECT_EQ(count_of(result), 0);
 }
 
-// Zero, not the nearest value, after an overflow.
-TEST(DoubleToMoney4, ZeroUnlessItFits) {
+// The nearest value for what is a CS_MONEY at least, and zero beyond.
+TEST(DoubleToMoney4, NarrowsAndSaturates) {
   auto from = [](double value) {
     CS_MONEY4 result{77};
     const int length = com__flt8tomny4(&value, 8, &result, 0);
@@ -650,15 +664,20 @@ TEST(DoubleToMoney4, ZeroUnlessItFits) {
   };
   EXPECT_EQ(from(-1.5), std::make_pair(4, -15000));
   EXPECT_EQ(from(214748.3647), std::make_pair(4, largest4));
-  EXPECT_EQ(from(214748.3648), std::make_pair(-1, 0));
+  EXPECT_EQ(from(214748.3648), std::make_pair(-1, largest4));
   EXPECT_EQ(from(-214748.3648), std::make_pair(4, smallest4));
-  EXPECT_EQ(from(-214748.3649), std::make_pair(-1, 0));
+  EXPECT_EQ(from(-214748.3649), std::make_pair(-1, smallest4));
+  EXPECT_EQ(from(922337203685477.6), std::make_pair(-1, largest4));
+  EXPECT_EQ(from(-1e20), std::make_pair(-1, 0));
   EXPECT_EQ(from(1e20), std::make_pair(-1, 0));
   float single = 2.5F;
   CS_MONEY4 result{77};
   EXPECT_EQ(com__flt4tomny4(&single, 4, &result, 0), 4);
   EXPECT_EQ(result.mny4, 25000);
-  single = 1e6F;
+  single = -1e6F;
+  EXPECT_EQ(com__flt4tomny4(&single, 4, &result, 0), -1);
+  EXPECT_EQ(result.mny4, smallest4);
+  single = 1e30F;
   EXPECT_EQ(com__flt4tomny4(&single, 4, &result, 0), -1);
   EXPECT_EQ(result.mny4, 0);
 }

@@ -467,7 +467,7 @@ private:
 
 // ---- values ----
 
-// What a value answers that cannot be made, where the field at fault is not told.
+// What a date and time answers whose time cannot be made. The field at fault is not told.
 constexpr int make_failed = 1;
 
 // Whether there is something to make of what was read.
@@ -650,7 +650,7 @@ int com__bigtimefromchar_mb(CS_BIGTIME *dtp, CS_CHAR *origcp, CS_INT origlen, CS
     if (made != 0)
       return made;
   }
-  return com__bigtimemake(dtp, &parts) == 0 ? 0 : make_failed;
+  return com__bigtimemake(dtp, &parts);
 }
 
 int com__timefromchar_mb(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT origlen, CS_INT style, CS_INT,

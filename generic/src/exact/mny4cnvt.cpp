@@ -31,15 +31,15 @@ double to_double(const CS_VOID *src) noexcept {
          static_cast<double>(exact::money_unit);
 }
 
-// Zero unless all goes well; nothing saturates here.
+// Zero for what is no CS_MONEY either; of one, the nearest value.
 template <auto FromDouble>
 CS_INT from_double(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT style) noexcept {
+  auto *const value = static_cast<CS_MONEY4 *>(dest);
   CS_MONEY wide;
-  CS_MONEY4 value;
-  const bool fits =
-      FromDouble(src, srclen, &wide, sizeof wide, style) >= 0 && com__mnytomny4(&wide, &value) >= 0;
-  exact::store_count(static_cast<CS_MONEY4 *>(dest), fits ? value.mny4 : 0);
-  return fits ? static_cast<CS_INT>(sizeof value) : -1;
+  exact::store_count(value, 0);
+  if (FromDouble(src, srclen, &wide, sizeof wide, style) < 0)
+    return -1;
+  return com__mnytomny4(&wide, value);
 }
 
 } // namespace

@@ -341,7 +341,8 @@ CS_INT com__flt8tomny(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT, CS_INT
 
 CS_INT com__flt4tomny(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen,
                       CS_INT style) noexcept {
-  CS_FLOAT wide = src == nullptr ? 0 : CS_FLOAT{comn::load<CS_REAL>(src)};
+  const bool is_empty = src == nullptr || srclen == 0;
+  CS_FLOAT wide = is_empty ? 0 : CS_FLOAT{comn::load<CS_REAL>(src)};
   return com__flt8tomny(&wide, srclen, dest, destlen, style);
 }
 

@@ -253,7 +253,7 @@ def describe_built_in():
     sounds = bytearray(256)
     for code in range(26):
         sounds[65 + code] = sounds[97 + code] = ord(LETTER_SOUNDS[code])
-    for code in [*range(192, 215), *range(216, 223), *range(224, 247), *range(248, 256)]:
+    for code in [*range(192, 215), *range(216, 247), *range(248, 256)]:
         sounds[code] = ord("0")
     return b"".join(types), sounds
 

@@ -10,7 +10,14 @@ using TypeMap = comn::Table<CS_TYPE_MAP, 1>;
 using SoundMap = comn::Table<CS_SOUNDEX, 1>;
 
 // Lexical classes.
-enum Lex : CS_BYTE { name = 1, digit = 2, control = 8, quote = 16, operation = 32, currency = CS_LEX_CURRENCY };
+enum Lex : CS_BYTE {
+  name = 1,
+  digit = 2,
+  control = 8,
+  quote = 16,
+  operation = 32,
+  currency = CS_LEX_CURRENCY
+};
 
 constexpr CS_BYTE upper_xdigit = CS_CTYPE_UPPER | CS_CTYPE_XDIGIT;
 constexpr CS_BYTE lower_xdigit = CS_CTYPE_LOWER | CS_CTYPE_XDIGIT;
@@ -79,7 +86,7 @@ consteval TypeMap build_types() {
 // The American Soundex classes of the letters from A to Z, with a class of its own for R.
 constexpr char letter_sounds[] = "01230120022455012623010202";
 
-// Letters with marks sound as nothing; 215 and 247 are no letters, and 223 has no class.
+// Letters with marks, and 223, sound as nothing; 215 and 247 are no letters.
 consteval SoundMap build_sounds() {
   SoundMap map{};
   for (int i = 0; i < 26; ++i) {
@@ -88,7 +95,7 @@ consteval SoundMap build_sounds() {
     map[0].sound['a' + i] = sound;
   }
   for (int c = 192; c < 256; ++c)
-    if (c != 215 && c != 223 && c != 247)
+    if (c != 215 && c != 247)
       map[0].sound[c] = '0';
   return map;
 }

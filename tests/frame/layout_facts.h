@@ -87,7 +87,8 @@ typedef struct com__datecrack DateToken;
   ROW(CS_SOUNDEX, 256) \
   ROW(CS_TYPE_MAP, 1024) \
   ROW(cs_1class, 1285) \
-  ROW(cs_2class, 44)
+  ROW(cs_2class, 44) \
+  ROW(LIGSTRUCT, 14)
 
 /* record, field, offset, width of the field: both data models */
 #define LAYOUT_VALUE_FIELDS(ROW) \
@@ -180,7 +181,11 @@ typedef struct com__datecrack DateToken;
   ROW(cs_2class, off_type, 28, 4) \
   ROW(cs_2class, size_type, 32, 4) \
   ROW(cs_2class, off_soundex, 36, 4) \
-  ROW(cs_2class, size_soundex, 40, 4)
+  ROW(cs_2class, size_soundex, 40, 4) \
+  ROW(LIGSTRUCT, lig, 0, 11) \
+  ROW(LIGSTRUCT, first, 11, 1) \
+  ROW(LIGSTRUCT, second, 12, 1) \
+  ROW(LIGSTRUCT, type, 13, 1)
 
 /* record, size under ILP32 */
 #define LAYOUT_POINTER_RECORDS(ROW) \
@@ -840,6 +845,24 @@ typedef struct com__datecrack DateToken;
   ROW(CS_CTYPE_LEAD, 128) \
   ROW(COM_CHARSET_IMAGE1, 1001) \
   ROW(COM_CHARSET_IMAGE2, 1002) \
+  ROW(SMEL_BYTE, 0) \
+  ROW(SMEL_DOUBLE, 1) \
+  ROW(SMEL_LIGATURE, 3) \
+  ROW(SMEL_NONE, 255) \
+  ROW(SMEL_COUNT, 64) \
+  ROW(SO_PRIMARY, 1) \
+  ROW(SO_SECONDARY, 2) \
+  ROW(SO_PREFERENCE, 4) \
+  ROW(SO_TIES, 8) \
+  ROW(SO_EXPANDS, 16) \
+  ROW(SO_LIGATURES, 32) \
+  ROW(SO_WEIGHTS, 255) \
+  ROW(SO_NAME_SIZE, 31) \
+  ROW(SO_DESCRIPT_SIZE, 256) \
+  ROW(LIG_AFTER, 1) \
+  ROW(LIG_EQUAL, 2) \
+  ROW(LIG_BYTES, 10) \
+  ROW(LIG_COUNT, 50) \
   ROW(MM_POOL_NONE, 2235) \
   ROW(MM_POOL_BUDDY, 2236) \
   ROW(MM_POOL_ALLOCONLY, 2237) \

@@ -381,11 +381,26 @@ TEST(SortOrderCompiler, SecondaryWeightsAreOneByte) {
   ASSERT_EQ(order.result, CS_SUCCEED);
   EXPECT_TRUE(has_weights(order.element(0).smel_types.sm_1type.lsc1, 1, 255, 1, 0));
   EXPECT_EQ(load(sort_order_header + values + ", \\x01\\x01, \\x01\\x02\n"), CS_FAIL);
-  // A ligature that would sort after the last of them.
-  const std::string few =
-      sort_order_header + std::string("lig = z,after cc\n") +
-      replaced(replaced(values, ", " + spell('z'), ""), spell('\1'), spell('\1') + "");
-  EXPECT_EQ(load(few), CS_SUCCEED);
+}
+
+// Nor may a ligature take a weight behind the largest: "d" has what is left when "c" has reserved a
+// weight for each of them, and the last one finds none.
+TEST(SortOrderCompiler, SecondaryWeightsOfLigaturesAreOneByte) {
+  const auto order = [](std::string_view ligatures) {
+    std::string entries, values;
+    for (const char ligature : ligatures)
+      entries += "lig = " + spell(ligature) + ",after cd\n";
+    int count = 0;
+    for (int code = 1; code < 256; ++code)
+      if (code != 'd' && ligatures.find(static_cast<char>(code)) == std::string_view::npos)
+        values += spell(static_cast<char>(code)) + (++count % 50 == 0 ? ", \\\n" : ", ");
+    return sort_order_header + entries + "char = " + values + "d\n";
+  };
+  Compiled one(order("z"));
+  ASSERT_EQ(one.result, CS_SUCCEED);
+  EXPECT_TRUE(has_weights(one.of('d'), 1, 254, 1, 0));
+  EXPECT_EQ(one.element(0).smel_types.sm_3type.lsc2.pst.s, 255);
+  EXPECT_EQ(load(order("zy")), CS_FAIL);
 }
 
 // ---- double characters ----

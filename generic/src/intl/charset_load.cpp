@@ -24,12 +24,6 @@ constexpr size_t width_room = 256;
 constexpr size_t norm_room = plane_count * sizeof(CS_NORM_MAP);
 constexpr size_t type_room = plane_count * sizeof(CS_TYPE_MAP);
 
-// What it means that the file has nothing more where something is needed.
-CS_RETCODE missing(CS_CONTEXT *context, int status) noexcept {
-  const CS_RETCODE result = comn::reader_result(context, status);
-  return result == CS_SUCCEED ? CS_FAIL : result;
-}
-
 CsCharDesc *first_of(CS_CONTEXT *context) noexcept {
   return static_cast<CsCharDesc *>(context->ctxglobals->cmg_chardesc);
 }
@@ -115,7 +109,7 @@ CS_RETCODE read_entries(CS_CONTEXT *context, INTL_LOCFILE *file, CHAR_ATTRIB *se
     if (result != CS_SUCCEED)
       return result;
   }
-  return missing(context, status);
+  return comn::missing_result(context, status);
 }
 
 CS_RETCODE read_file(CS_CONTEXT *context, INTL_LOCFILE *file, CHAR_ATTRIB **set) noexcept {
@@ -282,13 +276,13 @@ CS_RETCODE comn__get_image(CsContext *context, INTL_LOCFILE *ifile, CS_BOOL atha
     if (!on_line) {
       const CS_CHAR *const key = intl_nextentry(ifile, &status);
       if (key == nullptr)
-        return missing(context, status);
+        return comn::missing_result(context, status);
       if (key != image_key)
         return CS_FAIL;
     }
     const CS_CHAR *const value = intl_nextvalue(ifile, &status);
     if (value == nullptr)
-      return missing(context, status);
+      return comn::missing_result(context, status);
     const std::string_view line = value;
     if (line.size() > wanted - digits)
       return CS_FAIL;

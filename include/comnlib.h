@@ -882,6 +882,14 @@ ZRV_CONV(comn_bittovarbin);
  *            the date 0001-01-01
  * to binary  the bytes of the value as they stand in memory: comn_fixedtobin, comn_fixedtovarbin. A
  *            negative maxlength is fatal.
+ * to text    date serves CS_BIGDATETIME too, timea CS_BIGTIME; another source type is CS_CONV_SYNTAX. In
+ *            the style of comn_get_datetochar_fmt and the short month names of the destination's locale,
+ *            in its character set, padded as `format` asks. CS_CONV_TRUNCATED: the text was cut.
+ *            CS_CONV_DATEBUFFER: an unknown style; CS_CONV_SYNTAX: a name is missing; CS_MEM_ERROR; what
+ *            the conversion from UTF-8 returns. A negative maxlength is fatal. `*destlen` is 0 when no text
+ *            came to be.
+ * to varchar the same text, 256 bytes at most and CS_CONV_OVERFLOW beyond; maxlength is not looked at,
+ *            `*destlen` is 258.
  */
 ZRV_CONV(comn_datetodate4);
 ZRV_CONV(comn_datetodate);
@@ -891,6 +899,8 @@ ZRV_CONV(comn_datetobigdatetime);
 ZRV_CONV(comn_datetobigtime);
 ZRV_CONV(comn_datetobin);
 ZRV_CONV(comn_datetovarbin);
+ZRV_CONV(comn_datetochar);
+ZRV_CONV(comn_datetovarchar);
 ZRV_CONV(comn_date4todate4);
 ZRV_CONV(comn_date4todate);
 ZRV_CONV(comn_date4tobigdatetime);
@@ -899,12 +909,16 @@ ZRV_CONV(comn_date4totimea);
 ZRV_CONV(comn_date4tobigtime);
 ZRV_CONV(comn_date4tobin);
 ZRV_CONV(comn_date4tovarbin);
+ZRV_CONV(comn_date4tochar);
+ZRV_CONV(comn_date4tovarchar);
 ZRV_CONV(comn_dateatodate4);
 ZRV_CONV(comn_dateatodate);
 ZRV_CONV(comn_dateatobigdatetime);
 ZRV_CONV(comn_dateatodatea);
 ZRV_CONV(comn_dateatobin);
 ZRV_CONV(comn_dateatovarbin);
+ZRV_CONV(comn_dateatochar);
+ZRV_CONV(comn_dateatovarchar);
 ZRV_CONV(comn_timeatodate4);
 ZRV_CONV(comn_timeatodate);
 ZRV_CONV(comn_timeatobigdatetime);
@@ -912,6 +926,8 @@ ZRV_CONV(comn_timeatobigtime);
 ZRV_CONV(comn_timeatotimea);
 ZRV_CONV(comn_timeatobin);
 ZRV_CONV(comn_timeatovarbin);
+ZRV_CONV(comn_timeatochar);
+ZRV_CONV(comn_timeatovarchar);
 ZRV_CONV(comn_bigdatetimetodate4);
 ZRV_CONV(comn_bigdatetimetodate);
 ZRV_CONV(comn_bigdatetimetodatea);

@@ -77,15 +77,7 @@ COMN_PENDING_DATES(unichar)
 COMN_PENDING(imagetounichar)
 COMN_PENDING(unichartoimage)
 
-// The text of dates and times.
-#define COMN_PENDING_DATE_TEXT(source)                                                             \
-  COMN_PENDING(source##tochar)                                                                     \
-  COMN_PENDING(source##tovarchar)
-
-COMN_PENDING_DATE_TEXT(date)
-COMN_PENDING_DATE_TEXT(date4)
-COMN_PENDING_DATE_TEXT(datea)
-COMN_PENDING_DATE_TEXT(timea)
+// Dates and times as 16-bit text.
 COMN_PENDING(datetimetounichar)
 COMN_PENDING(date4tounichar)
 COMN_PENDING(dateatounichar)
@@ -104,7 +96,6 @@ COMN_PENDING(locatortolocator)
 #undef COMN_PENDING_FIXED
 #undef COMN_PENDING_INTEGER
 #undef COMN_PENDING_DATES
-#undef COMN_PENDING_DATE_TEXT
 
 } // namespace comn::pending
 

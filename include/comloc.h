@@ -988,7 +988,8 @@ ZRV_PRIVATE CS_RETCODE comn__convert_get_max_multiplier(CS_CONTEXT *context, CsL
  * destcharset
  * multiplier  in/out  worst-case growth; null sets 1, and asks for none
  * func        in/out  the function; null from reading when there is none. Not looked at by removing,
- *                     must not be null otherwise
+ *                     must not be null otherwise; a null function there leaves converting to the
+ *                     library
  *
  * Setting again replaces function and multiplier. Removing the newest algorithm of all removes all of
  * them, and does not release the others: remove the oldest first, or use comn_drop_user_charconv_list.

@@ -160,6 +160,9 @@ TEST_F(CharConv, AnAlgorithmOfTheUsersComesBeforeAscii) {
   EXPECT_EQ(user_call.destfmt, &destfmt);
   EXPECT_EQ(user_call.dest, result);
   EXPECT_EQ(user_call.length, &length);
+  // One without a function leaves it to the library.
+  algorithm.user_conv_func = nullptr;
+  EXPECT_EQ(convert(iso_1, utf16, "a\xE9", 8), (Converted{CS_SUCCEED, wide(u"a\u00E9")}));
   // The same set needs none.
   CsUserAlgo same = algorithm_for(iso_1, iso_1);
   context.usercharconv = &same;
@@ -430,6 +433,10 @@ TEST_F(CharConv, AlgorithmsOfTheUsersServeUtf8) {
   EXPECT_EQ(user_call.source_format.locale, nullptr);
   EXPECT_EQ(user_call.source_format.format, 0);
   EXPECT_EQ(user_call.destination_format.maxlength, 20);
+  // Those without a function leave it to the library.
+  there.user_conv_func = back.user_conv_func = nullptr;
+  EXPECT_EQ(to_utf8(iso_1, "\xE9", 8), (Converted{CS_SUCCEED, "\xC3\xA9"}));
+  EXPECT_EQ(from_utf8(iso_1, "\xC3\xA9", 8), (Converted{CS_SUCCEED, "\xE9"}));
   // Not for the same set.
   EXPECT_EQ(to_utf8(utf8, "abc", 3), (Converted{CS_SUCCEED, "abc"}));
 }

@@ -158,6 +158,15 @@ CS_RETCODE convert_through_unicode(const CsCharDesc *from, TextRange text, const
   return result;
 }
 
+// What the user registered for a pair of sets; null without it, and for an algorithm that only tells
+// its multiplier.
+CS_CONV_FUNC user_function(CS_CONTEXT *context, CsOID *from, CsOID *to) noexcept {
+  CsUserAlgo *algorithm;
+  return comn__get_user_charconv(context, from, to, &algorithm) == CS_SUCCEED
+             ? algorithm->user_conv_func
+             : nullptr;
+}
+
 // A format for the UTF-8 side of an algorithm of the user's.
 CS_DATAFMT utf8_format(CS_INT length) noexcept {
   CS_DATAFMT format{};
@@ -188,9 +197,10 @@ CS_RETCODE open_writer(CS_CONTEXT *context, const CsCharDesc *charset, Converter
   UChar16 unicode_path[path_size];
   {
     Converter ascii;
+    int units;
     if (uniconv_HandleGet(0, &ascii.handle) != UNICONV_SUCCEED ||
         !is_converted(uniconv_unistrFromS(ascii.handle, unicode_path, path_size,
-                                          reinterpret_cast<const UChar8 *>(path), nullptr)))
+                                          reinterpret_cast<const UChar8 *>(path), &units)))
       return CS_FAIL;
   }
   I18NUNI_REQUEST request;
@@ -234,9 +244,8 @@ CS_RETCODE comn_charset_convert(CS_CONTEXT *context, CS_INT type, CS_DATAFMT *sr
     comn::store_length(destfmt, dest, *resultlen);
     return COMN_TRACE(CS_SUCCEED);
   }
-  CsUserAlgo *algorithm;
-  if (comn__get_user_charconv(context, from->oid, to->oid, &algorithm) == CS_SUCCEED)
-    return COMN_TRACE(algorithm->user_conv_func(context, srcfmt, src, destfmt, dest, resultlen));
+  if (const CS_CONV_FUNC convert = user_function(context, from->oid, to->oid))
+    return COMN_TRACE(convert(context, srcfmt, src, destfmt, dest, resultlen));
   if (comn__copy_ascii_only(room.bytes, room.length, text.bytes, text.length, resultlen) ==
       CS_SUCCEED) {
     comn::store_length(destfmt, dest, *resultlen);
@@ -271,10 +280,9 @@ CS_RETCODE comn__convt_to_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_DA
   const TextRange room = {static_cast<CS_BYTE *>(dest), destlen};
   if (comn::is_utf8(context, charset))
     return COMN_TRACE(copy_whole_text(text, room, resultlen));
-  CsUserAlgo *algorithm;
-  if (comn__get_user_charconv(context, charset->oid, utf8_oid(context), &algorithm) == CS_SUCCEED) {
+  if (const CS_CONV_FUNC convert = user_function(context, charset->oid, utf8_oid(context))) {
     CS_DATAFMT destfmt = utf8_format(destlen);
-    return COMN_TRACE(algorithm->user_conv_func(context, srcfmt, src, &destfmt, dest, resultlen));
+    return COMN_TRACE(convert(context, srcfmt, src, &destfmt, dest, resultlen));
   }
   if (comn__copy_ascii_only(room.bytes, room.length, text.bytes, text.length, resultlen) ==
       CS_SUCCEED)
@@ -303,8 +311,9 @@ CS_RETCODE comn__convt_to_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_DA
   Scratch<CS_BYTE> converted;
   if (!converted.allocate(std::uint64_t(size) + 1))
     return COMN_TRACE(CS_MEM_ERROR);
+  int used;
   const int written =
-      uniutf8_unistrToUTF8(converted.data(), size_for(size, 1), unicode.data(), nullptr);
+      uniutf8_unistrToUTF8(converted.data(), size_for(size, 1), unicode.data(), &used);
   if (written < 0 && written != UNIUTF8_FULL)
     return COMN_TRACE(CS_FAIL);
   *resultlen = written == UNIUTF8_FULL ? size : std::min(written, size);
@@ -328,10 +337,9 @@ CS_RETCODE comn__convt_from_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_
   const TextRange room = {static_cast<CS_BYTE *>(dest), destfmt->maxlength};
   if (comn::is_utf8(context, charset))
     return COMN_TRACE(copy_whole_text(text, room, resultlen));
-  CsUserAlgo *algorithm;
-  if (comn__get_user_charconv(context, utf8_oid(context), charset->oid, &algorithm) == CS_SUCCEED) {
+  if (const CS_CONV_FUNC convert = user_function(context, utf8_oid(context), charset->oid)) {
     CS_DATAFMT srcfmt = utf8_format(srclen);
-    return COMN_TRACE(algorithm->user_conv_func(context, &srcfmt, src, destfmt, dest, resultlen));
+    return COMN_TRACE(convert(context, &srcfmt, src, destfmt, dest, resultlen));
   }
 
   *resultlen = 0;
@@ -351,8 +359,9 @@ CS_RETCODE comn__convt_from_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_
   Scratch<UChar16> unicode;
   if (!copy_terminated(text, source) || !unicode.allocate(std::uint64_t(length) + 1))
     return COMN_TRACE(CS_MEM_ERROR);
+  int used;
   const int units =
-      uniutf8_unistrFromUTF8(unicode.data(), size_for(length, 1), source.data(), nullptr);
+      uniutf8_unistrFromUTF8(unicode.data(), size_for(length, 1), source.data(), &used);
   int factor = 0;
   if (units < 0 || uniconv_GetExpansionFactor(handle, &factor) != UNICONV_SUCCEED)
     return COMN_TRACE(CS_FAIL);

@@ -315,8 +315,8 @@ ZRV_PRIVATE CS_INT com__itochar(CS_INT val, CS_CHAR *buf, CS_INT len) ZRV_NOEXCE
 struct com__datecrack {
   int dctoken;  /* DT_ */
   int dclength; /* digits of a number, 0 for others */
-  CS_INT
-      dcvalue; /* the number; the index of a month, or of am (0) or pm; -1 for ".", 0 for others */
+  /* the number; the index of a month, or of am (0) or pm; -1 for ".", 0 for others */
+  CS_INT dcvalue;
 };
 
 /* Kinds of tokens. A number of 7 digits or more than 8 is DT_ERROR. */

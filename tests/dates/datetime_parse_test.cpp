@@ -182,6 +182,18 @@ TEST(DateTokens, WithoutNamesNoMonth) {
   EXPECT_EQ(datetoken(&at, &length, &token, nullptr, nullptr, nullptr), DT_END);
 }
 
+// Characters of the digit class that stand for no digit make no number, however many they are.
+TEST(DateTokens, DigitsWithoutAForm) {
+  CS_TYPE_MAP types = *com_get_typemap();
+  types.chmap['#'].char_type = CS_CTYPE_DIGIT;
+  CS_ATTRIB set = *com_get_charattrib();
+  set.cs_type_map = &types;
+  for (const char *text : {"#", "1#", "########", "9999999#", "#########"}) {
+    const std::string token = read_token(text, true, &set);
+    EXPECT_EQ(token.substr(0, 4), "8/" + std::to_string(std::strlen(text)) + "/") << text;
+  }
+}
+
 TEST(DateTokens, Found) {
   Token tokens[] = {{DT_USED, 0, 0},   {DT_NUMBER, 1, 5}, {DT_COLON, 0, 0},
                     {DT_NUMBER, 1, 6}, {DT_END, 0, 0},    {DT_ISOT, 0, 0}};
@@ -680,6 +692,34 @@ TEST(TextToDatetime, RandomTextsAgainstTheSecondInterpreter) {
   }
   EXPECT_GT(dates, zrvtest::random_steps() / 50);
   EXPECT_GT(times, zrvtest::random_steps() / 50);
+}
+
+// The built-in set has a way of its own through a text. One that is called wider goes the general
+// way and reads the same.
+TEST(TextToDatetime, BothWaysAlike) {
+  CS_ATTRIB general = *com_get_charattrib();
+  general.cs_ntype = 2;
+  std::mt19937_64 random(23);
+  const char *const pieces[] = {"12", "1999", "/",    "-", ".", ":",
+                                "am", "Jan",  "july", "T", " ", ","};
+  for (int i = 0; i < (zrvtest::sanitized ? 2000 : 50000); ++i) {
+    std::string text;
+    for (auto n = random() % 8; n > 0; --n)
+      text += random() % 16 == 0 ? std::string(1, static_cast<char>(random()))
+                                 : pieces[random() % std::size(pieces)];
+    ASSERT_EQ(datetime(text), datetime(text, 0, 1, &general)) << text;
+    ASSERT_EQ(read_token(text), read_token(text, true, &general)) << text;
+  }
+  for (const char *name : {"", "May", "mAY", "Mayx", "Ma"}) {
+    CS_CHAR *list[] = {const_cast<CS_CHAR *>(name)};
+    for (const std::string &word : {std::string(), std::string("may"), std::string("may\0", 4),
+                                    std::string("\0", 1), std::string("ma")})
+      EXPECT_EQ(datelookup(const_cast<CS_CHAR *>(word.data()), static_cast<CS_INT>(word.size()),
+                           list, 1, nullptr),
+                datelookup(const_cast<CS_CHAR *>(word.data()), static_cast<CS_INT>(word.size()),
+                           list, 1, &general))
+          << name << " " << word;
+  }
 }
 
 TEST(TextToDatetime, WideCharacters) {

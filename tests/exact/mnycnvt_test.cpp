@@ -228,6 +228,21 @@ TEST(TextToMoney, RandomTextsAgainstTheSlowParser) {
   EXPECT_GT(good, zrvtest::random_steps() / 10);
 }
 
+// The built-in set has a way of its own through a text. One that is called wider goes the general
+// way and reads the same.
+TEST(TextToMoney, BothWaysAlike) {
+  CS_ATTRIB general = *com_get_charattrib();
+  general.cs_ntype = 2;
+  std::mt19937_64 random(29);
+  const std::string common = "0123456789,,..-+$ \t\xA3";
+  for (int i = 0; i < (zrvtest::sanitized ? 5000 : 100000); ++i) {
+    std::string text;
+    for (auto n = random() % 12; n > 0; --n)
+      text += random() % 16 == 0 ? static_cast<char>(random()) : common[random() % common.size()];
+    ASSERT_EQ(parse(text), parse(text, &general)) << text;
+  }
+}
+
 TEST(TextToMoney, WideCharacters) {
   TestCharset wide = TestCharset::double_byte(), utf8 = TestCharset::utf8();
   const std::string text = wide.spell("  -$1,234.5 ", [] { return true; });

@@ -23,9 +23,23 @@ enum Part { date_and_time = 0, date_part = 1, time_part = 2, time_alone = 3 };
 
 // ---- tokens ----
 
-// Whether a name, reduced to ASCII, is a word that has been. Most names differ early.
+// Whether a name, reduced to ASCII, is a word that has been. Most names differ early, so their length
+// is not asked for where it need not be.
+bool is_plain_word(const CHAR_MAP *plane, const CS_BYTE *word, CS_INT length,
+                   const CS_CHAR *name) noexcept {
+  for (CS_INT i = 0; i < length; ++i) {
+    const auto byte = static_cast<CS_BYTE>(name[i]);
+    const CS_BYTE ascii = plane[byte].char_lower;
+    if (byte == '\0' || word[i] != (ascii != 0 ? ascii : byte))
+      return false;
+  }
+  return name[length] == '\0';
+}
+
 bool is_word(const CHAR_ATTRIB &set, const CS_BYTE *word, CS_INT length,
              const CS_CHAR *name) noexcept {
+  if (comn::is_plain(set))
+    return is_plain_word(set.cs_type_map->chmap, word, length, name);
   const size_t name_length = std::strlen(name);
   if (name_length > longest_word)
     return false;
@@ -57,40 +71,32 @@ int look_up(const CHAR_ATTRIB &set, const CS_BYTE *word, CS_INT length, CS_CHAR 
   return -1;
 }
 
-// The kind of a number of so many digits.
-constexpr int number_kind(int digits) noexcept {
-  switch (digits) {
-  case 1:
-  case 2:
-  case 3:
-    return DT_NUMBER;
-  case 4:
-    return DT_YEAR;
-  case 5:
-    return DT_FIVE;
-  case 6:
-  case 8:
-    return DT_PACKED;
-  default:
-    return DT_ERROR;
-  }
-}
+// The kind of a number by its digits; one with more is none.
+constexpr int most_digits = 8;
+constexpr signed char number_kinds[most_digits + 1] = {
+    DT_ERROR, DT_NUMBER, DT_NUMBER, DT_NUMBER, DT_YEAR, DT_FIVE, DT_PACKED, DT_ERROR, DT_PACKED};
 
 // Reads a number to the first character that is no digit.
-int read_number(comn::TextCursor &cursor, Token &token) noexcept {
-  constexpr int most_digits = 8;
-  bool is_ascii = true;
+template <class Cursor>
+int read_number(Cursor &cursor, Token &token) noexcept {
+  int digits = 0;
+  // Eight digits without an ASCII form have room in this, and are refused in the end.
+  CS_UINT value = 0;
+  unsigned highest = 0;
   for (; cursor.more() && (cursor.map().char_type & CS_CTYPE_DIGIT) != 0; cursor.next()) {
     const auto digit = static_cast<CS_BYTE>(cursor.ascii() - '0');
-    is_ascii = is_ascii && digit < 10;
-    if (++token.dclength <= most_digits)
-      token.dcvalue = token.dcvalue * 10 + digit;
+    highest = std::max<unsigned>(highest, digit);
+    if (++digits <= most_digits)
+      value = value * 10 + digit;
   }
-  return is_ascii ? number_kind(token.dclength) : DT_ERROR;
+  token.dclength = digits;
+  token.dcvalue = static_cast<CS_INT>(value);
+  return digits <= most_digits && highest < 10 ? number_kinds[digits] : DT_ERROR;
 }
 
 // Reads a word to the first character that is no letter.
-int read_word(comn::TextCursor &cursor, Token &token, const CHAR_ATTRIB &set, CS_CHAR **months,
+template <class Cursor>
+int read_word(Cursor &cursor, Token &token, const CHAR_ATTRIB &set, CS_CHAR **months,
               CS_CHAR **short_months) noexcept {
   const CS_BYTE *const word = cursor.position();
   int characters = 0;
@@ -110,7 +116,8 @@ int read_word(comn::TextCursor &cursor, Token &token, const CHAR_ATTRIB &set, CS
   return DT_ERROR;
 }
 
-int read_token(comn::TextCursor &cursor, Token &token, const CHAR_ATTRIB &set, CS_CHAR **months,
+template <class Cursor>
+int read_token(Cursor &cursor, Token &token, const CHAR_ATTRIB &set, CS_CHAR **months,
                CS_CHAR **short_months) noexcept {
   token.dclength = 0;
   token.dcvalue = 0;
@@ -122,7 +129,11 @@ int read_token(comn::TextCursor &cursor, Token &token, const CHAR_ATTRIB &set, C
     cursor.next();
     return kind;
   };
-  switch (cursor.ascii()) {
+  const CS_BYTE ascii = cursor.ascii(), type = cursor.map().char_type;
+  // First, as most tokens are numbers: digits are none of the characters below.
+  if ((type & CS_CTYPE_DIGIT) != 0 && static_cast<CS_BYTE>(ascii - '0') < 10)
+    return read_number(cursor, token);
+  switch (ascii) {
   case '.':
     token.dcvalue = -1;
     [[fallthrough]];
@@ -139,7 +150,6 @@ int read_token(comn::TextCursor &cursor, Token &token, const CHAR_ATTRIB &set, C
   default:
     break;
   }
-  const CS_BYTE type = cursor.map().char_type;
   if ((type & CS_CTYPE_DIGIT) != 0)
     return read_number(cursor, token);
   if ((type & CS_CTYPE_ALPHA) != 0)
@@ -222,12 +232,16 @@ public:
   }
 
   // Fills the tokens; false for what is none, and for too many.
-  bool read_tokens(comn::TextCursor cursor, const CHAR_ATTRIB &set, CS_CHAR **months,
+  template <class Cursor>
+  bool read_tokens(Cursor cursor, const CHAR_ATTRIB &set, CS_CHAR **months,
                    CS_CHAR **short_months) noexcept {
     for (Token &token : tokens) {
-      token.dctoken = read_token(cursor, token, set, months, short_months);
-      if (token.dctoken == DT_END || token.dctoken == DT_ERROR)
-        return token.dctoken == DT_END;
+      const int kind = read_token(cursor, token, set, months, short_months);
+      token.dctoken = kind;
+      if (kind == DT_END || kind == DT_ERROR)
+        return kind == DT_END;
+      kinds |= 1U << kind;
+      ++unused;
     }
     return false;
   }
@@ -247,12 +261,16 @@ public:
   }
 
 private:
-  int find(int kind) const noexcept { return findtoken(const_cast<Token *>(tokens), kind); }
-  bool has_leftovers() const noexcept { return find(-DT_USED) >= 0; }
+  // Most kinds are not there at all, which needs no search.
+  int find(int kind) const noexcept {
+    return (kinds >> kind & 1) != 0 ? findtoken(const_cast<Token *>(tokens), kind) : -1;
+  }
+  bool has_leftovers() const noexcept { return unused != 0; }
   bool is(int index, int kind) const noexcept { return tokens[index].dctoken == kind; }
 
   CS_INT use(int index) noexcept {
     tokens[index].dctoken = DT_USED;
+    --unused;
     return tokens[index].dcvalue;
   }
 
@@ -460,6 +478,8 @@ private:
   }
 
   Token tokens[most_tokens + 1];
+  unsigned kinds = 0; // a bit for each kind that was read
+  int unused = 0;
   CS_DATEREC &fields;
   CS_BOOL *truncated;
   bool has_micros;
@@ -540,11 +560,12 @@ CS_INT com__year2digit(CS_INT year) noexcept {
   if (truncated != nullptr)
     *truncated = 0;
   const CHAR_ATTRIB &set = comn::charset_or_builtin(chatr);
-  const comn::TextCursor cursor(set, reinterpret_cast<CS_BYTE *>(origcp), origlen);
   Interpreter interpreter(*parts, dt_type, truncated);
-  if (!interpreter.read_tokens(cursor, set, mths, shortmths))
-    return DT_BAD_SYNTAX;
-  return interpreter.run(partonly, style, order);
+  const bool is_read =
+      comn::with_cursor(set, reinterpret_cast<CS_BYTE *>(origcp), origlen, [&](const auto &cursor) {
+        return interpreter.read_tokens(cursor, set, mths, shortmths);
+      });
+  return is_read ? interpreter.run(partonly, style, order) : DT_BAD_SYNTAX;
 }
 
 int xdatefromchar(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT origlen, int partonly, CS_INT style,

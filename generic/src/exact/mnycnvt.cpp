@@ -16,10 +16,10 @@ constexpr int group_digits = 3;
 
 // ---- text to money ----
 
+template <class Cursor>
 class MoneyText {
 public:
-  MoneyText(const CHAR_ATTRIB &set, const CS_BYTE *text, CS_INT length) noexcept
-      : cursor(set, text, length) {}
+  explicit MoneyText(const Cursor &text) noexcept : cursor(text) {}
 
   int read() noexcept {
     int status = read_front();
@@ -86,10 +86,11 @@ private:
     ++group;
     decimals += decimals >= 0;
     // 2 to the 63 is reached by the smallest value alone, and has no room for more digits.
-    const uint64_t next = magnitude * 10 + digit;
-    if (magnitude > money_limit / 10 || next >= money_limit + is_negative)
-      return false;
-    magnitude = next;
+    constexpr uint64_t last = money_limit / 10;
+    if (magnitude >= last) [[unlikely]]
+      if (magnitude > last || digit >= money_limit % 10 + is_negative)
+        return false;
+    magnitude = magnitude * 10 + digit;
     return true;
   }
 
@@ -120,7 +121,7 @@ private:
   bool has_short_group() const noexcept { return has_commas && group < group_digits; }
   static bool is_digit(CS_BYTE c) noexcept { return static_cast<CS_BYTE>(c - '0') < 10; }
 
-  comn::TextCursor cursor;
+  Cursor cursor;
   uint64_t magnitude = 0;
   int decimals = -1; // -1 before the point
   // Digits since the last comma. The first comma needs no digit before it and may follow three.
@@ -272,10 +273,13 @@ double to_double(int64_t count) noexcept {
                                          CS_ATTRIB *chatr) noexcept {
   COMN_CHECK_PTR(mp, NUME_OVERFLOW);
   COMN_CHECK_PTR(icp, NUME_OVERFLOW);
-  MoneyText text(comn::charset_or_builtin(chatr), reinterpret_cast<CS_BYTE *>(icp), ilen);
-  const int status = text.read();
-  exact::store_count(mp, text.count());
-  return status;
+  return comn::with_cursor(comn::charset_or_builtin(chatr), reinterpret_cast<CS_BYTE *>(icp), ilen,
+                           [mp](const auto &cursor) {
+                             MoneyText text(cursor);
+                             const int status = text.read();
+                             exact::store_count(mp, text.count());
+                             return status;
+                           });
 }
 
 CS_CHAR *com__mnytochar(CS_MONEY *mp, CS_CHAR *cp, CS_INT len, CS_INT style) noexcept {

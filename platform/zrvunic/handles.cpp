@@ -71,14 +71,18 @@ bool has_replacement(const UChar16 *text) noexcept {
 pthread_mutex_t tables_lock = PTHREAD_MUTEX_INITIALIZER;
 Table *tables = nullptr;
 
-bool is_same(const char *one, const char *other) noexcept {
-  return one == nullptr || other == nullptr ? one == other : std::strcmp(one, other) == 0;
+// The one of a set that was read from a directory, null for the home directory; null when nobody has it.
+Table *find_table(const Set &set, const char *directory) noexcept {
+  Table *table = tables;
+  while (table != nullptr &&
+         (table->set != &set ||
+          !(directory != nullptr ? std::strcmp(table->directory, directory) == 0 : table->is_home)))
+    table = table->next;
+  return table;
 }
 
 // The copy of a directory's name that a table keeps; false when there is no memory.
 bool keep_directory(Table &table, const char *directory) noexcept {
-  if (directory == nullptr)
-    return true;
   const size_t size = std::strlen(directory) + 1;
   table.directory = static_cast<char *>(comn_malloc(size));
   if (table.directory == nullptr)
@@ -87,16 +91,11 @@ bool keep_directory(Table &table, const char *directory) noexcept {
   return true;
 }
 
-// The table of a set, read if nobody has it yet; null with the reason in `*code`.
-Table *read_table(const Set &set, const char *directory, int *code) noexcept {
-  char home[PATH_MAX];
-  if (directory == nullptr &&
-      (intl_home(home, sizeof home) < 1 ||
-       intl_strlcat(home, "/charsets/unicode", sizeof home) >= sizeof home)) {
-    *code = UNICONV_ENOTABLE;
-    return nullptr;
-  }
-  Table *const table = load_table(set, directory != nullptr ? directory : home, code);
+// These make the table of a set, read if nobody has it yet; null with the reason in `*code`.
+Table *table_of(const Set &set, const char *directory, int *code) noexcept {
+  if (Table *const found = find_table(set, directory))
+    return found;
+  Table *const table = load_table(set, directory, code);
   if (table == nullptr)
     return nullptr;
   if (!keep_directory(*table, directory)) {
@@ -108,14 +107,26 @@ Table *read_table(const Set &set, const char *directory, int *code) noexcept {
   return tables = table;
 }
 
+Table *table_of_home(const Set &set, int *code) noexcept {
+  if (Table *const found = find_table(set, nullptr))
+    return found;
+  char directory[PATH_MAX];
+  if (intl_home(directory, sizeof directory) < 1 ||
+      intl_strlcat(directory, "/charsets/unicode", sizeof directory) >= sizeof directory) {
+    *code = UNICONV_ENOTABLE;
+    return nullptr;
+  }
+  Table *const table = table_of(set, directory, code);
+  if (table != nullptr)
+    table->is_home = true;
+  return table;
+}
+
 // Null, and the reason in `*code`. To be given back with release.
 Table *acquire(const Set &set, const char *directory, int *code) noexcept {
   pthread_mutex_lock(&tables_lock);
-  Table *table = tables;
-  while (table != nullptr && (table->set != &set || !is_same(table->directory, directory)))
-    table = table->next;
-  if (table == nullptr)
-    table = read_table(set, directory, code);
+  Table *const table =
+      directory != nullptr ? table_of(set, directory, code) : table_of_home(set, code);
   if (table != nullptr)
     ++table->users;
   pthread_mutex_unlock(&tables_lock);

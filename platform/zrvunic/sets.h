@@ -49,7 +49,8 @@ struct Table {
   const Set *set = nullptr;  // null for a table that is built in
   Table *next = nullptr;     // in the list of those in use
   size_t users = 0;          // handles
-  char *directory = nullptr; // the one that the caller named; null for the home directory
+  char *directory = nullptr; // that it was read from
+  bool is_home = false;      // which was that of the home directory
   bool ascii = false;        // bytes below 0x80 are ASCII and nothing else is
 };
 

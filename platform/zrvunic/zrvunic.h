@@ -99,8 +99,8 @@ ZRV_API int uniconv_HandleGet(UNICONV_CID cid, CVTH *handle) ZRVUNIC_NOEXCEPT;
  * reserved  in   0
  *
  * UNICONV_EINVAL also for a null path that is needed, an unknown `useCurrentDir` and a `reserved` that
- * is not 0; UNICONV_ENOTABLE also for a path of more than 4,000 bytes or of none. Tables of different directories
- * are not shared.
+ * is not 0; UNICONV_ENOTABLE also for a path of more than 4,000 bytes or of none. Tables of different
+ * directories are not shared; one of the home directory is, whichever function asks for it.
  */
 ZRV_API int uniconv_HandleGetU(UNICONV_CID cid, const I18NUNI_REQUEST *request, const UChar16 *path,
                                int reserved, CVTH *handle) ZRVUNIC_NOEXCEPT;
@@ -115,7 +115,8 @@ ZRV_API int uniconv_HandleFree(CVTH handle) ZRVUNIC_NOEXCEPT;
  * characters up to U+00FF and the second for all others; one with shift states writes each of the two in
  * the state that it belongs to. A new converter has a question mark of its set, and two of them (0xFEFE
  * in the sets with shift states). The value is written as it is, whether the set has such a character or
- * not; UTF-8, UTF-16 and rcsu take the first as the number of a character. NUL, or a high byte of NUL, gives UNICONV_EINVAL.
+ * not; UTF-8, UTF-16 and rcsu take the first as the number of a character. NUL, or a high byte of NUL,
+ * gives UNICONV_EINVAL.
  *
  * handle  in/out  the converter
  * value   in      one byte; two bytes, the first of them in the high bits

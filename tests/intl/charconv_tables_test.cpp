@@ -4,11 +4,37 @@
 #include <vector>
 
 #include "charset_world.h"
+#include "io_probe.h"
 #include "zrvcomn/comnlib.h"
 
 namespace {
 
 using namespace zrvtest;
+
+class Converter {
+public:
+  explicit Converter(UNICONV_CID cid) {
+    if (uniconv_HandleGet(cid, &handle) != UNICONV_SUCCEED)
+      handle = nullptr;
+  }
+  ~Converter() { uniconv_HandleFree(handle); }
+  Converter(const Converter &) = delete;
+  Converter &operator=(const Converter &) = delete;
+
+  // Nothing for a text that the set does not have all of.
+  std::optional<std::string> encode(const std::u16string &text) const {
+    std::string bytes(5 * text.size() + 4, '\0');
+    int length = 0;
+    if (uniconv_unistrToS(
+            handle, reinterpret_cast<UChar8 *>(bytes.data()), static_cast<int>(bytes.size()),
+            reinterpret_cast<const UChar16 *>(text.c_str()), &length) != UNICONV_SUCCEED)
+      return std::nullopt;
+    bytes.resize(static_cast<size_t>(length) - 1);
+    return bytes;
+  }
+
+  CVTH handle = nullptr;
+};
 
 class CharConvTables : public testing::Test, protected CharsetWorld {
 protected:
@@ -70,6 +96,18 @@ TEST_F(CharConvTables, PathsOfTables) {
   EXPECT_EQ(from_utf8(iso_1, "a", 8), (Converted{status, ""}));
 }
 
+// Whoever keeps a converter spares every conversion the file, also the one that names a directory.
+TEST_F(CharConvTables, TablesInMemoryAreNotReadAgain) {
+  const Converter kept(50);
+  IoProbe io;
+  EXPECT_EQ(from_utf8(sjis, "\xE6\x97\xA5", 8), (Converted{CS_SUCCEED, "\x93\xFA"}));
+  EXPECT_EQ(to_utf8(sjis, "\x93\xFA", 8), (Converted{CS_SUCCEED, "\xE6\x97\xA5"}));
+  EXPECT_EQ(convert(sjis, iso_1, "\x81\x7E", 8), (Converted{CS_SUCCEED, "\xD7"}));
+  EXPECT_EQ(io.reads(), 0U);
+  EXPECT_EQ(from_utf8(cp1252, "a", 8), (Converted{CS_SUCCEED, "a"}));
+  EXPECT_EQ(io.reads(), 1U);
+}
+
 // ---- every pair of sets ----
 
 constexpr const char16_t *countries[] = {
@@ -82,31 +120,6 @@ constexpr const char16_t *countries[] = {
     u"مصر",     u"ایران",      u"پاکستان",      u"भारत",       u"ประเทศไทย",
     u"日本",    u"ニッポン",   u"ﾆﾎﾝ",          u"中国",       u"中國",
     u"臺灣",    u"대한민국",   u"Nederland",    u"Sverige €",  u"Rzeczpospolita Polska – Łódź",
-};
-
-class Converter {
-public:
-  explicit Converter(UNICONV_CID cid) {
-    if (uniconv_HandleGet(cid, &handle) != UNICONV_SUCCEED)
-      handle = nullptr;
-  }
-  ~Converter() { uniconv_HandleFree(handle); }
-  Converter(const Converter &) = delete;
-  Converter &operator=(const Converter &) = delete;
-
-  // Nothing for a text that the set does not have all of.
-  std::optional<std::string> encode(const std::u16string &text) const {
-    std::string bytes(5 * text.size() + 4, '\0');
-    int length = 0;
-    if (uniconv_unistrToS(
-            handle, reinterpret_cast<UChar8 *>(bytes.data()), static_cast<int>(bytes.size()),
-            reinterpret_cast<const UChar16 *>(text.c_str()), &length) != UNICONV_SUCCEED)
-      return std::nullopt;
-    bytes.resize(static_cast<size_t>(length) - 1);
-    return bytes;
-  }
-
-  CVTH handle = nullptr;
 };
 
 bool is_ascii(const std::string &text) {

@@ -227,16 +227,54 @@ TEST_F(Zrvunic, a_table_is_read_once_and_shared) {
     const size_t calls = io.calls();
     EXPECT_EQ(io.reads(), 1U);
     EXPECT_EQ(io.open_files(), 0U);
-    EXPECT_EQ(memory.live_blocks(), 2U); // the converter and the table
+    EXPECT_EQ(memory.live_blocks(), 3U); // the converter, the table and its directory
     setenv("ZARVEK", "/nowhere", 1);
     Converter second(50);
     EXPECT_EQ(io.calls(), calls);
-    EXPECT_EQ(memory.live_blocks(), 3U);
+    EXPECT_EQ(memory.live_blocks(), 4U);
   }
   EXPECT_EQ(memory.live_blocks(), 0U);
   setenv("ZARVEK", ZRVTEST_HOME, 1);
   Converter again(50);
   EXPECT_EQ(io.reads(), 2U);
+}
+
+TEST_F(Zrvunic, a_table_is_shared_whichever_way_names_its_directory) {
+  const std::string path = ZRVTEST_HOME "/charsets/unicode";
+  const Text home(path.begin(), path.end());
+  I18NUNI_REQUEST request;
+  i18nuni_RequestSetDefaults(&request);
+  request.useCurrentDir = I18NUNI_DIR_PATH;
+  const auto get = [&](const Text &where) {
+    CVTH handle = nullptr;
+    EXPECT_EQ(uniconv_HandleGetU(50, &request, reinterpret_cast<const UChar16 *>(where.c_str()), 0,
+                                 &handle),
+              UNICONV_SUCCEED);
+    return handle;
+  };
+  IoProbe io;
+  AllocationProbe memory;
+  {
+    Converter first(50);
+    const CVTH second = get(home);
+    EXPECT_EQ(io.reads(), 1U);
+    const CVTH elsewhere = get(home + u"/."); // by its name another directory
+    EXPECT_EQ(io.reads(), 2U);
+    uniconv_HandleFree(elsewhere);
+    uniconv_HandleFree(second);
+  }
+  EXPECT_EQ(memory.live_blocks(), 0U);
+  {
+    const CVTH first = get(home);
+    EXPECT_EQ(io.reads(), 3U);
+    Converter second(50);
+    EXPECT_EQ(io.reads(), 3U);
+    uniconv_HandleFree(first);
+    setenv("ZARVEK", "/nowhere", 1);
+    Converter third(50); // of the home directory since the second
+    EXPECT_EQ(io.reads(), 3U);
+  }
+  EXPECT_EQ(memory.live_blocks(), 0U);
 }
 
 TEST_F(Zrvunic, every_allocation_fails_in_turn) {
@@ -251,7 +289,7 @@ TEST_F(Zrvunic, every_allocation_fails_in_turn) {
           return code != UNICONV_SUCCEED;
         },
         [&] { uniconv_HandleFree(handle); });
-    EXPECT_EQ(failed, cid > 0 ? 6U : 2U);
+    EXPECT_EQ(failed, cid > 0 ? 8U : 2U);
   }
 }
 

@@ -4,7 +4,7 @@
 #include "allocation_probe.h"
 #include "charset_world.h"
 #include "check_trap.h"
-#include "identifiers.h"
+#include "identifier_records.h"
 #include "zrvcomn/lmpublic.h"
 #include "zrvcomn/zrvintl.h"
 

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "check_trap.h"
-#include "identifiers.h"
+#include "identifier_records.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "allocation_probe.h"
 #include "check_trap.h"
-#include "identifiers.h"
+#include "identifier_records.h"
 #include "test_scale.h"
 #include "zrvcomn/zrvintl.h"
 

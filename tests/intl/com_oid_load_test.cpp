@@ -3,7 +3,7 @@
 
 #include "allocation_probe.h"
 #include "check_trap.h"
-#include "identifiers.h"
+#include "identifier_records.h"
 #include "zrvcomn/zrvintl.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include "check_trap.h"
 #include "guarded_buffer.h"
-#include "identifiers.h"
+#include "identifier_records.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Questions to a locale: its names, whether it agrees with another, its character set.
 #include "check_trap.h"
 #include "guarded_buffer.h"
-#include "identifiers.h"
+#include "identifier_records.h"
 #include "zrvcomn/charset.h"
 #include "zrvcomn/comerr.h"
 #include "zrvcomn/sortordr.h"

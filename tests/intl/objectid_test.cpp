@@ -5,7 +5,7 @@
 
 #include "allocation_probe.h"
 #include "check_trap.h"
-#include "identifiers.h"
+#include "identifier_records.h"
 #include "io_probe.h"
 #include "test_scale.h"
 

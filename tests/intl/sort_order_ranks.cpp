@@ -43,9 +43,9 @@ bool check(std::string charset, std::string name, std::vector<Ranked> &strings) 
   bool holds = (table == nullptr) == strings.empty();
   for (Ranked &first : strings)
     for (Ranked &second : strings) {
-      const int order = com_ps_dl_sqlhilo(
-          table, first.bytes.data(), static_cast<CS_INT>(first.bytes.size()), second.bytes.data(),
-          static_cast<CS_INT>(second.bytes.size()));
+      const int order =
+          com_ps_dl_sqlhilo(table, first.bytes.data(), static_cast<CS_INT>(first.bytes.size()),
+                            second.bytes.data(), static_cast<CS_INT>(second.bytes.size()));
       if (order == sign(first.rank - second.rank))
         continue;
       std::printf("%s %s: %s to %s is %d\n", charset.c_str(), name.c_str(), first.hex.c_str(),

@@ -171,31 +171,29 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
 
 // The members of a unit. `source` and `destination` are the short names of the types; in the last
 // argument `from` is the source.
-#define COMN_BINARY_FUNCTION(name, parameters, source, srcfmt_condition, destfmt_condition, ...)   \
-  CS_RETCODE name parameters noexcept {                                                            \
-    using namespace comn::binary;                                                                  \
-    const auto convert = [&]() noexcept -> CS_RETCODE {                                            \
-      COMN_CHECK_CONV(COMN_HERE, srcfmt_condition, destfmt_condition);                             \
-      const source from(srcfmt, src);                                                              \
-      return __VA_ARGS__;                                                                          \
-    };                                                                                             \
-    return COMN_TRACE(convert());                                                                  \
-  }
 #define COMN_BINARY_MEMBER(source, destination, destfmt_condition, ...)                            \
-  COMN_BINARY_FUNCTION(comn_##source##to##destination, (COMN_CONV_PARAMETERS), source,             \
-                       source::accepts(srcfmt), destfmt_condition, __VA_ARGS__)
+  COMN_CHECKED_CONV(comn_##source##to##destination, comn::binary::source::accepts(srcfmt),         \
+                    destfmt_condition, using namespace comn::binary;                               \
+                    const comn::binary::source from(srcfmt, src); return __VA_ARGS__;)
 // What only copies makes no check of the datatypes.
+#define COMN_BINARY_COPY(source, destination, ...)                                                 \
+  COMN_CHECKED_CONV(comn_##source##to##destination, true, true, using namespace comn::binary;      \
+                    const comn::binary::source from(srcfmt, src); return __VA_ARGS__;)
 #define COMN_BINARY_TO_FIXED(source, destination, type)                                            \
-  COMN_BINARY_FUNCTION(comn_##source##to##destination, (COMN_CONV_PARAMETERS), source, true, true, \
-                       to_fixed(from, sizeof(type), dest, destlen))
+  COMN_BINARY_COPY(source, destination, to_fixed(from, sizeof(type), dest, destlen))
 #define COMN_BINARY_TO_DATE(source, destination, type, check_range)                                \
-  COMN_BINARY_FUNCTION(comn_##source##to##destination, (COMN_CONV_PARAMETERS), source, true, true, \
-                       to_date<source, type, check_range>(from, dest, destlen))
+  COMN_BINARY_COPY(source, destination,                                                            \
+                   to_date<comn::binary::source, type, check_range>(from, dest, destlen))
 
 // All members of a source. The reports of failed checks name the unit that says this.
 #define COMN_BINARY_UNIT(source)                                                                   \
-  COMN_BINARY_FUNCTION(comn_##source##tofixed, (COMN_CONV_PARAMETERS, CS_INT tlen), source, true,  \
-                       true, to_fixed(from, tlen, dest, destlen))                                  \
+  static CS_RETCODE source##_to_fixed(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {                \
+    COMN_CHECK_CONV(COMN_HERE, true, true);                                                        \
+    return comn::binary::to_fixed(comn::binary::source(srcfmt, src), tlen, dest, destlen);         \
+  }                                                                                                \
+  CS_RETCODE comn_##source##tofixed(COMN_CONV_PARAMETERS, CS_INT tlen) noexcept {                  \
+    return COMN_TRACE(source##_to_fixed(COMN_CONV_ARGUMENTS, tlen));                               \
+  }                                                                                                \
   COMN_BINARY_TO_FIXED(source, i1, CS_TINYINT)                                                     \
   COMN_BINARY_TO_FIXED(source, i2, CS_SMALLINT)                                                    \
   COMN_BINARY_TO_FIXED(source, i4, CS_INT)                                                         \

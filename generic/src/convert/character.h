@@ -478,16 +478,9 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
 // The members of a unit. `family` and `destination` are the short names of the types; in the last
 // argument `from` is the source.
 #define COMN_CHARACTER_MEMBER(family, destination, destfmt_condition, ...)                         \
-  CS_RETCODE comn_##family##to##destination(COMN_CONV_PARAMETERS) noexcept {                       \
-    using namespace comn::text;                                                                    \
-    using Source = of_##family;                                                                    \
-    const auto convert = [&]() noexcept -> CS_RETCODE {                                            \
-      COMN_CHECK_CONV(COMN_HERE, Source::accepts(srcfmt), destfmt_condition);                      \
-      const Source from(srcfmt, src);                                                              \
-      return __VA_ARGS__;                                                                          \
-    };                                                                                             \
-    return COMN_TRACE(convert());                                                                  \
-  }
+  COMN_CHECKED_CONV(comn_##family##to##destination, comn::text::of_##family::accepts(srcfmt),      \
+                    destfmt_condition, using namespace comn::text;                                 \
+                    const of_##family from(srcfmt, src); return __VA_ARGS__;)
 #define COMN_CHARACTER_TO_INTEGER(family, destination, code, type)                                 \
   COMN_CHARACTER_MEMBER(family, destination, destfmt->datatype == (code),                          \
                         to_integer<type>(context, srcfmt, dest, destlen, from))

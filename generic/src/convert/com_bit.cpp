@@ -65,16 +65,9 @@ CS_RETCODE to_record(CS_BIT value, CS_VOID *dest, CS_INT *destlen) noexcept {
 } // namespace
 
 #define COMN_BIT_MEMBER(destination, destfmt_condition, ...)                                       \
-  CS_RETCODE comn_bitto##destination(COMN_CONV_PARAMETERS) noexcept {                              \
-    const auto convert = [&]() noexcept -> CS_RETCODE {                                            \
-      COMN_CHECK_CONV(COMN_HERE, srcfmt->datatype == CS_TYPE_BIT, destfmt_condition);              \
-      const auto value = comn::load<CS_BIT>(src);                                                  \
-      if (value != 0 && value != 1)                                                                \
-        return CS_CONV_DOMAIN;                                                                     \
-      return __VA_ARGS__;                                                                          \
-    };                                                                                             \
-    return COMN_TRACE(convert());                                                                  \
-  }
+  COMN_CHECKED_CONV(comn_bitto##destination, srcfmt->datatype == CS_TYPE_BIT, destfmt_condition,   \
+                    const auto value = comn::load<CS_BIT>(src);                                    \
+                    if (value != 0 && value != 1) return CS_CONV_DOMAIN; return __VA_ARGS__;)
 #define COMN_BIT_TO_FIXED(destination, code, type)                                                 \
   COMN_BIT_MEMBER(destination, destfmt->datatype == (code), to_fixed<type>(value, dest, destlen))
 

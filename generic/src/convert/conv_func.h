@@ -29,4 +29,12 @@
     return COMN_TRACE(__VA_ARGS__(COMN_CONV_ARGUMENTS));                                           \
   }
 
+// The same with its checks: what follows the two conditions is the body.
+#define COMN_CHECKED_CONV(name, srcfmt_condition, destfmt_condition, ...)                          \
+  static CS_RETCODE name##_checked(COMN_CONV_PARAMETERS) noexcept {                                \
+    COMN_CHECK_CONV(COMN_HERE, srcfmt_condition, destfmt_condition);                               \
+    __VA_ARGS__                                                                                    \
+  }                                                                                                \
+  COMN_CONV(name, name##_checked)
+
 #endif

@@ -211,16 +211,13 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
 
 // The members of a unit. `source` and `destination` are the short names of the types.
 #define COMN_FLOATING_MEMBER(source, destination, destfmt_condition, ...)                          \
-  CS_RETCODE comn_##source##to##destination(COMN_CONV_PARAMETERS) noexcept {                       \
-    using namespace comn::floating;                                                                \
-    const auto convert = [&]() noexcept -> CS_RETCODE {                                            \
-      COMN_CHECK_CONV(COMN_HERE, srcfmt->datatype == source::code, destfmt_condition);             \
-      return __VA_ARGS__;                                                                          \
-    };                                                                                             \
-    return COMN_TRACE(convert());                                                                  \
-  }
+  COMN_CHECKED_CONV(comn_##source##to##destination,                                                \
+                    srcfmt->datatype == comn::floating::source::code, destfmt_condition,           \
+                    using namespace comn::floating;                                                \
+                    return __VA_ARGS__;)
 #define COMN_FLOATING_TO_INTEGER(source, destination)                                              \
-  COMN_FLOATING_MEMBER(source, destination, destfmt->datatype == destination::code,                \
+  COMN_FLOATING_MEMBER(source, destination,                                                        \
+                       destfmt->datatype == comn::floating::destination::code,                     \
                        to_integer<source, destination>(src, dest, destlen))
 // The binary members only copy: they make no check of the datatypes.
 #define COMN_FLOATING_TO_BINARY(source, destination, copy)                                         \

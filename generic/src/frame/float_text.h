@@ -15,9 +15,9 @@ constexpr CS_INT longest_double = 24;
                                                   CS_FLOAT value) noexcept;
 
 struct ParsedDouble {
-  CS_FLOAT value;         // an infinity beyond the range, a zero below it
-  bool is_out_of_range;   // and the text was a number, not the word of an infinity
-  const CS_CHAR *end;     // what follows the number; the begin of the text if there is none
+  CS_FLOAT value;       // an infinity beyond the range, a zero below it
+  bool is_out_of_range; // and the text was a number, not the word of an infinity
+  const CS_CHAR *end;   // what follows the number; the begin of the text if there is none
 };
 
 // Reads a number as strtod does in the C locale, but for errno: white space, a sign, decimal and

@@ -497,7 +497,8 @@ CS_RETCODE com_errinit(CsContext *context) noexcept {
   }
   errhan->err_locale = context->ctxlocale;
   return COMN_TRACE(com_err_init(context, errhan, const_cast<CS_ERRSECTION *>(own_Comlocsections),
-                                 std::size(own_Comlocsections), const_cast<CS_ERRIDX *>(own_Comdeferrs),
+                                 std::size(own_Comlocsections),
+                                 const_cast<CS_ERRIDX *>(own_Comdeferrs),
                                  std::size(own_Comdeferrs)));
 }
 

@@ -1,6 +1,6 @@
 // Tables of identifiers: made by hand, without the loader, and loaded from files of the test's own.
-#ifndef ZRVTEST_IDENTIFIERS_H
-#define ZRVTEST_IDENTIFIERS_H
+#ifndef ZRVTEST_IDENTIFIER_RECORDS_H
+#define ZRVTEST_IDENTIFIER_RECORDS_H
 
 #include <cerrno>
 #include <cstdio>

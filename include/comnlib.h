@@ -672,6 +672,8 @@ ZRV_PRIVATE CS_RETCODE comn__escchar(CS_CHAR *src, CS_DATAFMT *srcfmt, CS_CHAR *
  *               CS_DFMT_FROMSOURCE in either field, which is replaced by 255 in `destfmt` and not
  *               restored; in the precision it gives numeric(21,0), in the scale alone it is fatal,
  *               as is a negative scale whose low byte is above 77.
+ * to money      CS_CONV_OVERFLOW when the number does not fit: in mny4 the nearest value is stored
+ *               then, in money the number itself (at most 2 to the 63, less one) as a count.
  * to text       the whole number, then the padding that `format` asks for: CS_SUCCEED or
  *               CS_CONV_PADCONFLICT. Without room for it: "*" and a NUL if maxlength is above 1,
  *               nothing otherwise; CS_CONV_OVERFLOW.
@@ -691,6 +693,8 @@ ZRV_PRIVATE CS_RETCODE comn__escchar(CS_CHAR *src, CS_DATAFMT *srcfmt, CS_CHAR *
   ZRV_CONV(comn_##source##toflt4);                                                                 \
   ZRV_CONV(comn_##source##toflt8);                                                                 \
   ZRV_CONV(comn_##source##tonum);                                                                  \
+  ZRV_CONV(comn_##source##tomoney);                                                                \
+  ZRV_CONV(comn_##source##tomny4);                                                                 \
   ZRV_CONV(comn_##source##tochar);                                                                 \
   ZRV_CONV(comn_##source##tobin);                                                                  \
   ZRV_CONV(comn_##source##tovarchar);                                                              \
@@ -721,6 +725,8 @@ ZRV_INTEGER_CONVS(ui8);
  *               the change of scale do not fit the new length. CS_CONV_BADPRECISION;
  *               CS_CONV_BADSCALE outside 0 to 77, a negative scale too. `*destlen` is the length of
  *               the precision plus 2. `dest` may be the source.
+ * to money      rounded to four decimals. CS_CONV_OVERFLOW: beyond money nothing is stored, beyond
+ *               mny4 alone its nearest value.
  * to text       all digits of the scale, and a zero before a point that would come first; 80 bytes
  *               hold every value. Text that does not fit is cut: CS_CONV_OVERFLOW. Padding as
  *               `format` asks.
@@ -738,10 +744,55 @@ ZRV_CONV(comn_numtoui8);
 ZRV_CONV(comn_numtoflt4);
 ZRV_CONV(comn_numtoflt8);
 ZRV_CONV(comn_numtonum);
+ZRV_CONV(comn_numtomoney);
+ZRV_CONV(comn_numtomny4);
 ZRV_CONV(comn_numtochar);
 ZRV_CONV(comn_numtobin);
 ZRV_CONV(comn_numtovarchar);
 ZRV_CONV(comn_numtovarbin);
+
+/*
+ * From money: money is CS_MONEY, mny4 CS_MONEY4. `*destlen` is the width of a fixed destination whatever
+ * the result.
+ *
+ * to integers   rounded, half away from zero. Out of range the nearest value is stored, with
+ *               CS_CONV_OVERFLOW, but CS_CONV_UNDERFLOW below ui8. For ui2, ui4 and ui8 every negative
+ *               amount is out of range, for i1 only what rounds to a negative number.
+ * to bit        1 for any source but 0.
+ * to floats     cannot fail.
+ * to numeric    rounded to destfmt->scale. CS_CONV_BADPRECISION (not 1 to 77; CS_DFMT_FROMSOURCE is
+ *               refused) and CS_CONV_BADSCALE (above 77) leave `dest` alone; of a negative scale the low
+ *               byte counts, as 0 when that is above 77. CS_CONV_OVERFLOW: the amount does not fit,
+ *               dest has the shape and is not to be used. `*destlen` is 35.
+ * to money      beyond mny4 its nearest value, and CS_CONV_OVERFLOW.
+ * to text       destfmt->precision decimals, but two for 0 and four for more, rounded by the last digit
+ *               dropped alone (com__mnytochar); no commas, no currency. A negative precision is replaced
+ *               by 0 in `destfmt`. 21 bytes hold every value. Text that does not fit is cut:
+ *               CS_CONV_OVERFLOW. Padding as `format` asks.
+ * to varchar    the same text, no terminator; maxlength is not looked at, `*destlen` is 258.
+ * to binary     the bytes of the value as they stand in memory: comn_fixedtobin, comn_fixedtovarbin.
+ */
+#define ZRV_MONEY_CONVS(source)                                                                    \
+  ZRV_CONV(comn_##source##tobit);                                                                  \
+  ZRV_CONV(comn_##source##toi1);                                                                   \
+  ZRV_CONV(comn_##source##toi2);                                                                   \
+  ZRV_CONV(comn_##source##toi4);                                                                   \
+  ZRV_CONV(comn_##source##toi8);                                                                   \
+  ZRV_CONV(comn_##source##toui2);                                                                  \
+  ZRV_CONV(comn_##source##toui4);                                                                  \
+  ZRV_CONV(comn_##source##toui8);                                                                  \
+  ZRV_CONV(comn_##source##toflt4);                                                                 \
+  ZRV_CONV(comn_##source##toflt8);                                                                 \
+  ZRV_CONV(comn_##source##tonum);                                                                  \
+  ZRV_CONV(comn_##source##tomoney);                                                                \
+  ZRV_CONV(comn_##source##tomny4);                                                                 \
+  ZRV_CONV(comn_##source##tochar);                                                                 \
+  ZRV_CONV(comn_##source##tobin);                                                                  \
+  ZRV_CONV(comn_##source##tovarchar);                                                              \
+  ZRV_CONV(comn_##source##tovarbin)
+
+ZRV_MONEY_CONVS(money);
+ZRV_MONEY_CONVS(mny4);
 
 /*
  * From floating point: flt4 is CS_REAL, flt8 CS_FLOAT. `*destlen` is the width of the destination type
@@ -759,6 +810,8 @@ ZRV_CONV(comn_numtovarbin);
  * to numeric    the 17 significant digits of the double, rounded to destfmt->scale. Statuses as from
  *               integers; CS_DFMT_FROMSOURCE is refused. CS_CONV_OVERFLOW also for infinities and
  *               for what is not a number.
+ * to money      rounded to four decimals. CS_CONV_OVERFLOW, with zero stored, for what does not fit
+ *               and for what is not a number.
  * to text       "%.17g" of the double with a point whatever the locale; no zero before a point that
  *               comes first (".5", but "-0.5"), ".0" behind a number that has neither point nor
  *               exponent ("3.0", "inf.0"), no sign on a zero. Without room a star as from integers.
@@ -778,6 +831,8 @@ ZRV_CONV(comn_numtovarbin);
   ZRV_CONV(comn_##source##toflt4);                                                                 \
   ZRV_CONV(comn_##source##toflt8);                                                                 \
   ZRV_CONV(comn_##source##tonum);                                                                  \
+  ZRV_CONV(comn_##source##tomoney);                                                                \
+  ZRV_CONV(comn_##source##tomny4);                                                                 \
   ZRV_CONV(comn_##source##tochar);                                                                 \
   ZRV_CONV(comn_##source##tobin);                                                                  \
   ZRV_CONV(comn_##source##tovarchar);                                                              \

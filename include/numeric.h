@@ -434,6 +434,14 @@ ZRV_PRIVATE CS_CHAR *com__mnytochar(CS_MONEY *mp, CS_CHAR *cp, CS_INT len,
 ZRV_PRIVATE CS_CHAR *com__mny4tochar(CS_MONEY4 *m4p, CS_CHAR *cp, CS_INT len,
                                      CS_INT style) ZRV_NOEXCEPT;
 
+/* The same for applications. com_precmnytochar has the decimals on their own: `prec` is put above the low
+ * byte of `style`, into whatever stands there. */
+ZRV_API CS_CHAR *com_cvtmnytochar(CS_MONEY *mp, CS_CHAR *cp, CS_INT len, CS_INT style) ZRV_NOEXCEPT;
+ZRV_API CS_CHAR *com_cvtmny4tochar(CS_MONEY4 *m4p, CS_CHAR *cp, CS_INT len,
+                                   CS_INT style) ZRV_NOEXCEPT;
+ZRV_API CS_CHAR *com_precmnytochar(CS_MONEY *mp, CS_CHAR *cp, CS_INT len, CS_INT style,
+                                   CS_INT prec) ZRV_NOEXCEPT;
+
 /* Between the sizes. com__mnytomny4 returns 4, or -1 with the nearest value. A null pointer is fatal,
  * -1. */
 ZRV_PRIVATE void com__mny4tomny(CS_MONEY4 *m4p, CS_MONEY *mp) ZRV_NOEXCEPT;

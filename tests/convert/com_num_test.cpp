@@ -97,6 +97,8 @@ const Member members[] = {
     {"flt4", comn_numtoflt4, CS_TYPE_REAL, 4},
     {"flt8", comn_numtoflt8, CS_TYPE_FLOAT, 8},
     {"num", comn_numtonum, CS_TYPE_NUMERIC, 0},
+    {"money", comn_numtomoney, CS_TYPE_MONEY, 8},
+    {"mny4", comn_numtomny4, CS_TYPE_MONEY4, 4},
     {"char", comn_numtochar, CS_TYPE_CHAR, 0},
     {"bin", comn_numtobin, CS_TYPE_BINARY, 0},
     {"varchar", comn_numtovarchar, CS_TYPE_VARCHAR, 258},

@@ -44,6 +44,8 @@ struct Member {
       {type, "flt4", CS_TYPE_REAL, comn_##source##toflt4},                                         \
       {type, "flt8", CS_TYPE_FLOAT, comn_##source##toflt8},                                        \
       {type, "num", CS_TYPE_NUMERIC, comn_##source##tonum},                                        \
+      {type, "money", CS_TYPE_MONEY, comn_##source##tomoney},                                      \
+      {type, "mny4", CS_TYPE_MONEY4, comn_##source##tomny4},                                       \
       {type, "char", CS_TYPE_CHAR, comn_##source##tochar},                                         \
       {type, "bin", CS_TYPE_BINARY, comn_##source##tobin},                                         \
       {type, "varchar", CS_TYPE_VARCHAR, comn_##source##tovarchar}, {                              \

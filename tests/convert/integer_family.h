@@ -50,6 +50,8 @@ struct IntegerMember {
       {&integer_types[row], "ui8", CS_TYPE_UBIGINT, comn_##source##toui8},                         \
       {&integer_types[row], "flt4", CS_TYPE_REAL, comn_##source##toflt4},                          \
       {&integer_types[row], "flt8", CS_TYPE_FLOAT, comn_##source##toflt8},                         \
+      {&integer_types[row], "money", CS_TYPE_MONEY, comn_##source##tomoney},                       \
+      {&integer_types[row], "mny4", CS_TYPE_MONEY4, comn_##source##tomny4},                        \
       {&integer_types[row], "char", CS_TYPE_CHAR, comn_##source##tochar},                          \
       {&integer_types[row], "bin", CS_TYPE_BINARY, comn_##source##tobin},                          \
       {&integer_types[row], "varchar", CS_TYPE_VARCHAR, comn_##source##tovarchar}, {               \

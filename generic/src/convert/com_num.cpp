@@ -175,6 +175,27 @@ CS_RETCODE to_numeric(COMN_CONV_PARAMETERS, Where where) noexcept {
   return fit == NUME_OK ? CS_SUCCEED : CS_CONV_OVERFLOW;
 }
 
+// Rounded to four decimals. What is too large for the longer size leaves both alone; what is too large
+// for the shorter one only becomes its nearest value.
+template <class Money, CS_INT Code, class Where>
+CS_RETCODE to_money(COMN_CONV_PARAMETERS, Where where) noexcept {
+  COMN_CHECK_CONV(where, is_numeric(srcfmt), destfmt->datatype == Code);
+  *destlen = sizeof(Money);
+  const CS_NUMERIC &value = value_at(src);
+  if (!exact::is_valid(value)) [[unlikely]]
+    return CS_CONV_DOMAIN;
+  constexpr int overflow = 0;
+  __CONSTANT descriptor = exact::describe(value);
+  CS_MONEY number;
+  if (com__exctnumetomny8(&descriptor, &number) == overflow)
+    return CS_CONV_OVERFLOW;
+  if constexpr (sizeof(Money) == sizeof(CS_MONEY))
+    store(dest, number);
+  else if (com__mnytomny4(&number, static_cast<CS_MONEY4 *>(dest)) < 0)
+    return CS_CONV_OVERFLOW;
+  return CS_SUCCEED;
+}
+
 template <class Where>
 CS_RETCODE to_text(COMN_CONV_PARAMETERS, Where where) noexcept {
   COMN_CHECK_CONV(where, is_numeric(srcfmt), comn::text_types.contains(destfmt->datatype));
@@ -250,6 +271,8 @@ COMN_NUMERIC_MEMBER(bit, to_bit)
 COMN_NUMERIC_MEMBER(flt8, to_float)
 COMN_NUMERIC_MEMBER(flt4, to_real)
 COMN_NUMERIC_MEMBER(num, to_numeric)
+COMN_NUMERIC_MEMBER(money, to_money<CS_MONEY, CS_TYPE_MONEY>)
+COMN_NUMERIC_MEMBER(mny4, to_money<CS_MONEY4, CS_TYPE_MONEY4>)
 COMN_NUMERIC_MEMBER(char, to_text)
 COMN_NUMERIC_MEMBER(varchar, to_varchar)
 COMN_NUMERIC_MEMBER(bin, to_binary)

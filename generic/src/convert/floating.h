@@ -160,6 +160,27 @@ CS_RETCODE to_num(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest, 
   }
 }
 
+// Deliberate: what does not fit, and what is not a number, is stored as zero, in the shorter size too,
+// where all other ways to it leave the nearest value.
+template <class Source, class Money>
+CS_RETCODE to_money(CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
+  constexpr CS_INT width = sizeof(typename Source::Value);
+  constexpr bool is_long = sizeof(Money) == sizeof(CS_MONEY);
+  *destlen = sizeof(Money);
+  CS_INT stored;
+  if constexpr (std::is_same_v<Source, flt8>)
+    stored =
+        is_long ? com__flt8tomny(src, width, dest, 0, 0) : com__flt8tomny4(src, width, dest, 0);
+  else
+    stored =
+        is_long ? com__flt4tomny(src, width, dest, 0, 0) : com__flt4tomny4(src, width, dest, 0);
+  if (stored < 0) {
+    store(dest, Money{});
+    return CS_CONV_OVERFLOW;
+  }
+  return CS_SUCCEED;
+}
+
 // The text of a number: never a sign on zero, no zero before a point that comes first, and always
 // a point or an exponent.
 class Text {
@@ -243,6 +264,10 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
   COMN_FLOATING_MEMBER(                                                                            \
       source, num, destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,   \
       to_num<source>(src, destfmt, dest, destlen, COMN_HERE))                                      \
+  COMN_FLOATING_MEMBER(source, money, destfmt->datatype == CS_TYPE_MONEY,                          \
+                       to_money<source, CS_MONEY>(src, dest, destlen))                             \
+  COMN_FLOATING_MEMBER(source, mny4, destfmt->datatype == CS_TYPE_MONEY4,                          \
+                       to_money<source, CS_MONEY4>(src, dest, destlen))                            \
   COMN_FLOATING_MEMBER(source, char, comn::text_types.contains(destfmt->datatype),                 \
                        to_text<source>(src, destfmt, dest, destlen))                               \
   COMN_FLOATING_MEMBER(source, varchar, destfmt->datatype == CS_TYPE_VARCHAR,                      \

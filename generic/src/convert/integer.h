@@ -203,6 +203,33 @@ CS_RETCODE to_num(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT
   return CS_SUCCEED;
 }
 
+// To either size of money. The builder that the source type takes works on the number widened to that
+// builder's own type. What does not fit is what the builder leaves: the nearest value in the shorter
+// size, and in the longer one the number as a count, without decimals.
+template <Type S, class Money>
+CS_RETCODE to_money(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
+  constexpr bool is_long = sizeof(Money) == sizeof(CS_MONEY);
+  *destlen = sizeof(Money);
+  const auto build = [&](auto number, auto long_builder, auto short_builder) noexcept {
+    auto *const result = static_cast<Money *>(dest);
+    if constexpr (is_long)
+      return long_builder(result, &number);
+    else
+      return short_builder(result, &number);
+  };
+  const Value<S> value = load<Value<S>>(src);
+  int status;
+  if constexpr (S == i8)
+    status = build(CS_BIGINT{value}, com__int8tomny, com__int8tomny4);
+  else if constexpr (S == ui8)
+    status = build(CS_UBIGINT{value}, com__uint8tomny, com__uint8tomny4);
+  else if constexpr (S == ui2 || S == ui4)
+    status = build(CS_UINT{value}, com__uinttomny, com__uinttomny4);
+  else
+    status = build(CS_INT{value}, com__inttomny, com__inttomny4);
+  return status == NUME_OVERFLOW ? CS_CONV_OVERFLOW : CS_SUCCEED;
+}
+
 template <Type S>
 CS_RETCODE to_text(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest,
                    CS_INT *destlen) noexcept {
@@ -261,6 +288,11 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
   COMN_INTEGER_MEMBER(                                                                             \
       source, num, destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,   \
       to_num<source>(src, destfmt, dest, destlen, COMN_HERE))
+#define COMN_INTEGER_TO_MONEY(source)                                                              \
+  COMN_INTEGER_MEMBER(source, money, destfmt->datatype == CS_TYPE_MONEY,                           \
+                      to_money<source, CS_MONEY>(src, dest, destlen))                              \
+  COMN_INTEGER_MEMBER(source, mny4, destfmt->datatype == CS_TYPE_MONEY4,                           \
+                      to_money<source, CS_MONEY4>(src, dest, destlen))
 #define COMN_INTEGER_TO_CHAR(source)                                                               \
   COMN_INTEGER_MEMBER(source, char, comn::text_types.contains(destfmt->datatype),                  \
                       to_text<source>(src, destfmt, dest, destlen))
@@ -293,6 +325,7 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
   COMN_INTEGER_TO_FLT4(source)                                                                     \
   COMN_INTEGER_TO_FLT8(source)                                                                     \
   COMN_INTEGER_TO_NUM(source)                                                                      \
+  COMN_INTEGER_TO_MONEY(source)                                                                    \
   COMN_INTEGER_TO_CHAR(source)                                                                     \
   COMN_INTEGER_TO_VARCHAR(source)                                                                  \
   COMN_INTEGER_TO_BIN(source)                                                                      \

@@ -34,26 +34,20 @@ namespace comn::pending {
   COMN_PENDING(source##tomoney)                                                                    \
   COMN_PENDING(source##tomny4)
 
-// The members of the numbers that come with money and 16-bit text.
-#define COMN_PENDING_INTEGER(source)                                                               \
-  COMN_PENDING(source##tomoney)                                                                    \
-  COMN_PENDING(source##tomny4)                                                                     \
-  COMN_PENDING(source##tounichar)
+// Numbers and money come whole but for 16-bit text.
+COMN_PENDING(i1tounichar)
+COMN_PENDING(i2tounichar)
+COMN_PENDING(i4tounichar)
+COMN_PENDING(i8tounichar)
+COMN_PENDING(ui2tounichar)
+COMN_PENDING(ui4tounichar)
+COMN_PENDING(ui8tounichar)
+COMN_PENDING(flt4tounichar)
+COMN_PENDING(flt8tounichar)
+COMN_PENDING(numtounichar)
+COMN_PENDING(moneytounichar)
+COMN_PENDING(mny4tounichar)
 
-COMN_PENDING_INTEGER(i1)
-COMN_PENDING_INTEGER(i2)
-COMN_PENDING_INTEGER(i4)
-COMN_PENDING_INTEGER(i8)
-COMN_PENDING_INTEGER(ui2)
-COMN_PENDING_INTEGER(ui4)
-COMN_PENDING_INTEGER(ui8)
-
-COMN_PENDING_INTEGER(flt4)
-COMN_PENDING_INTEGER(flt8)
-COMN_PENDING_INTEGER(num)
-
-COMN_PENDING_VALUES(money)
-COMN_PENDING_VALUES(mny4)
 COMN_PENDING_VALUES(unichar)
 
 // Binary and bit come whole but for 16-bit text.
@@ -94,7 +88,6 @@ COMN_PENDING(locatortolocator)
 #undef COMN_PENDING
 #undef COMN_PENDING_VALUES
 #undef COMN_PENDING_FIXED
-#undef COMN_PENDING_INTEGER
 #undef COMN_PENDING_DATES
 
 } // namespace comn::pending

@@ -1,0 +1,4 @@
+// Conversions from CS_MONEY.
+#include "money_family.h"
+
+COMN_MONEY_UNIT(money)

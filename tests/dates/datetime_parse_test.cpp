@@ -185,7 +185,7 @@ TEST(DateTokens, WithoutNamesNoMonth) {
 // Characters of the digit class that stand for no digit make no number, however many they are.
 TEST(DateTokens, DigitsWithoutAForm) {
   CS_TYPE_MAP types = *com_get_typemap();
-  types.chmap['#'].char_type = CS_CTYPE_DIGIT;
+  types.chmap[size_t{'#'}].char_type = CS_CTYPE_DIGIT;
   CS_ATTRIB set = *com_get_charattrib();
   set.cs_type_map = &types;
   for (const char *text : {"#", "1#", "########", "9999999#", "#########"}) {

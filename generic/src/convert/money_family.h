@@ -191,19 +191,17 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
 
 // The members of a unit. `source` and `destination` are the short names of the types.
 #define COMN_MONEY_MEMBER(source, destination, destfmt_condition, ...)                             \
-  CS_RETCODE comn_##source##to##destination(COMN_CONV_PARAMETERS) noexcept {                       \
-    using namespace comn::money_family;                                                            \
-    const auto convert = [&]() noexcept -> CS_RETCODE {                                            \
-      COMN_CHECK_CONV(COMN_HERE, srcfmt->datatype == source::code, destfmt_condition);             \
-      return __VA_ARGS__;                                                                          \
-    };                                                                                             \
-    return COMN_TRACE(convert());                                                                  \
-  }
+  COMN_CHECKED_CONV(comn_##source##to##destination,                                                \
+                    srcfmt->datatype == comn::money_family::source::code, destfmt_condition,       \
+                    using namespace comn::money_family;                                            \
+                    return __VA_ARGS__;)
 #define COMN_MONEY_TO_INTEGER(source, destination)                                                 \
-  COMN_MONEY_MEMBER(source, destination, destfmt->datatype == destination::code,                   \
+  COMN_MONEY_MEMBER(source, destination,                                                           \
+                    destfmt->datatype == comn::money_family::destination::code,                    \
                     to_integer<source, destination>(src, dest, destlen))
 #define COMN_MONEY_TO_MONEY(source, destination)                                                   \
-  COMN_MONEY_MEMBER(source, destination, destfmt->datatype == destination::code,                   \
+  COMN_MONEY_MEMBER(source, destination,                                                           \
+                    destfmt->datatype == comn::money_family::destination::code,                    \
                     to_money<source, destination>(src, dest, destlen))
 
 // All members of a source. The reports of failed checks name the unit that says this.

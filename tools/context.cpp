@@ -6,16 +6,16 @@
 namespace zrvtool {
 
 Context::Context() {
-  if (com_conv_init(&context) == CS_SUCCEED && com_null_init(&context) == CS_SUCCEED)
+  if (com_conv_init(get()) == CS_SUCCEED && com_null_init(get()) == CS_SUCCEED)
     return;
-  com_null_free(&context);
-  com_conv_free(&context);
+  com_null_free(get());
+  com_conv_free(get());
   throw std::bad_alloc();
 }
 
 Context::~Context() {
-  com_null_free(&context);
-  com_conv_free(&context);
+  com_null_free(get());
+  com_conv_free(get());
 }
 
 } // namespace zrvtool

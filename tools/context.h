@@ -1,7 +1,9 @@
-// A context of the library, made as the layers above make theirs.
+// A context for conversions, made as the layers above make theirs: with the installation's default
+// locale, since conversions of text ask for one.
 #ifndef ZRVTOOL_CONTEXT_H
 #define ZRVTOOL_CONTEXT_H
 
+#include "started.h"
 #include "zrvcomn/comnlib.h"
 
 namespace zrvtool {
@@ -13,13 +15,13 @@ public:
   Context(const Context &) = delete;
   Context &operator=(const Context &) = delete;
 
-  CS_CONTEXT *get() { return &context; }
+  CS_CONTEXT *get() { return started.get(); }
 
   // The conversion of a pair of datatypes, or null.
-  CS_CONV_FUNC conversion(CS_INT from, CS_INT to) { return com_conv_func(&context, from, to); }
+  CS_CONV_FUNC conversion(CS_INT from, CS_INT to) { return com_conv_func(get(), from, to); }
 
 private:
-  CS_CONTEXT context{};
+  Started started{"default"};
 };
 
 } // namespace zrvtool

@@ -1,13 +1,10 @@
-// The road of one value through the library. What the library cannot do yet is done here, and
-// gives way by itself as soon as the matrix has a function for it.
+// The road of one value through the library: from text to its type, to the other type, and to text.
 #include "converter.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <cstring>
 #include <limits>
-#include <type_traits>
 
 #include "errors.h"
 #include "status_names.h"
@@ -36,119 +33,6 @@ Value load(const char *bytes) {
   return value;
 }
 
-// Reads an integer, by the rules of the library for text: blanks may stand around the sign and the
-// digits, a text without digits is 0, and the wide unsigned types take no minus.
-template <class Integer>
-CS_RETCODE read_integer(std::string_view text, char *dest, bool takes_minus = true) {
-  const auto is_blank = [](char c) { return com_isspace(static_cast<CS_BYTE>(c)) != 0; };
-  const auto skip_blanks = [&] {
-    while (!text.empty() && is_blank(text.front()))
-      text.remove_prefix(1);
-  };
-  skip_blanks();
-  bool negative = false;
-  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
-    negative = text.front() == '-';
-    if (negative && !takes_minus)
-      return CS_CONV_SYNTAX;
-    text.remove_prefix(1);
-    skip_blanks();
-  }
-  CS_UBIGINT magnitude = 0;
-  const char *const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, magnitude);
-  text.remove_prefix(static_cast<size_t>(rest - text.data()));
-  skip_blanks();
-  if (!text.empty())
-    return CS_CONV_SYNTAX;
-
-  using Limits = std::numeric_limits<Integer>;
-  const CS_UBIGINT limit =
-      negative ? CS_UBIGINT{0} - static_cast<CS_UBIGINT>(Limits::min()) : CS_UBIGINT{Limits::max()};
-  if (error == std::errc::result_out_of_range || magnitude > limit)
-    return CS_CONV_OVERFLOW;
-  const auto value = static_cast<Integer>(negative ? CS_UBIGINT{0} - magnitude : magnitude);
-  std::memcpy(dest, &value, sizeof value);
-  return CS_SUCCEED;
-}
-
-// The matrix has no way from text to the integers yet, so the command parses them itself.
-CS_RETCODE read_integer(CS_INT code, std::string_view text, char *dest) {
-  switch (code) {
-  case CS_TYPE_TINYINT:
-    return read_integer<CS_TINYINT>(text, dest);
-  case CS_TYPE_SMALLINT:
-    return read_integer<CS_SMALLINT>(text, dest);
-  case CS_TYPE_INT:
-    return read_integer<CS_INT>(text, dest);
-  case CS_TYPE_BIGINT:
-    return read_integer<CS_BIGINT>(text, dest);
-  case CS_TYPE_USMALLINT:
-    return read_integer<CS_USMALLINT>(text, dest);
-  case CS_TYPE_UINT:
-    return read_integer<CS_UINT>(text, dest, false);
-  case CS_TYPE_UBIGINT:
-    return read_integer<CS_UBIGINT>(text, dest, false);
-  default:
-    return CS_FAIL;
-  }
-}
-
-// Reads a decimal number without an exponent into a numeric of the shape of `type`; blanks may
-// stand around it. The matrix has no way from text to the numerics yet either. No digit is dropped.
-CS_RETCODE read_numeric(const Type &type, std::string_view text, char *dest) {
-  const auto is_blank = [](char c) { return com_isspace(static_cast<CS_BYTE>(c)) != 0; };
-  while (!text.empty() && is_blank(text.front()))
-    text.remove_prefix(1);
-  while (!text.empty() && is_blank(text.back()))
-    text.remove_suffix(1);
-  CS_NUMERIC value{};
-  value.precision = static_cast<CS_BYTE>(type.precision);
-  value.scale = static_cast<CS_BYTE>(type.scale);
-  const bool negative = !text.empty() && text.front() == '-';
-  if (!text.empty() && (text.front() == '-' || text.front() == '+'))
-    text.remove_prefix(1);
-
-  // The digits as they would stand at the scale of the type.
-  const size_t point = std::min(text.find('.'), text.size());
-  std::string digits(text.substr(0, point));
-  std::string_view fraction = text.substr(std::min(point + 1, text.size()));
-  digits += fraction;
-  if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos)
-    return CS_CONV_SYNTAX;
-  if (fraction.size() > static_cast<size_t>(type.scale))
-    return CS_CONV_TRUNCATED;
-  digits.append(static_cast<size_t>(type.scale) - fraction.size(), '0');
-  digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
-  if (digits.size() > static_cast<size_t>(type.precision))
-    return CS_CONV_OVERFLOW;
-
-  const CS_INT length = comn_num_getlen(type.precision);
-  for (const char digit : digits) {
-    int carry = digit - '0';
-    for (CS_INT i = length - 1; i > 0; --i) {
-      carry += value.array[i] * 10;
-      value.array[i] = static_cast<CS_BYTE>(carry);
-      carry >>= 8;
-    }
-  }
-  value.array[0] = negative && !digits.empty();
-  std::memcpy(dest, &value, sizeof value);
-  return CS_SUCCEED;
-}
-
-bool is_own_integer(const Type &type) {
-  return type.layout() == Layout::integer && type.code() != CS_TYPE_BIT;
-}
-
-// The shortest digits that give the same value again.
-template <class Float>
-void show_float(std::string &out, const char *bytes) {
-  char digits[64];
-  const auto [end, error] = std::to_chars(digits, digits + sizeof digits, load<Float>(bytes));
-  out.append(digits, end);
-}
-
 CS_DATAFMT make_format(const Type &type) {
   CS_DATAFMT format{};
   format.datatype = type.code();
@@ -172,7 +56,7 @@ Converter::Converter(const Type &from_type, const Type &to_type, CS_INT format,
                      " to " + to.info->name);
   if (from.layout() != Layout::text && from.code() != CS_TYPE_VOID) {
     reader = context.conversion(CS_TYPE_CHAR, from.code());
-    if (reader == nullptr && !is_own_integer(from) && from.layout() != Layout::exact)
+    if (reader == nullptr)
       throw UsageError(std::string("this release reads no text as ") + from.info->name);
   }
   if (!capacity && !has_open_length(to.layout()))
@@ -212,11 +96,6 @@ CS_RETCODE Converter::read(std::string_view value) {
     source_format.maxlength = length;
     return CS_SUCCEED;
   }
-  if (reader == nullptr && from.layout() == Layout::exact)
-    return read_numeric(from, value, source_bytes.data());
-  if (reader == nullptr)
-    return read_integer(from.code(), value, source_bytes.data());
-
   const bool is_binary = from.layout() == Layout::binary || from.layout() == Layout::varbinary;
   if (length == 0 && is_binary)
     return CS_CONV_SYNTAX;
@@ -274,13 +153,6 @@ void Converter::show(std::string_view bytes) {
         shown.assign(printed_bytes.data(), static_cast<size_t>(length));
         return;
       }
-    } else if (to.code() == CS_TYPE_FLOAT) {
-      return show_float<CS_FLOAT>(shown, dest_bytes.data());
-    } else if (to.code() == CS_TYPE_REAL) {
-      return show_float<CS_REAL>(shown, dest_bytes.data());
-    } else if (to.code() == CS_TYPE_BIT) {
-      shown = dest_bytes[0] != 0 ? "1" : "0";
-      return;
     }
   }
   shown = "0x";

@@ -166,7 +166,7 @@ inline bool narrow(int64_t count, int32_t &narrowed) noexcept {
 // public one with the code of it.
 template <auto Operation, class Where, class... Values>
 int run_internal(Where where, Values *...values) noexcept {
-  if (((values == nullptr) || ...)) [[unlikely]] {
+  if ((!values || ...)) [[unlikely]] {
     raise_null(where);
     return NUME_OVERFLOW;
   }
@@ -175,7 +175,7 @@ int run_internal(Where where, Values *...values) noexcept {
 
 template <auto Operation, class Where, class... Values>
 CS_RETCODE run_public(Where where, Values *...values) noexcept {
-  if (((values == nullptr) || ...)) [[unlikely]]
+  if ((!values || ...)) [[unlikely]]
     return raise_null(where);
   return result_code(Operation(values...));
 }

@@ -206,7 +206,7 @@ TEST(TextToFloat, AsTheCLibraryReads) {
   for (int round = 0; round < count; ++round) {
     std::string source;
     for (auto left = 1 + random() % 10; left > 0; --left)
-      source += alphabet[random() % alphabet.size()];
+      source += alphabet[static_cast<size_t>(random() % alphabet.size())];
     check(source);
     char printed[64];
     const auto value = std::bit_cast<double>(random());

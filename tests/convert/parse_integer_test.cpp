@@ -213,8 +213,8 @@ TEST(IntegerParsers, RandomTextsAgainstTheStates) {
     for (const char *destination : {"i4", "i8", "ui4", "ui8"}) {
       const bool is_signed = destination[0] == 'i';
       const bool wide = destination[std::strlen(destination) - 1] == '8';
-      const unsigned __int128 top = ~uint64_t{0} >> ((wide ? 0 : 32) + (is_signed ? 1 : 0));
-      unsigned __int128 value = 0;
+      const uint64_t top = ~uint64_t{0} >> ((wide ? 0 : 32) + (is_signed ? 1 : 0));
+      uint64_t value = 0;
       int state = 0, status = text.empty() ? 0 : 4;
       bool sign = false, negative = false;
       for (size_t i = 0; i < text.size() && status == 4;) {
@@ -230,8 +230,10 @@ TEST(IntegerParsers, RandomTextsAgainstTheStates) {
         } else if (state == 0) {
           state = 1;
         } else if (state == 1 && c >= '0' && c <= '9') {
-          const unsigned __int128 next = value * 10 + static_cast<unsigned>(c - '0');
-          if (next > top + (negative ? 1 : 0)) {
+          uint64_t next = 0;
+          if (__builtin_mul_overflow(value, uint64_t{10}, &next) ||
+              __builtin_add_overflow(next, static_cast<uint64_t>(c - '0'), &next) ||
+              next > top + (negative ? 1 : 0)) {
             status = -1;
             if (std::string(destination) != "i4")
               value = top + (negative ? 1 : 0);
@@ -250,8 +252,7 @@ TEST(IntegerParsers, RandomTextsAgainstTheStates) {
         }
       }
       const bool minus = negative && value != 0;
-      const std::string expected =
-          (minus ? "-" : "") + std::to_string(static_cast<uint64_t>(value));
+      const std::string expected = (minus ? "-" : "") + std::to_string(value);
       ASSERT_EQ(parse(destination, text, nullptr), std::pair(status, expected))
           << '"' << text << '"';
       if (round % 8 == 0) {

@@ -653,7 +653,7 @@ TEST(TextToDatetime, RandomTextsAgainstTheSecondInterpreter) {
   for (size_t i = 0; i < zrvtest::random_steps(); ++i) {
     std::string text;
     const size_t most = random() % 50 == 0 ? 30 : 9;
-    for (size_t n = random() % most; n > 0; --n) {
+    for (auto n = static_cast<size_t>(random() % most); n > 0; --n) {
       text += pieces[random() % (std::size(pieces) - (random() % 8 != 0 ? 4 : 0))];
       if (random() % 3 == 0)
         text += " ";

@@ -238,7 +238,8 @@ TEST(TextToMoney, BothWaysAlike) {
   for (int i = 0; i < (zrvtest::sanitized ? 5000 : 100000); ++i) {
     std::string text;
     for (auto n = random() % 12; n > 0; --n)
-      text += random() % 16 == 0 ? static_cast<char>(random()) : common[random() % common.size()];
+      text += random() % 16 == 0 ? static_cast<char>(random())
+                                 : common[static_cast<size_t>(random() % common.size())];
     ASSERT_EQ(parse(text), parse(text, &general)) << text;
   }
 }

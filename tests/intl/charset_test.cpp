@@ -494,7 +494,7 @@ TEST(RandomTexts, AgreeWithTheSlowRules) {
   std::mt19937_64 random(random_seed());
   for (int run = 0; run < (sanitized ? 2'000 : 20'000); ++run) {
     HandSet set(run % 2 == 1);
-    std::string text(random() % 20, '\0');
+    std::string text(static_cast<size_t>(random() % 20), '\0');
     for (char &c : text)
       c = "abzAZ059 \x81\x82\x83\x90\x91\x92\xFF\x41\x3A\x2F"[random() % 19];
     std::string reduced;

@@ -479,7 +479,8 @@ TEST_F(Damaged, changed_bodies_never_crash) {
     const auto &[name, cid] = sets[random() % std::size(sets)];
     std::string changed = shipped(name);
     for (auto count = 1 + random() % 3; count > 0; --count)
-      changed[24 + random() % (changed.size() - 24)] = static_cast<char>(random());
+      changed[static_cast<size_t>(24 + random() % (changed.size() - 24))] =
+          static_cast<char>(random());
     std::ofstream(file(name), std::ios::binary) << resealed(changed);
     CVTH handle = nullptr;
     const int code = uniconv_HandleGetU(
@@ -816,7 +817,7 @@ TEST_F(Zrvunic, no_text_grows_more_than_told) {
       int expansion = 0;
       ASSERT_EQ(uniconv_GetExpansion(from, to, &expansion), UNICONV_SUCCEED);
       for (int round = 0; round < 300; ++round) {
-        std::string bytes(random() % 12, '\0');
+        std::string bytes(static_cast<size_t>(random() % 12), '\0');
         for (char &byte : bytes)
           byte = static_cast<char>(1 + random() % 255);
         const Text text = source.decode(bytes).text;

@@ -388,8 +388,9 @@ TEST(ComEncTest, SearchFindsACopyThatIsLeft) {
 // No word of the text is left beside the working copy. The sanitizers' code keeps half a block that
 // the release keeps in a register in memory, which says nothing about the library.
 void expect_no_part_of_the_secret(const SearchableStack &stack) {
-  if (!zrvtest::sanitized)
+  if (!zrvtest::sanitized) {
     EXPECT_FALSE(stack.holds_part_of(secret_text, 4));
+  }
 }
 
 // The working copy of 32 bytes is there, wiped with 42.

@@ -11,12 +11,19 @@ namespace {
 
 constexpr CS_INT sets[COM_FOU_SETS] = {0, 1, 2, 3, 4, 5, 140, 141, 142, 255};
 
-constexpr CS_XLATE_FUNC none = nullptr;
-constexpr CS_XLATE_FUNC ascii = com__fou_ascii8_tofrom_1byte;
+// What converts a pair: a function of the pair's own unless it says otherwise.
+struct Conversion {
+  CS_XLATE_FUNC function;
+  CS_INT type;
+  constexpr Conversion(CS_XLATE_FUNC converter, CS_INT kind = COM_FOU_MAP)
+      : function(converter), type(kind) {}
+};
+constexpr Conversion none{nullptr, COM_FOU_NONE};
+constexpr Conversion ascii{com__fou_ascii8_tofrom_1byte, COM_FOU_ASCII};
 
 // A row for each source. From the Japanese sets it is deliberately by bytes, not by characters, that what
 // is not ASCII is replaced: com__fou_eucjis_to_ascii8 and its like stand in no cell.
-constexpr CS_XLATE_FUNC functions[COM_FOU_SETS][COM_FOU_SETS] = {
+constexpr Conversion conversions[COM_FOU_SETS][COM_FOU_SETS] = {
     /* ascii_8 */
     {none, ascii, ascii, ascii, ascii, ascii, ascii, ascii, ascii, com__fou_caseswap},
     /* iso_1 */
@@ -47,22 +54,17 @@ constexpr CS_XLATE_FUNC functions[COM_FOU_SETS][COM_FOU_SETS] = {
     {ascii, ascii, none, none, none, none, none, none, none, none},
 };
 
-constexpr CS_INT type_of(int from, int to) {
-  if (from == to)
-    return COM_FOU_COPY;
-  if (functions[from][to] == none)
-    return COM_FOU_NONE;
-  return functions[from][to] == ascii ? COM_FOU_ASCII : COM_FOU_MAP;
-}
-
 using XlateMap = comn::Table<CS_FOU_XLT_MAP, COM_FOU_SETS>;
 
 consteval XlateMap make_map() {
   XlateMap map{};
   for (int from = 0; from < COM_FOU_SETS; ++from) {
     map.rows[from].csid = sets[from];
-    for (int to = 0; to < COM_FOU_SETS; ++to)
-      map.rows[from].fou_funcs[to] = {sets[to], type_of(from, to), functions[from][to]};
+    for (int to = 0; to < COM_FOU_SETS; ++to) {
+      const Conversion &conversion = conversions[from][to];
+      map.rows[from].fou_funcs[to] = {sets[to], from == to ? COM_FOU_COPY : conversion.type,
+                                      conversion.function};
+    }
   }
   return map;
 }

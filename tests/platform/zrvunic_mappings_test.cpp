@@ -419,9 +419,10 @@ void check(const Case &one, Reference &theirs) {
     has_kind |= of_kind;
     EXPECT_TRUE(of_kind) << "{" << one.cid << ", \"" << difference.row() << "\"},";
   }
-  if (!zrvtest::sanitized) // which leaves most out
-    for (const std::string &row : expected)
-      ADD_FAILURE() << "no longer so: " << row;
+  if (zrvtest::sanitized) // most was left out
+    return;
+  for (const std::string &row : expected)
+    ADD_FAILURE() << "no longer so: " << row;
   EXPECT_EQ(has_kind, is_meant_kind(one.cid, {true, "80", "", ""}) ||
                           is_meant_kind(one.cid, {false, "", "", "10"}) ||
                           is_meant_kind(one.cid, {false, "", "", "41DE"}));

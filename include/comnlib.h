@@ -657,6 +657,26 @@ ZRV_PRIVATE CS_RETCODE comn__escchar(CS_CHAR *src, CS_DATAFMT *srcfmt, CS_CHAR *
                                      CS_DATAFMT *destfmt, CS_INT *destlen, struct char_attrib *ca,
                                      CS_INT escape) ZRV_NOEXCEPT;
 
+/* What all numbers convert to; 16-bit text is not there yet. */
+#define ZRV_NUMBER_CONVS(source)                                                                   \
+  ZRV_CONV(comn_##source##tobit);                                                                  \
+  ZRV_CONV(comn_##source##toi1);                                                                   \
+  ZRV_CONV(comn_##source##toi2);                                                                   \
+  ZRV_CONV(comn_##source##toi4);                                                                   \
+  ZRV_CONV(comn_##source##toi8);                                                                   \
+  ZRV_CONV(comn_##source##toui2);                                                                  \
+  ZRV_CONV(comn_##source##toui4);                                                                  \
+  ZRV_CONV(comn_##source##toui8);                                                                  \
+  ZRV_CONV(comn_##source##toflt4);                                                                 \
+  ZRV_CONV(comn_##source##toflt8);                                                                 \
+  ZRV_CONV(comn_##source##tonum);                                                                  \
+  ZRV_CONV(comn_##source##tomoney);                                                                \
+  ZRV_CONV(comn_##source##tomny4);                                                                 \
+  ZRV_CONV(comn_##source##tochar);                                                                 \
+  ZRV_CONV(comn_##source##tobin);                                                                  \
+  ZRV_CONV(comn_##source##tovarchar);                                                              \
+  ZRV_CONV(comn_##source##tovarbin)
+
 /*
  * From integers: i1 is the unsigned CS_TINYINT. `*destlen` is the width of the destination type
  * whatever the result.
@@ -681,32 +701,13 @@ ZRV_PRIVATE CS_RETCODE comn__escchar(CS_CHAR *src, CS_DATAFMT *srcfmt, CS_CHAR *
  * to binary     the bytes of the value as they stand in memory: comn_fixedtobin,
  *               comn_fixedtovarbin. These two look at no datatype.
  */
-#define ZRV_INTEGER_CONVS(source)                                                                  \
-  ZRV_CONV(comn_##source##tobit);                                                                  \
-  ZRV_CONV(comn_##source##toi1);                                                                   \
-  ZRV_CONV(comn_##source##toi2);                                                                   \
-  ZRV_CONV(comn_##source##toi4);                                                                   \
-  ZRV_CONV(comn_##source##toi8);                                                                   \
-  ZRV_CONV(comn_##source##toui2);                                                                  \
-  ZRV_CONV(comn_##source##toui4);                                                                  \
-  ZRV_CONV(comn_##source##toui8);                                                                  \
-  ZRV_CONV(comn_##source##toflt4);                                                                 \
-  ZRV_CONV(comn_##source##toflt8);                                                                 \
-  ZRV_CONV(comn_##source##tonum);                                                                  \
-  ZRV_CONV(comn_##source##tomoney);                                                                \
-  ZRV_CONV(comn_##source##tomny4);                                                                 \
-  ZRV_CONV(comn_##source##tochar);                                                                 \
-  ZRV_CONV(comn_##source##tobin);                                                                  \
-  ZRV_CONV(comn_##source##tovarchar);                                                              \
-  ZRV_CONV(comn_##source##tovarbin)
-
-ZRV_INTEGER_CONVS(i1);
-ZRV_INTEGER_CONVS(i2);
-ZRV_INTEGER_CONVS(i4);
-ZRV_INTEGER_CONVS(i8);
-ZRV_INTEGER_CONVS(ui2);
-ZRV_INTEGER_CONVS(ui4);
-ZRV_INTEGER_CONVS(ui8);
+ZRV_NUMBER_CONVS(i1);
+ZRV_NUMBER_CONVS(i2);
+ZRV_NUMBER_CONVS(i4);
+ZRV_NUMBER_CONVS(i8);
+ZRV_NUMBER_CONVS(ui2);
+ZRV_NUMBER_CONVS(ui4);
+ZRV_NUMBER_CONVS(ui8);
 
 /*
  * From numerics (16 and 17 alike). CS_CONV_DOMAIN: the source has a precision outside 1 to 77 or a
@@ -733,23 +734,7 @@ ZRV_INTEGER_CONVS(ui8);
  * to varchar    the same text, no terminator; `*destlen` is 258.
  * to binary     the 33 bytes of the array, without the shape (comn_fixedtobin, comn_fixedtovarbin).
  */
-ZRV_CONV(comn_numtobit);
-ZRV_CONV(comn_numtoi1);
-ZRV_CONV(comn_numtoi2);
-ZRV_CONV(comn_numtoi4);
-ZRV_CONV(comn_numtoi8);
-ZRV_CONV(comn_numtoui2);
-ZRV_CONV(comn_numtoui4);
-ZRV_CONV(comn_numtoui8);
-ZRV_CONV(comn_numtoflt4);
-ZRV_CONV(comn_numtoflt8);
-ZRV_CONV(comn_numtonum);
-ZRV_CONV(comn_numtomoney);
-ZRV_CONV(comn_numtomny4);
-ZRV_CONV(comn_numtochar);
-ZRV_CONV(comn_numtobin);
-ZRV_CONV(comn_numtovarchar);
-ZRV_CONV(comn_numtovarbin);
+ZRV_NUMBER_CONVS(num);
 
 /*
  * From money: money is CS_MONEY, mny4 CS_MONEY4. `*destlen` is the width of a fixed destination whatever
@@ -772,27 +757,8 @@ ZRV_CONV(comn_numtovarbin);
  * to varchar    the same text, no terminator; maxlength is not looked at, `*destlen` is 258.
  * to binary     the bytes of the value as they stand in memory: comn_fixedtobin, comn_fixedtovarbin.
  */
-#define ZRV_MONEY_CONVS(source)                                                                    \
-  ZRV_CONV(comn_##source##tobit);                                                                  \
-  ZRV_CONV(comn_##source##toi1);                                                                   \
-  ZRV_CONV(comn_##source##toi2);                                                                   \
-  ZRV_CONV(comn_##source##toi4);                                                                   \
-  ZRV_CONV(comn_##source##toi8);                                                                   \
-  ZRV_CONV(comn_##source##toui2);                                                                  \
-  ZRV_CONV(comn_##source##toui4);                                                                  \
-  ZRV_CONV(comn_##source##toui8);                                                                  \
-  ZRV_CONV(comn_##source##toflt4);                                                                 \
-  ZRV_CONV(comn_##source##toflt8);                                                                 \
-  ZRV_CONV(comn_##source##tonum);                                                                  \
-  ZRV_CONV(comn_##source##tomoney);                                                                \
-  ZRV_CONV(comn_##source##tomny4);                                                                 \
-  ZRV_CONV(comn_##source##tochar);                                                                 \
-  ZRV_CONV(comn_##source##tobin);                                                                  \
-  ZRV_CONV(comn_##source##tovarchar);                                                              \
-  ZRV_CONV(comn_##source##tovarbin)
-
-ZRV_MONEY_CONVS(money);
-ZRV_MONEY_CONVS(mny4);
+ZRV_NUMBER_CONVS(money);
+ZRV_NUMBER_CONVS(mny4);
 
 /*
  * From floating point: flt4 is CS_REAL, flt8 CS_FLOAT. `*destlen` is the width of the destination type
@@ -819,27 +785,8 @@ ZRV_MONEY_CONVS(mny4);
  * to binary     the bytes of the value as they stand in memory: comn_fixedtobin,
  *               comn_fixedtovarbin. These two look at no datatype.
  */
-#define ZRV_FLOATING_CONVS(source)                                                                 \
-  ZRV_CONV(comn_##source##tobit);                                                                  \
-  ZRV_CONV(comn_##source##toi1);                                                                   \
-  ZRV_CONV(comn_##source##toi2);                                                                   \
-  ZRV_CONV(comn_##source##toi4);                                                                   \
-  ZRV_CONV(comn_##source##toi8);                                                                   \
-  ZRV_CONV(comn_##source##toui2);                                                                  \
-  ZRV_CONV(comn_##source##toui4);                                                                  \
-  ZRV_CONV(comn_##source##toui8);                                                                  \
-  ZRV_CONV(comn_##source##toflt4);                                                                 \
-  ZRV_CONV(comn_##source##toflt8);                                                                 \
-  ZRV_CONV(comn_##source##tonum);                                                                  \
-  ZRV_CONV(comn_##source##tomoney);                                                                \
-  ZRV_CONV(comn_##source##tomny4);                                                                 \
-  ZRV_CONV(comn_##source##tochar);                                                                 \
-  ZRV_CONV(comn_##source##tobin);                                                                  \
-  ZRV_CONV(comn_##source##tovarchar);                                                              \
-  ZRV_CONV(comn_##source##tovarbin)
-
-ZRV_FLOATING_CONVS(flt4);
-ZRV_FLOATING_CONVS(flt8);
+ZRV_NUMBER_CONVS(flt4);
+ZRV_NUMBER_CONVS(flt8);
 
 /*
  * From binary: bin is bytes of srcfmt->maxlength, varbin a CS_VARBINARY. A source that had to be cut is

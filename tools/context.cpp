@@ -5,6 +5,11 @@
 
 namespace zrvtool {
 
+Matrix::Matrix() {
+  if (com_conv_init(&context) != CS_SUCCEED)
+    throw std::bad_alloc();
+}
+
 Context::Context() {
   if (com_conv_init(get()) == CS_SUCCEED && com_null_init(get()) == CS_SUCCEED)
     return;

@@ -1,5 +1,4 @@
-// A context for conversions, made as the layers above make theirs: with the installation's default
-// locale, since conversions of text ask for one.
+// Contexts for conversions.
 #ifndef ZRVTOOL_CONTEXT_H
 #define ZRVTOOL_CONTEXT_H
 
@@ -8,6 +7,23 @@
 
 namespace zrvtool {
 
+// The matrix alone, which needs no installation.
+class Matrix {
+public:
+  Matrix();
+  ~Matrix() { com_conv_free(&context); }
+  Matrix(const Matrix &) = delete;
+  Matrix &operator=(const Matrix &) = delete;
+
+  // The conversion of a pair of datatypes, or null.
+  CS_CONV_FUNC conversion(CS_INT from, CS_INT to) { return com_conv_func(&context, from, to); }
+
+private:
+  CS_CONTEXT context{};
+};
+
+// Made as the layers above make theirs: with the installation's default locale, since conversions of
+// text ask for one.
 class Context {
 public:
   Context();

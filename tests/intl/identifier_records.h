@@ -16,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "home_file.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
 
@@ -98,41 +99,10 @@ private:
 };
 
 // A home directory whose only file is config/objectid.dat. The environment points at it.
-class IdentifierHome {
+class IdentifierHome : public HomeFile {
 public:
-  IdentifierHome() {
-    if (mkdtemp(home.data()) == nullptr || mkdir((home + "/config").c_str(), 0700) != 0)
-      give_up();
-    file = home + "/config/objectid.dat";
-    setenv("ZARVEK", home.c_str(), 1);
-  }
+  IdentifierHome() : HomeFile("config/objectid.dat") {}
   explicit IdentifierHome(std::string_view text) : IdentifierHome() { write(text); }
-  ~IdentifierHome() {
-    unsetenv("ZARVEK");
-    unlink(file.c_str());
-    rmdir((home + "/config").c_str());
-    rmdir(home.c_str());
-  }
-  IdentifierHome(const IdentifierHome &) = delete;
-  IdentifierHome &operator=(const IdentifierHome &) = delete;
-
-  void write(std::string_view text) const {
-    std::FILE *const out = std::fopen(file.c_str(), "w");
-    if (out == nullptr || std::fwrite(text.data(), 1, text.size(), out) != text.size() ||
-        std::fclose(out) != 0)
-      give_up();
-  }
-
-  const std::string &path() const { return file; }
-
-private:
-  [[noreturn]] static void give_up() {
-    std::perror("home of the test");
-    std::_Exit(125);
-  }
-
-  std::string home = "/tmp/zrvtest-XXXXXX";
-  std::string file;
 };
 
 // A table loaded into a context, released at the end.

@@ -2,59 +2,24 @@
 #ifndef ZRVTEST_SORT_ORDERS_H
 #define ZRVTEST_SORT_ORDERS_H
 
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include "home_file.h"
 #include "zrvcomn/charset.h"
 #include "zrvcomn/sortordr.h"
 
 namespace zrvtest {
 
 // A home directory whose only file is charsets/set/order.srt. The environment points at it.
-class SortOrderHome {
+class SortOrderHome : public HomeFile {
 public:
-  explicit SortOrderHome(std::string_view text = {}) {
-    if (mkdtemp(home.data()) == nullptr || mkdir((home + "/charsets").c_str(), 0700) != 0 ||
-        mkdir((home + "/charsets/set").c_str(), 0700) != 0)
-      give_up();
-    file = home + "/charsets/set/order.srt";
-    setenv("ZARVEK", home.c_str(), 1);
+  explicit SortOrderHome(std::string_view text = {}) : HomeFile("charsets/set/order.srt") {
     if (text.data() != nullptr)
       write(text);
   }
-  ~SortOrderHome() {
-    unsetenv("ZARVEK");
-    unlink(file.c_str());
-    rmdir((home + "/charsets/set").c_str());
-    rmdir((home + "/charsets").c_str());
-    rmdir(home.c_str());
-  }
-  SortOrderHome(const SortOrderHome &) = delete;
-  SortOrderHome &operator=(const SortOrderHome &) = delete;
-
-  void write(std::string_view text) const {
-    std::FILE *const out = std::fopen(file.c_str(), "w");
-    if (out == nullptr || std::fwrite(text.data(), 1, text.size(), out) != text.size() ||
-        std::fclose(out) != 0)
-      give_up();
-  }
-
-  const std::string &path() const { return file; }
-
-private:
-  [[noreturn]] static void give_up() {
-    std::perror("home of the test");
-    std::_Exit(125);
-  }
-
-  std::string home = "/tmp/zrvtest-XXXXXX";
-  std::string file;
 };
 
 // A character set that is loaded as far as sort orders look at it, and a cache that names it. What

@@ -493,6 +493,13 @@ class Command(unittest.TestCase):
         self.assertEqual(grid[20], "." * 40)
         self.assertIn(f"{''.join(grid).count('#')} of 1600 pairs", result.out)
 
+    # What converts into what is known without an installation; a conversion itself asks for its locale.
+    def test_types_without_an_installation(self):
+        self.assertEqual(zrvcomn("types", ZARVEK="/nonexistent").out, zrvcomn("types").out)
+        result = zrvcomn("convert", "--from", "int", "--to", "int", "1", ZARVEK="/nonexistent")
+        self.assertEqual((result.out, result.code), ("", 1))
+        self.assertIn("cannot load objectid.dat", result.err)
+
     def test_types_filters(self):
         result = zrvcomn("types", "--from", "uint,INT", "--to", "i8", "--to", "long")
         self.check(result, 0,

@@ -67,7 +67,7 @@ void print_list(std::string &out, const TypeList &types) {
 }
 
 // One mark for each pair; the columns are headed by the codes, read downwards.
-void print_grid(std::string &out, Context &context, const TypeList &sources,
+void print_grid(std::string &out, Matrix &matrix, const TypeList &sources,
                 const TypeList &targets) {
   constexpr size_t label_width = name_width + 4;
   for (const int divisor : {10, 1}) {
@@ -84,7 +84,7 @@ void print_grid(std::string &out, Context &context, const TypeList &sources,
   for (const TypeInfo *from : sources) {
     out += right(std::to_string(from->code), 2) + "  " + padded(from->name, name_width);
     for (const TypeInfo *to : targets) {
-      const bool converts = context.conversion(from->code, to->code) != nullptr;
+      const bool converts = matrix.conversion(from->code, to->code) != nullptr;
       count += converts;
       out += converts ? '#' : '.';
     }
@@ -94,7 +94,7 @@ void print_grid(std::string &out, Context &context, const TypeList &sources,
          std::to_string(sources.size() * targets.size()) + " pairs convert in this release\n";
 }
 
-void print_json(std::string &out, Context &context, const TypeList &sources,
+void print_json(std::string &out, Matrix &matrix, const TypeList &sources,
                 const TypeList &targets) {
   for (const TypeInfo *from : sources) {
     nlohmann::ordered_json object;
@@ -109,7 +109,7 @@ void print_json(std::string &out, Context &context, const TypeList &sources,
         object["aliases"].push_back(alias);
     object["converts_to"] = nlohmann::json::array();
     for (const TypeInfo *to : targets)
-      if (context.conversion(from->code, to->code) != nullptr)
+      if (matrix.conversion(from->code, to->code) != nullptr)
         object["converts_to"].push_back(to->name);
     out += object.dump() + "\n";
   }
@@ -208,10 +208,10 @@ int run_wire(bool json) {
 int run(const Options &options) {
   const TypeList sources = select(options.from);
   const TypeList targets = select(options.to);
-  Context context;
+  Matrix matrix;
   Writer out(STDOUT_FILENO);
   if (options.json) {
-    print_json(out.text, context, sources, targets);
+    print_json(out.text, matrix, sources, targets);
   } else {
     // A filter on both sides lists the types of both.
     TypeList listed = options.from.empty() ? targets : sources;
@@ -222,7 +222,7 @@ int run(const Options &options) {
     }
     print_list(out.text, listed);
     out.text += '\n';
-    print_grid(out.text, context, sources, targets);
+    print_grid(out.text, matrix, sources, targets);
   }
   out.flush();
   return exit_success;

@@ -259,11 +259,6 @@ CS_RETCODE to_money(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_I
 
 // ---- to dates and times ----
 
-// Between character sets, a text whose characters were not all there counts as converted.
-inline bool has_converted(CS_RETCODE status) noexcept {
-  return status == CS_SUCCEED || status == CS_CONV_PARTIAL;
-}
-
 template <class Value>
 using DateParser = int (*)(Value *, CS_CHAR *, CS_INT, CS_INT, CS_INT, CS_CHAR **, CS_CHAR **,
                            CS_ATTRIB *, CS_BOOL *);

@@ -29,6 +29,15 @@
     return COMN_TRACE(__VA_ARGS__(COMN_CONV_ARGUMENTS));                                           \
   }
 
+namespace comn {
+
+// Between character sets, a text whose characters were not all there counts as converted.
+inline bool has_converted(CS_RETCODE status) noexcept {
+  return status == CS_SUCCEED || status == CS_CONV_PARTIAL;
+}
+
+} // namespace comn
+
 // The same with its checks: what follows the two conditions is the body.
 #define COMN_CHECKED_CONV(name, srcfmt_condition, destfmt_condition, ...)                          \
   static CS_RETCODE name##_checked(COMN_CONV_PARAMETERS) noexcept {                                \

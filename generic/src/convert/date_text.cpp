@@ -80,10 +80,6 @@ CS_RETCODE write_text(COMN_CONV_PARAMETERS, CS_INT room, bool &cut, Where where)
   return status;
 }
 
-bool has_converted(CS_RETCODE status) noexcept {
-  return status == CS_SUCCEED || status == CS_CONV_PARTIAL;
-}
-
 template <class... Kinds>
 struct Members {
   template <class Where>
@@ -94,7 +90,7 @@ struct Members {
     const CS_RETCODE status =
         write_text<Kinds...>(COMN_CONV_ARGUMENTS, destfmt->maxlength, cut, where);
     const CS_RETCODE padded =
-        has_converted(status)
+        comn::has_converted(status)
             ? comn::pad_text(*destlen, destfmt->format, destfmt->maxlength, dest, destlen)
             : status;
     if (cut)
@@ -110,7 +106,7 @@ struct Members {
     dest = record + offsetof(CS_VARCHAR, str);
     bool cut = false;
     const CS_RETCODE status = write_text<Kinds...>(COMN_CONV_ARGUMENTS, room, cut, where);
-    if (!has_converted(status) && status != CS_CONV_TRUNCATED)
+    if (!comn::has_converted(status) && status != CS_CONV_TRUNCATED)
       return status;
     comn::store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(*destlen));
     *destlen = sizeof(CS_VARCHAR);

@@ -221,11 +221,7 @@ CS_RETCODE to_text(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest,
 template <class Source>
 CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
   const Text text(value_at<Source>(src));
-  auto *const record = static_cast<CS_CHAR *>(dest);
-  *destlen = sizeof(CS_VARCHAR);
-  std::memcpy(record + offsetof(CS_VARCHAR, str), text.data(), static_cast<size_t>(text.length()));
-  store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(text.length()));
-  return CS_SUCCEED;
+  return record_text(text.data(), text.length(), dest, destlen);
 }
 
 } // namespace comn::floating

@@ -15,6 +15,7 @@
 #include "money.h"
 #include "pad.h"
 #include "raw_copy.h"
+#include "whole_text.h"
 
 namespace comn::money_family {
 
@@ -180,11 +181,7 @@ template <class Source>
 CS_RETCODE to_varchar(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                       CS_INT *destlen) noexcept {
   const Text text(widened<Source>(src), destfmt);
-  auto *const record = static_cast<CS_CHAR *>(dest);
-  *destlen = sizeof(CS_VARCHAR);
-  std::memcpy(record + offsetof(CS_VARCHAR, str), text.data(), static_cast<size_t>(text.length()));
-  store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(text.length()));
-  return CS_SUCCEED;
+  return record_text(text.data(), text.length(), dest, destlen);
 }
 
 } // namespace comn::money_family

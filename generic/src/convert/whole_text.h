@@ -3,8 +3,10 @@
 #define COMN_CONVERT_WHOLE_TEXT_H
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
+#include "any_address.h"
 #include "pad.h"
 
 namespace comn {
@@ -29,6 +31,16 @@ inline CS_RETCODE whole_text(const CS_CHAR *text, CS_INT length, const CS_DATAFM
     return show_star(destfmt->format, capacity, dest, destlen);
   std::memcpy(dest, text, static_cast<size_t>(length));
   return pad_text(length, destfmt->format, capacity, dest, destlen);
+}
+
+// The same in a record, which has room for every number; nothing ends it.
+inline CS_RETCODE record_text(const CS_CHAR *text, CS_INT length, CS_VOID *dest,
+                              CS_INT *destlen) noexcept {
+  auto *const record = static_cast<CS_CHAR *>(dest);
+  *destlen = sizeof(CS_VARCHAR);
+  std::memcpy(record + offsetof(CS_VARCHAR, str), text, static_cast<size_t>(length));
+  store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(length));
+  return CS_SUCCEED;
 }
 
 } // namespace comn

@@ -29,22 +29,8 @@ constexpr size_t step = sizeof(Bytes);
 
 } // namespace
 
-// Whole aligned blocks may be read, for no page ends within one.
-__attribute__((no_sanitize("address"))) size_t unit_count(const UChar16 *text) noexcept {
+size_t unit_count(const UChar16 *text) noexcept {
   const UChar16 *unit = text;
-  for (; reinterpret_cast<uintptr_t>(unit) % sizeof(Units) != 0; ++unit)
-    if (*unit == 0)
-      return static_cast<size_t>(unit - text);
-  const auto *block = reinterpret_cast<const Units *>(unit);
-  for (; reinterpret_cast<uintptr_t>(block) % (4 * sizeof(Units)) != 0; ++block)
-    if (any(reinterpret_cast<Units>(*block == 0), ~Units{}))
-      break;
-  if (reinterpret_cast<uintptr_t>(block) % (4 * sizeof(Units)) == 0)
-    while (!any(reinterpret_cast<Units>((block[0] == 0) | (block[1] == 0) | (block[2] == 0) |
-                                        (block[3] == 0)),
-                ~Units{}))
-      block += 4;
-  unit = reinterpret_cast<const UChar16 *>(block);
   while (*unit != 0)
     ++unit;
   return static_cast<size_t>(unit - text);

@@ -41,26 +41,23 @@ inline CS_RETCODE parsed(ParseStatus status, CS_INT *destlen) noexcept {
 }
 
 template <class Integer, class Source>
-ParsedInteger<Integer> read_integer(CS_CONTEXT *context, CS_DATAFMT *srcfmt,
-                                    const Source &source) noexcept {
-  return parse_integer<Integer>(source.bytes, source.length, com_intl_charattr(context, srcfmt));
+ParsedInteger<Integer> read_integer(const Source &source) noexcept {
+  return parse_integer<Integer>(source.bytes, source.length, source.set());
 }
 
 template <class Integer, class Source>
-CS_RETCODE to_integer(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_INT *destlen,
-                      const Source &source) noexcept {
+CS_RETCODE to_integer(const Source &source, CS_VOID *dest, CS_INT *destlen) noexcept {
   *destlen = sizeof(Integer);
-  const auto number = read_integer<Integer>(context, srcfmt, source);
+  const auto number = read_integer<Integer>(source);
   store(dest, number.value);
   return parsed(number.status, destlen);
 }
 
 // Only a number is stored.
 template <class Source>
-CS_RETCODE to_bit(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_INT *destlen,
-                  const Source &source) noexcept {
+CS_RETCODE to_bit(const Source &source, CS_VOID *dest, CS_INT *destlen) noexcept {
   *destlen = sizeof(CS_BIT);
-  const auto number = read_integer<CS_INT>(context, srcfmt, source);
+  const auto number = read_integer<CS_INT>(source);
   const CS_RETCODE status = parsed(number.status, destlen);
   if (status == CS_SUCCEED)
     store(dest, static_cast<CS_BIT>(number.value != 0));
@@ -85,12 +82,11 @@ struct NumberRead {
 
 // False for a text too long to be a number.
 template <class Source>
-bool read_number(CS_CONTEXT *context, CS_DATAFMT *srcfmt, const Source &source,
-                 NumberRead &number) noexcept {
+bool read_number(const Source &source, NumberRead &number) noexcept {
   constexpr CS_INT longest = 1023;
   if (source.told_length > longest || (!Source::is_record && source.told_length < 0))
     return false;
-  NumberText text(source.bytes, source.length, com_intl_charattr(context, srcfmt));
+  NumberText text(source.bytes, source.length, source.set());
   const CS_INT length = trimmed_length(text.data(), text.length());
   const ParsedDouble read = parse_double(text.data(), length);
   errno = read.is_out_of_range ? ERANGE : 0;
@@ -106,10 +102,9 @@ Float extreme(CS_FLOAT value) noexcept {
 }
 
 template <class Source>
-CS_RETCODE to_flt8(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_INT *destlen,
-                   const Source &source) noexcept {
+CS_RETCODE to_flt8(const Source &source, CS_VOID *dest, CS_INT *destlen) noexcept {
   NumberRead number;
-  if (!read_number(context, srcfmt, source, number))
+  if (!read_number(source, number))
     return syntax_error(destlen);
   *destlen = sizeof(CS_FLOAT);
   // Deliberate: a range is told before bad text behind the number.
@@ -125,10 +120,9 @@ CS_RETCODE to_flt8(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_IN
 // Deliberate: unlike above, an infinity that is spelled out, and a number beyond singles, come after
 // bad text behind them.
 template <class Source>
-CS_RETCODE to_flt4(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_INT *destlen,
-                   const Source &source) noexcept {
+CS_RETCODE to_flt4(const Source &source, CS_VOID *dest, CS_INT *destlen) noexcept {
   NumberRead number;
-  if (!read_number(context, srcfmt, source, number))
+  if (!read_number(source, number))
     return syntax_error(destlen);
   *destlen = sizeof(CS_REAL);
   if (number.vanished) {
@@ -186,14 +180,14 @@ inline int read_numeric(NumberText &text, CS_INT length, Shape shape, CS_NUMERIC
   return status;
 }
 
-inline CS_RETCODE to_num(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt,
-                         CS_VOID *dest, CS_INT *destlen, const of_char &source) noexcept {
+inline CS_RETCODE to_num(const CS_DATAFMT *srcfmt, const CS_DATAFMT *destfmt, CS_VOID *dest,
+                         CS_INT *destlen, const of_char &source) noexcept {
   if (source.told_length < 0)
     return syntax_error(destlen);
   Shape shape;
   if (const CS_RETCODE status = wanted_shape<of_char>(destfmt, shape); status != CS_SUCCEED)
     return status;
-  NumberText text(source.bytes, source.length, com_intl_charattr(context, srcfmt));
+  NumberText text(source.bytes, source.length, source.set());
   if (!text.fits())
     return syntax_error(destlen);
   CS_INT length = text.length();
@@ -219,8 +213,8 @@ inline CS_RETCODE to_num(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *de
 // Deliberate: text in a record must not be empty, its length is always that of the whole record, and
 // all that is wrong with it is an overflow.
 template <class Where>
-CS_RETCODE to_num(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt, CS_VOID *dest,
-                  CS_INT *destlen, const of_varchar &source, Where where) noexcept {
+CS_RETCODE to_num(const CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
+                  const of_varchar &source, Where where) noexcept {
   *destlen = sizeof(CS_NUMERIC);
   if (source.told_length < 1)
     return raise_bomb(where);
@@ -229,7 +223,7 @@ CS_RETCODE to_num(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt, 
   Shape shape;
   if (const CS_RETCODE status = wanted_shape<of_varchar>(destfmt, shape); status != CS_SUCCEED)
     return status;
-  NumberText text(source.bytes, source.length, com_intl_charattr(context, srcfmt));
+  NumberText text(source.bytes, source.length, source.set());
   switch (read_numeric(text, text.length(), shape, static_cast<CS_NUMERIC *>(dest))) {
   case NUME_OK:
     return CS_SUCCEED;
@@ -245,12 +239,11 @@ CS_RETCODE to_num(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt, 
 // ---- to money ----
 
 template <class Money, int (*Parse)(Money *, CS_CHAR *, CS_INT, CS_INT, CS_ATTRIB *), class Source>
-CS_RETCODE to_money(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_INT *destlen,
-                    const Source &source) noexcept {
+CS_RETCODE to_money(const Source &source, CS_VOID *dest, CS_INT *destlen) noexcept {
   *destlen = sizeof(Money);
   auto value = load<Money>(dest);
-  const int status = Parse(&value, reinterpret_cast<CS_CHAR *>(source.bytes), source.length, 0,
-                           com_intl_charattr(context, srcfmt));
+  const int status =
+      Parse(&value, reinterpret_cast<CS_CHAR *>(source.bytes), source.length, 0, source.set());
   store(dest, value);
   if (status == NUME_SYNTAX)
     return syntax_error(destlen);
@@ -262,6 +255,13 @@ CS_RETCODE to_money(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_I
 template <class Value>
 using DateParser = int (*)(Value *, CS_CHAR *, CS_INT, CS_INT, CS_INT, CS_CHAR **, CS_CHAR **,
                            CS_ATTRIB *, CS_BOOL *);
+
+// What the result of a parser means.
+inline CS_RETCODE date_read(int parsed, CS_INT *destlen) noexcept {
+  if (parsed < 0)
+    return syntax_error(destlen);
+  return parsed == 0 ? CS_SUCCEED : CS_CONV_OVERFLOW;
+}
 
 // The style that a text is read in: that of the locale's date-times, once the language's tables are
 // not the only ones.
@@ -311,10 +311,7 @@ CS_RETCODE to_date(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_IN
               com_intl_dateorder_id(context, srcfmt), com_intl_months(context, srcfmt),
               com_intl_shortmonths(context, srcfmt), utf8->char_attrib, &truncated);
     store(dest, value);
-    if (parsed < 0)
-      status = syntax_error(destlen);
-    else
-      status = parsed == 0 ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    status = date_read(parsed, destlen);
   }
   comn_free(utf8_text);
   return status;
@@ -361,9 +358,8 @@ CS_RETCODE convert_charset(CS_CONTEXT *context, const CS_DATAFMT *srcfmt, const 
 
 // The longest piece of the source that fits, in whole characters.
 template <class Source>
-CS_INT fitting_length(CS_CONTEXT *context, CS_DATAFMT *srcfmt, const Source &source,
-                      CS_INT room) noexcept {
-  CS_ATTRIB *const set = com_intl_charattr(context, srcfmt);
+CS_INT fitting_length(const Source &source, CS_INT room) noexcept {
+  CS_ATTRIB *const set = source.set();
   if (is_multi_byte(set))
     return comnb_truncate_chars(set, source.bytes, source.length, room);
   return std::min(source.length, room);
@@ -394,13 +390,13 @@ CS_RETCODE to_text(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt,
     }
     if (quotes) {
       // From the text as it came, in either case.
-      const CS_RETCODE status = comn__escchar(reinterpret_cast<CS_CHAR *>(source.bytes), srcfmt,
-                                              static_cast<CS_CHAR *>(dest), destfmt, destlen,
-                                              com_intl_charattr(context, srcfmt), quote);
+      const CS_RETCODE status =
+          comn__escchar(reinterpret_cast<CS_CHAR *>(source.bytes), srcfmt,
+                        static_cast<CS_CHAR *>(dest), destfmt, destlen, source.set(), quote);
       if (status != CS_SUCCEED)
         return status;
     } else if (same) {
-      *destlen = fitting_length(context, srcfmt, source, room);
+      *destlen = fitting_length(source, room);
       if (dest != source.bytes)
         std::memmove(dest, source.bytes, static_cast<size_t>(*destlen));
     }
@@ -433,7 +429,7 @@ CS_RETCODE to_varchar(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destf
       return status;
   } else {
     cut = source.told_length > room;
-    *destlen = std::max<CS_INT>(fitting_length(context, srcfmt, source, room), 0);
+    *destlen = std::max<CS_INT>(fitting_length(source, room), 0);
     std::memmove(text, source.bytes, static_cast<size_t>(*destlen));
   }
   store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(*destlen));
@@ -475,13 +471,13 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
 #define COMN_CHARACTER_MEMBER(family, destination, destfmt_condition, ...)                         \
   COMN_CHECKED_CONV(comn_##family##to##destination, comn::text::of_##family::accepts(srcfmt),      \
                     destfmt_condition, using namespace comn::text;                                 \
-                    const of_##family from(srcfmt, src); return __VA_ARGS__;)
+                    const of_##family from(context, srcfmt, src); return __VA_ARGS__;)
 #define COMN_CHARACTER_TO_INTEGER(family, destination, code, type)                                 \
   COMN_CHARACTER_MEMBER(family, destination, destfmt->datatype == (code),                          \
-                        to_integer<type>(context, srcfmt, dest, destlen, from))
+                        to_integer<type>(from, dest, destlen))
 #define COMN_CHARACTER_TO_MONEY(family, destination, code, type, parse)                            \
   COMN_CHARACTER_MEMBER(family, destination, destfmt->datatype == (code),                          \
-                        to_money<type, parse>(context, srcfmt, dest, destlen, from))
+                        to_money<type, parse>(from, dest, destlen))
 #define COMN_CHARACTER_TO_DATE(family, destination, code, type, parse)                             \
   COMN_CHARACTER_MEMBER(family, destination, destfmt->datatype == (code),                          \
                         to_date<type, parse>(context, srcfmt, dest, destlen, from, COMN_HERE))
@@ -498,7 +494,7 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
 // this.
 #define COMN_CHARACTER_UNIT(family)                                                                \
   COMN_CHARACTER_MEMBER(family, bit, destfmt->datatype == CS_TYPE_BIT,                             \
-                        to_bit(context, srcfmt, dest, destlen, from))                              \
+                        to_bit(from, dest, destlen))                                               \
   COMN_CHARACTER_TO_INTEGER(family, i1, CS_TYPE_TINYINT, CS_TINYINT)                               \
   COMN_CHARACTER_TO_INTEGER(family, i2, CS_TYPE_SMALLINT, CS_SMALLINT)                             \
   COMN_CHARACTER_TO_INTEGER(family, i4, CS_TYPE_INT, CS_INT)                                       \
@@ -507,9 +503,9 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
   COMN_CHARACTER_TO_INTEGER(family, ui4, CS_TYPE_UINT, CS_UINT)                                    \
   COMN_CHARACTER_TO_INTEGER(family, ui8, CS_TYPE_UBIGINT, CS_UBIGINT)                              \
   COMN_CHARACTER_MEMBER(family, flt4, destfmt->datatype == CS_TYPE_REAL,                           \
-                        to_flt4(context, srcfmt, dest, destlen, from))                             \
+                        to_flt4(from, dest, destlen))                                              \
   COMN_CHARACTER_MEMBER(family, flt8, destfmt->datatype == CS_TYPE_FLOAT,                          \
-                        to_flt8(context, srcfmt, dest, destlen, from))                             \
+                        to_flt8(from, dest, destlen))                                              \
   COMN_CHARACTER_TO_MONEY(family, money, CS_TYPE_MONEY, CS_MONEY, com__mnyfromchar_mb)             \
   COMN_CHARACTER_TO_MONEY(family, mny4, CS_TYPE_MONEY4, CS_MONEY4, com__mny4fromchar_mb)           \
   COMN_CHARACTER_TO_TWO_DATES(family, datetime, CS_TYPE_DATETIME, CS_DATETIME,                     \
@@ -530,6 +526,6 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
 #define COMN_CHARACTER_TO_NUM(family, ...)                                                         \
   COMN_CHARACTER_MEMBER(                                                                           \
       family, num, destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,   \
-      to_num(context, srcfmt, destfmt, dest, destlen, from __VA_OPT__(, ) __VA_ARGS__))
+      __VA_ARGS__)
 
 #endif

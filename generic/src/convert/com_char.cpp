@@ -2,4 +2,4 @@
 #include "character.h"
 
 COMN_CHARACTER_UNIT(char)
-COMN_CHARACTER_TO_NUM(char)
+COMN_CHARACTER_TO_NUM(char, to_num(srcfmt, destfmt, dest, destlen, from))

@@ -10,20 +10,11 @@
 #include "calendar.h"
 #include "date_value.h"
 
-namespace {
-
-int widen_and_round(CS_TIME *source, CS_DATETIME4 *dest) noexcept {
-  CS_DATETIME wide;
-  return com__timeatodate(source, &wide) != 0 || com__dttodate4(&wide, dest) != 0;
-}
-
-} // namespace
-
-COMN_DATE_MEMBER(timea, date4, widen_and_round, in_range)
-COMN_DATE_MEMBER(timea, date, com__timeatodate, always)
-COMN_DATE_MEMBER(timea, bigdatetime, com__timeatobigdatetime, always)
-COMN_DATE_MEMBER(timea, bigtime, com__timeatobigtime, always)
-COMN_DATE_MEMBER(timea, timea, copy, always)
+COMN_DATE_MEMBER(timea, date4)
+COMN_DATE_MEMBER(timea, date)
+COMN_DATE_MEMBER(timea, bigdatetime)
+COMN_DATE_MEMBER(timea, bigtime)
+COMN_DATE_MEMBER(timea, timea)
 COMN_DATE_TO_BIN(timea, timea)
 COMN_DATE_TO_VARBIN(timea, timea)
 

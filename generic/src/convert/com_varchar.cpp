@@ -2,4 +2,4 @@
 #include "character.h"
 
 COMN_CHARACTER_UNIT(varchar)
-COMN_CHARACTER_TO_NUM(varchar, COMN_HERE)
+COMN_CHARACTER_TO_NUM(varchar, to_num(destfmt, dest, destlen, from, COMN_HERE))

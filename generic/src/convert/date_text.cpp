@@ -8,29 +8,13 @@
 #include <limits>
 
 #include "comloc.h"
-#include "conv_func.h"
-#include "datetime.h"
+#include "date_value.h"
 #include "pad.h"
 #include "zrvintl.h"
 
 namespace {
 
-template <class Value>
-using Layout = CS_INT (*)(Value *, CS_CHAR *, CS_INT, CS_INT, CS_CHAR **) noexcept;
-
-// A source: its datatype and the layout of its values.
-template <CS_INT Code, class Type, Layout<Type> Write>
-struct Kind {
-  using Value = Type;
-  static constexpr CS_INT code = Code;
-  static constexpr Layout<Type> write = Write;
-};
-using date = Kind<CS_TYPE_DATETIME, CS_DATETIME, com__datetochar>;
-using bigdatetime = Kind<CS_TYPE_BIGDATETIME, CS_BIGDATETIME, com__bigdatetimetochar>;
-using date4 = Kind<CS_TYPE_DATETIME4, CS_DATETIME4, com__date4tochar>;
-using datea = Kind<CS_TYPE_DATE, CS_DATE, com__dateatochar>;
-using timea = Kind<CS_TYPE_TIME, CS_TIME, com__timeatochar>;
-using bigtime = Kind<CS_TYPE_BIGTIME, CS_BIGTIME, com__bigtimetochar>;
+using namespace comn::date_value;
 
 constexpr CS_INT no_such_type = std::numeric_limits<CS_INT>::min();
 
@@ -40,8 +24,7 @@ CS_INT lay_out(CS_INT type, const CS_VOID *src, CS_CHAR *area, CS_INT room, CS_I
                CS_CHAR **shortmonths) noexcept {
   CS_INT length = no_such_type;
   const auto write = [&]<class Of>(Of) {
-    auto value = comn::load<typename Of::Value>(src);
-    length = Of::write(&value, area, room, style, shortmonths);
+    length = Of::write(src, area, room, style, shortmonths);
     return true;
   };
   (void)((type == Kinds::code && write(Kinds{})) || ...);
@@ -65,7 +48,7 @@ CS_RETCODE write_text(COMN_CONV_PARAMETERS, CS_INT room, bool &cut, Where where)
   CS_INT length = lay_out<Kinds...>(srcfmt->datatype, src, area, size,
                                     comn_get_datetochar_fmt(context, srcfmt, destfmt),
                                     com_intl_shortmonths(context, destfmt));
-  CS_RETCODE status = length == -1 ? CS_CONV_DATEBUFFER : CS_CONV_SYNTAX;
+  CS_RETCODE status = layout_failure(length);
   if (length >= 0) {
     cut = length == 0;
     if (cut)

@@ -205,6 +205,9 @@ public:
 
   const CS_CHAR *data() const noexcept { return text; }
   CS_INT length() const noexcept { return length_; }
+  void write(CS_CHAR *dest) const noexcept {
+    std::memcpy(dest, text, static_cast<size_t>(length_));
+  }
 
 private:
   CS_CHAR text[longest_double + 2]; // with ".0"

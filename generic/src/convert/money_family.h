@@ -148,29 +148,34 @@ CS_RETCODE to_money(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept
   }
 }
 
-// The text of a value, with as many decimals as the precision of the format says: two for 0, four at
-// most.
+// The text of a value, with as many decimals as a precision says: two for 0, four at most.
 class Text {
 public:
-  Text(CS_MONEY value, CS_DATAFMT *destfmt) noexcept {
-    // Deliberate: the caller's record is mended.
-    destfmt->precision = std::max(destfmt->precision, 0);
-    const CS_INT decimals = std::min(destfmt->precision, exact::money_decimals);
+  Text(CS_MONEY value, CS_INT precision) noexcept {
+    const CS_INT decimals = std::min(precision, exact::money_decimals);
     start = com__mnytochar(&value, room, sizeof room, decimals << 8);
   }
 
   const CS_CHAR *data() const noexcept { return start; }
   CS_INT length() const noexcept { return static_cast<CS_INT>(room + sizeof room - start); }
+  void write(CS_CHAR *dest) const noexcept {
+    std::memcpy(dest, start, static_cast<size_t>(length()));
+  }
 
 private:
   CS_CHAR room[24]; // the longest text has 21
   const CS_CHAR *start;
 };
 
+// Deliberate: a negative precision is mended in the caller's record.
+inline CS_INT mended_precision(CS_DATAFMT *destfmt) noexcept {
+  return destfmt->precision = std::max(destfmt->precision, 0);
+}
+
 template <class Source>
 CS_RETCODE to_text(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                    CS_INT *destlen) noexcept {
-  const Text text(widened<Source>(src), destfmt);
+  const Text text(widened<Source>(src), mended_precision(destfmt));
   // Deliberate: a text without room is cut, where other numbers become a star.
   *destlen = std::clamp(destfmt->maxlength, 0, text.length());
   std::memcpy(dest, text.data(), static_cast<size_t>(*destlen));
@@ -180,7 +185,7 @@ CS_RETCODE to_text(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
 template <class Source>
 CS_RETCODE to_varchar(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                       CS_INT *destlen) noexcept {
-  const Text text(widened<Source>(src), destfmt);
+  const Text text(widened<Source>(src), mended_precision(destfmt));
   return record_text(text.data(), text.length(), dest, destlen);
 }
 

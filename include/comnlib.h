@@ -544,8 +544,8 @@ ZRV_CONV(comn_voidtovoid);
  * to integers   blanks (0x20), one sign, blanks, digits, blanks; a text without digits is 0. A number out
  *               of range is CS_CONV_OVERFLOW. Stored then: the nearest bound for i8, ui4 and ui8; the
  *               digits that fitted for i4; the low bytes of the number for i1, i2 and ui2, or 0 if it has
- *               no place in 32 bits. A minus is no syntax for ui4 and ui8, "-0" neither. After
- *               CS_CONV_SYNTAX the number before the fault is stored, 0 for i1, i2 and ui2.
+ *               no place in 32 bits, signed ones for i1 and i2, unsigned ones for ui2. A minus is bad
+ *               syntax for ui2, ui4 and ui8, in "-0" too. After CS_CONV_SYNTAX the number before the fault is stored, 0 for i1, i2 and ui2.
  * to bit        reads an i4; 1 unless it is 0. A failure leaves `dest` alone.
  * to floats     what strtod reads in the C locale, white space behind it aside; nothing is 0. Beyond the
  *               range the extreme is stored, CS_CONV_OVERFLOW, an infinity that is spelled out too;

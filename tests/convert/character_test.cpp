@@ -620,6 +620,20 @@ TEST(TextToVarchar, BetweenSets) {
   }
 }
 
+// The length is told before anything can go wrong.
+TEST(TextToVarchar, LengthWithoutALocale) {
+  CS_CONTEXT context{};
+  CS_DATAFMT srcfmt = make_format(CS_TYPE_CHAR, 300), destfmt = make_format(CS_TYPE_VARCHAR, 258);
+  std::string source(300, 'x');
+  CS_VARCHAR record{7, "before"};
+  CS_INT length = -1;
+  EXPECT_NULL_POINTER_CHECK(
+      "com_char.cpp", CS_FAIL,
+      comn_chartovarchar(&context, &srcfmt, source.data(), &destfmt, &record, &length));
+  EXPECT_EQ(length, 256);
+  EXPECT_EQ(record.len, 7);
+}
+
 // ---- to binary ----
 
 TEST(TextToBinary, Digits) {

@@ -418,6 +418,7 @@ CS_RETCODE to_varchar(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destf
   constexpr CS_INT room = sizeof(CS_VARCHAR::str);
   auto *const record = static_cast<CS_BYTE *>(dest);
   CS_BYTE *const text = record + offsetof(CS_VARCHAR, str);
+  *destlen = std::min(source.length, room);
   const Sides sides(context, srcfmt, destfmt);
   if (!sides.are_there()) [[unlikely]]
     return raise_null(where);

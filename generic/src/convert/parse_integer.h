@@ -107,10 +107,12 @@ ParsedInteger<Integer> parse_integer(Text text) noexcept {
 }
 
 // Integers of 8 and 16 bits are read as 32-bit ones. A number out of their range leaves its low bytes;
-// what is no 32-bit number leaves 0.
+// what is no 32-bit number leaves 0. Deliberate: the unsigned 16-bit type is read as an unsigned integer,
+// to which a minus is bad syntax; tinyint is read as a signed one, and takes "-0".
 template <class Integer, class Text>
 ParsedInteger<Integer> parse_narrow_integer(Text text) noexcept {
-  const ParsedInteger<CS_INT> wide = parse_integer<CS_INT>(text);
+  using Wide = std::conditional_t<std::is_same_v<Integer, CS_USMALLINT>, CS_UINT, CS_INT>;
+  const ParsedInteger<Wide> wide = parse_integer<Wide>(text);
   if (wide.status != parse_done)
     return {0, wide.status};
   const auto value = static_cast<Integer>(wide.value);

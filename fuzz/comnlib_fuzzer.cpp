@@ -1,14 +1,8 @@
 // Any bytes as a message file: a start answers with a told status, and a line comes out whatever the file
 // holds. The cache stays within its bound and holds together.
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <string>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
+#include "fuzz_home.h"
 #include "fuzz_input.h"
 #include "zrvcomn/charset.h"
 #include "zrvcomn/comerr.h"
@@ -16,42 +10,6 @@
 namespace {
 
 using zrvfuzz::require;
-
-// A home directory of this process, whose only file has the messages of one language.
-class Home {
-public:
-  Home() {
-    check(mkdtemp(path.data()) != nullptr);
-    setenv("ZARVEK", path.c_str(), 1);
-    for (const char *folder : {"/locales", "/locales/message", "/locales/message/x"})
-      check(mkdir((path + folder).c_str(), 0700) == 0);
-    file = open((path + name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    check(file >= 0);
-  }
-  ~Home() {
-    close(file);
-    unlink((path + name).c_str());
-    for (const char *folder : {"/locales/message/x", "/locales/message", "/locales", ""})
-      rmdir((path + folder).c_str());
-  }
-
-  void write(const uint8_t *data, size_t size) const {
-    check(pwrite(file, data, size, 0) == static_cast<ssize_t>(size) &&
-          ftruncate(file, static_cast<off_t>(size)) == 0);
-  }
-
-private:
-  static void check(bool holds) {
-    if (!holds) {
-      std::perror("home of the fuzzer");
-      std::_Exit(1);
-    }
-  }
-
-  static constexpr const char *name = "/locales/message/x/comnlib.loc";
-  std::string path = "/tmp/zrvfuzz-XXXXXX";
-  int file = -1;
-};
 
 CS_RETCODE receive(CS_CONTEXT *, CS_CLIENTMSG *message) {
   require(message->msgstringlen >= 3 && message->msgstringlen <= 1023);
@@ -76,7 +34,7 @@ void check_cache(const CS_MESSAGE &message) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static const Home home;
+  static const zrvfuzz::Home home("locales/message/x/comnlib.loc");
   home.write(data, size);
   CsCharDesc charset{};
   CsLocCache cache{};

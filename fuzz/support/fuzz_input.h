@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 
 namespace zrvfuzz {
 
@@ -23,6 +24,24 @@ public:
   unsigned word() {
     const unsigned high = byte();
     return high << 8 | byte();
+  }
+  // A number, its lowest byte first.
+  std::int32_t number() {
+    std::uint32_t bits = 0;
+    for (unsigned shift = 0; shift < 32; shift += 8)
+      bits |= std::uint32_t{byte()} << shift;
+    return static_cast<std::int32_t>(bits);
+  }
+  // The bytes up to a NUL, which is passed, or to the end.
+  std::string text() {
+    std::string bytes;
+    while (!is_empty()) {
+      const std::uint8_t next_byte = byte();
+      if (next_byte == 0)
+        break;
+      bytes += static_cast<char>(next_byte);
+    }
+    return bytes;
   }
 
 private:

@@ -19,6 +19,13 @@ SECTION = re.compile(r"\[([a-z]+)\]")
 HEAD = re.compile(r"([0-9]+) ([0-9A-Z]{5})")
 ROW = re.compile(r"([a-z_]+(?: [a-z_]+)*): (\S.*)")
 MARK = re.compile(r"%(?:s|ld|[1-9]!)")
+# Letters that the 8-bit sets of a language lack, and those that have always stood for them there: texts
+# have to be legible in every set in which a language is used.
+SPELLINGS = str.maketrans({
+    "ș": "ş", "ț": "ţ", "Ș": "Ş", "Ț": "Ţ",  # Romanian in iso88592
+    "\N{MODIFIER LETTER APOSTROPHE}": "'",   # Ukrainian in cp1251 and iso88595
+    "\N{HEBREW PUNCTUATION GERESH}": "'",    # in iso88598
+})
 LONGEST_LINE = 1023
 LONGEST_VALUE = 1024
 
@@ -111,11 +118,11 @@ class Messages:
 
 
 def write_files(folder, name, file_of):
-    """Writes a file of the name into the directory of each language."""
+    """Writes a file of the name into the directory of each language, spelled as all its sets can have it."""
     for language in languages():
         path = Path(folder, language, name)
         path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(file_of(language), encoding="utf-8")
+        path.write_text(file_of(language).translate(SPELLINGS), encoding="utf-8")
 
 
 def main():

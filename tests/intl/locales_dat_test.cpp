@@ -1,5 +1,7 @@
 // The shipped locales: every row loads, says what it must, and leaves nothing behind.
 #include <cstdlib>
+#include <cstring>
+#include <set>
 #include <vector>
 
 #include "allocation_probe.h"
@@ -69,6 +71,67 @@ TEST_F(ShippedLocales, TextsComeInTheCharacterSetOfTheLocale) {
   EXPECT_EQ(month(family, family.loaded("ru_RU.KOI8-R"), 4), "\xCD\xC1\xD1");
   EXPECT_EQ(month(family, family.loaded("ja_JP.eucJP"), 0), "1\xB7\xEE");
   EXPECT_EQ(month(family, family.loaded("ja_JP.SJIS"), 0), "1\x8C\x8E");
+}
+
+// The sections and numbers of a message file.
+std::vector<CS_ERRIDX> texts_of(const std::string &path) {
+  std::vector<CS_ERRIDX> all;
+  INTL_LOCFILE file;
+  int status;
+  EXPECT_EQ(intl_open(path.c_str(), &file), 0);
+  while (const char *const section = intl_nextsection(&file, &status))
+    for (const CS_ERRSECTION &known : Comlocsections)
+      if (std::string_view(section) == known.errstr)
+        while (const char *const number = intl_nextentry(&file, &status))
+          all.push_back({known.errtag, std::atoi(number)});
+  EXPECT_EQ(intl_close(&file), 0);
+  return all;
+}
+
+// A character that the set of a locale lacks becomes a question mark, of which the texts have none.
+TEST_F(ShippedLocales, EverySetHasTheLettersOfItsLanguages) {
+  Family family;
+  family.start();
+  std::vector<CS_ERRIDX> texts = texts_of(ZRVTEST_HOME "/locales/message/us_english/comnlib.loc");
+  EXPECT_GE(texts.size(), 20U);
+  std::set<const CS_MESSAGE *> seen; // one for each language in each set
+  for (const std::string &name : names()) {
+    CsLocCache *const cache = family.loaded(name);
+    ASSERT_NE(cache, nullptr);
+    if (!seen.insert(cache->locmessage).second)
+      continue;
+    CS_LOCALE locale = Family::locale_of(cache);
+    char buffer[100];
+    CS_INT length = 0;
+    const auto expect_legible = [&](CS_RETCODE result, CS_INT number) {
+      EXPECT_EQ(result, CS_SUCCEED);
+      const std::string_view text(buffer, static_cast<size_t>(length));
+      EXPECT_FALSE(text.empty());
+      EXPECT_EQ(text.find('?'), text.npos) << name << ", month or day " << number << ": " << text;
+    };
+    for (CS_INT month = 0; month < 12; ++month)
+      for (const CS_INT type : {COM_DT_MONTH, COM_DT_SHORTMONTH})
+        expect_legible(
+            comn_intl_month(&family.context, &locale, type, month, buffer, sizeof buffer, &length),
+            month);
+    for (CS_INT day = 0; day < 7; ++day)
+      expect_legible(comn_intl_day(&family.context, &locale, COM_DT_DAYNAME, day, buffer,
+                                   sizeof buffer, &length),
+                     day);
+
+    MutableText file("comnlib.loc");
+    CS_ERRHAN messages = {&locale, file};
+    ASSERT_EQ(com_err_init(&family.context, &messages, const_cast<CS_ERRSECTION *>(Comlocsections),
+                           4, texts.data(), static_cast<CS_INT>(texts.size())),
+              CS_SUCCEED);
+    for (CS_ERRIDX &index : texts) {
+      CS_CHAR *text = nullptr;
+      ASSERT_EQ(com_err_msg(&family.context, &messages, &index, &text), CS_SUCCEED) << name;
+      EXPECT_STRNE(text, "");
+      EXPECT_EQ(std::strchr(text, '?'), nullptr) << name << ": " << text;
+    }
+  }
+  EXPECT_GT(seen.size(), 80U);
 }
 
 } // namespace

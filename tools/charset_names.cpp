@@ -6,6 +6,7 @@
 
 #include "errors.h"
 #include "identifiers.h"
+#include "visible.h"
 #include "zrvcomn/comloc.h"
 
 namespace zrvtool {
@@ -35,7 +36,7 @@ CharsetName find_charset(const std::string &name) {
       return set;
     known.insert(known.end(), set.names.begin(), set.names.end());
   }
-  throw UsageError("unknown character set '" + name + "'" + suggest(name, known));
+  throw UsageError("unknown character set " + in_quotes(name) + suggest(name, known));
 }
 
 } // namespace zrvtool

@@ -10,6 +10,7 @@
 #include "status_names.h"
 #include "visible.h"
 #include "zrvcomn/numeric.h"
+#include "zrvcomn/zrvstatus.h"
 
 namespace zrvtool {
 
@@ -159,8 +160,18 @@ void Converter::show(std::string_view bytes) {
   append_hex(shown, bytes);
 }
 
+// What a status has left is shown where it means something. Beyond their range, integers, floats and
+// text have a nearest value or a star; an amount, a date and an exact numeric have nothing.
+bool Converter::leaves_result(CS_RETCODE status) const {
+  if (zrv_status_usable(status) == 0)
+    return false;
+  if (status != CS_CONV_OVERFLOW && status != CS_CONV_UNDERFLOW)
+    return true;
+  return to.layout() != Layout::exact && to.layout() != Layout::other;
+}
+
 Outcome Converter::convert(std::string_view value) {
-  Outcome outcome{read(value), true, 0, {}, {}};
+  Outcome outcome{read(value), true, false, 0, {}, {}};
   if (!is_success(outcome.status)) {
     outcome.was_read = false;
     return outcome;
@@ -175,6 +186,9 @@ Outcome Converter::convert(std::string_view value) {
   std::memset(dest_bytes.data(), 0, scratch_bytes);
   outcome.status = member(context.get(), &source_format, source, &dest_format, dest_bytes.data(),
                           &outcome.length);
+  outcome.is_usable = leaves_result(outcome.status);
+  if (!outcome.is_usable)
+    return outcome;
   outcome.bytes = used_bytes(outcome.length);
   show(outcome.bytes);
   outcome.text = shown;

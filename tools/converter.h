@@ -17,6 +17,7 @@ namespace zrvtool {
 struct Outcome {
   CS_RETCODE status;
   bool was_read;          // false: `status` tells why the text is no value of the source type
+  bool is_usable;         // there is a result to show, if only a part of it or the nearest one
   CS_INT length;          // as the library reports it, in bytes
   std::string_view bytes; // the bytes of the result that are in use
   std::string_view text;  // the result as a text; "0x..." where it has none
@@ -33,6 +34,7 @@ public:
 private:
   CS_RETCODE read(std::string_view value);
   std::string_view used_bytes(CS_INT length) const;
+  bool leaves_result(CS_RETCODE status) const;
   void show(std::string_view bytes);
 
   Context context;

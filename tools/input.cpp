@@ -1,6 +1,7 @@
 // Reading of lines in large blocks, and of CSV records line by line on top of it.
 #include "input.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -25,10 +26,10 @@ public:
     file = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat status {};
     if (file < 0 || fstat(file, &status) != 0)
-      throw UsageError("cannot open '" + path + "': " + std::strerror(errno));
+      throw UsageError("cannot open " + in_quotes(path) + ": " + std::strerror(errno));
     if (S_ISDIR(status.st_mode)) {
       close_file();
-      throw UsageError("cannot read '" + path + "': it is a directory");
+      throw UsageError("cannot read " + in_quotes(path) + ": it is a directory");
     }
     is_regular = S_ISREG(status.st_mode);
     if (is_regular)
@@ -153,11 +154,12 @@ private:
 // hold line feeds.
 class CsvInput : public Input {
 public:
-  CsvInput(const std::string &path, const std::string &column, BadRecord bad,
+  CsvInput(const std::string &path, const std::string &column, char delimiter, BadRecord bad,
            BeforeWait before_wait)
       : reader(path, std::move(before_wait)), bad_record(std::move(bad)), wanted(column) {
     if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI) != 0)
       throw std::bad_alloc();
+    csv_set_delim(&parser, static_cast<unsigned char>(delimiter));
     // Blanks around a field are part of it.
     csv_set_space_func(&parser, [](unsigned char) { return 0; });
     try {
@@ -173,12 +175,14 @@ public:
 
   bool next(InputValue &value) override {
     while (next_record()) {
+      if (fields.size() != width)
+        bad_record(record_line, "the record has " + std::to_string(fields.size()) + " of " +
+                                    std::to_string(width) + " fields" +
+                                    (index < fields.size() ? "" : ", and no " + in_quotes(wanted)));
       if (index < fields.size()) {
         value = {fields[index], record_line};
         return true;
       }
-      bad_record(record_line, "the record has " + std::to_string(fields.size()) + " of " +
-                                  std::to_string(width) + " fields, no '" + wanted + "'");
     }
     return false;
   }
@@ -191,21 +195,24 @@ public:
 private:
   void find_column() {
     if (!next_record())
-      throw UsageError("'" + reader.display_name() +
-                       "' is empty: the first line names the columns");
+      throw UsageError(in_quotes(reader.display_name()) +
+                       " is empty: the first line names the columns");
     constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
     if (fields[0].starts_with(byte_order_mark))
       fields[0].erase(0, byte_order_mark.size());
     width = fields.size();
-    for (index = 0; index < width; ++index)
-      if (fields[index] == wanted)
-        return;
-    std::string message =
-        "no column '" + wanted + "' in '" + reader.display_name() + "', which has";
-    for (size_t i = 0; i < width; ++i) {
-      message += i == 0 ? " " : ", ";
-      append_visible(message, fields[i]);
+    const auto found = std::find(fields.begin(), fields.end(), wanted);
+    index = static_cast<size_t>(found - fields.begin());
+    if (found != fields.end()) {
+      if (std::find(found + 1, fields.end(), wanted) != fields.end())
+        throw UsageError("two columns of " + in_quotes(reader.display_name()) + " have the name " +
+                         in_quotes(wanted));
+      return;
     }
+    std::string message = "no column " + in_quotes(wanted) + " in " +
+                          in_quotes(reader.display_name()) + ", which has";
+    for (size_t i = 0; i < width; ++i)
+      message += (i == 0 ? " " : ", ") + in_quotes(fields[i]);
     throw UsageError(message);
   }
 
@@ -226,8 +233,10 @@ private:
       if (has_stray_return)
         throw StreamError(place(reader.line_number()) + ": a carriage return inside the line");
       if (!is_complete && line.find_first_not_of("\r\n") == std::string_view::npos &&
-          fields_used == 0 && !in_quotes())
-        record_line = 0; // a blank line is no record
+          fields_used == 0 && !is_quoting()) {
+        bad_record(record_line, "the line is blank");
+        record_line = 0;
+      }
     }
     if (!is_complete && csv_fini(&parser, on_field, on_record, this) != 0)
       fail(record_line);
@@ -236,7 +245,7 @@ private:
   }
 
   // True when the line was blank only because it stands inside quotes.
-  bool in_quotes() const { return parser.quoted != 0; }
+  bool is_quoting() const { return parser.quoted != 0; }
 
   [[noreturn]] void fail(uint64_t line) {
     throw StreamError(place(line) + ": " +
@@ -269,17 +278,26 @@ private:
 
 } // namespace
 
-std::unique_ptr<Input> arguments_input(std::vector<std::string> values) {
-  return std::make_unique<ArgumentsInput>(std::move(values));
+Values::Values(const std::vector<std::string> &given, const std::vector<std::string> &behind_dashes,
+               const char *none)
+    : words(given), are_lines(std::find(given.begin(), given.end(), "-") != given.end()) {
+  words.insert(words.end(), behind_dashes.begin(), behind_dashes.end());
+  if (words.empty())
+    throw UsageError(none);
+  if (are_lines && words.size() > 1)
+    throw UsageError("'-' for standard input excludes other values");
 }
 
-std::unique_ptr<Input> lines_input(BeforeWait before_wait) {
-  return std::make_unique<LinesInput>(std::move(before_wait));
+std::unique_ptr<Input> values_input(const Values &values, BeforeWait before_wait) {
+  if (values.are_lines)
+    return std::make_unique<LinesInput>(std::move(before_wait));
+  return std::make_unique<ArgumentsInput>(values.words);
 }
 
-std::unique_ptr<Input> csv_input(const std::string &path, const std::string &column,
+std::unique_ptr<Input> csv_input(const std::string &path, const std::string &column, char delimiter,
                                  BadRecord bad_record, BeforeWait before_wait) {
-  return std::make_unique<CsvInput>(path, column, std::move(bad_record), std::move(before_wait));
+  return std::make_unique<CsvInput>(path, column, delimiter, std::move(bad_record),
+                                    std::move(before_wait));
 }
 
 } // namespace zrvtool

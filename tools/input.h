@@ -40,12 +40,23 @@ using BeforeWait = std::function<void()>;
 // Called with the line and the fault of a CSV record that has no such column.
 using BadRecord = std::function<void(uint64_t, const std::string &)>;
 
-std::unique_ptr<Input> arguments_input(std::vector<std::string> values);
-std::unique_ptr<Input> lines_input(BeforeWait before_wait);
+// The values of a command line. "-" alone among `words` stands for the lines of standard input; those
+// behind "--" are values whatever they look like. Throws UsageError, with `none` where there are no
+// values at all.
+struct Values {
+  Values() = default;
+  Values(const std::vector<std::string> &words, const std::vector<std::string> &behind_dashes,
+         const char *none = "no values: give some, or '-' for standard input");
+
+  std::vector<std::string> words;
+  bool are_lines = false;
+};
+
+std::unique_ptr<Input> values_input(const Values &values, BeforeWait before_wait);
 
 // Reads `path`, or standard input for "-". Throws UsageError when the file or the column is not
-// there.
-std::unique_ptr<Input> csv_input(const std::string &path, const std::string &column,
+// there, or the column is there twice.
+std::unique_ptr<Input> csv_input(const std::string &path, const std::string &column, char delimiter,
                                  BadRecord bad_record, BeforeWait before_wait);
 
 } // namespace zrvtool

@@ -7,7 +7,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "subcommand.h"
+#include "visible.h"
 #include "zrvcomn/comnlib.h"
 
 using namespace zrvtool;
@@ -22,9 +24,9 @@ std::string version_text() {
   return "zrvcomn " ZRVTOOL_VERSION " (library " + std::to_string(version) + ")";
 }
 
-// Reports wrong usage on one line.
+// Reports wrong usage on one line, which commands no terminal.
 int report_usage(const std::string &command, std::string message) {
-  std::replace(message.begin(), message.end(), '\n', ' ');
+  std::erase_if(message, [](char c) { return c >= 0 && c < ' '; });
   std::cerr << command << ": " << message << " (see " << command << " --help)\n";
   return exit_usage;
 }
@@ -34,14 +36,44 @@ bool has_positionals(const CLI::App &app) {
               .empty();
 }
 
+// True where any number of values may stand.
+bool takes_values(const CLI::App &app) {
+  return !app.get_options([](const CLI::Option *option) {
+               return option->get_positional() && option->get_items_expected_max() > 1;
+             })
+              .empty();
+}
+
+Words option_names(const CLI::App &app) {
+  Words names;
+  for (const CLI::Option *option : app.get_options())
+    for (const std::string &name : option->get_lnames())
+      names.push_back("--" + name);
+  return names;
+}
+
+// What the parser says is wrong. A word that it does not know may be the reason for one that it misses,
+// so that comes first.
+std::string fault_of(const CLI::App &app, const CLI::ParseError &error) {
+  const Words unknown = app.remaining();
+  if (unknown.empty())
+    return error.what();
+  const std::string &word = unknown.front();
+  if (!word.starts_with('-'))
+    return "unexpected word " + in_quotes(word);
+  return "there is no option " + in_quotes(word) + suggest(word, option_names(app)) +
+         (takes_values(app) ? "; values that begin with '-' stand behind '--'" : "");
+}
+
 int run(int argc, char **argv) {
   CLI::App program("Uses and inspects the common library of datatypes and conversions.", "zrvcomn");
-  program.set_version_flag("--version", version_text());
+  program.set_version_flag("-V,--version", version_text());
   program.require_subcommand(0, 1);
   program.get_option("--version")->description("Print the version and exit");
   program.footer("Examples:\n"
                  "  zrvcomn convert --from smallint --to tinyint -- -1 300 42\n"
                  "  zrvcomn types --from int\n"
+                 "\nzrvcomn help COMMAND tells more of each.\n"
                  "\nExit codes: 0 all values converted, 1 some failed, 2 wrong usage.");
 
   Subcommand::Run chosen;
@@ -54,10 +86,19 @@ int run(int argc, char **argv) {
   }
 
   std::string command_name = "zrvcomn";
+  // "help convert" is "convert --help".
+  std::vector<char *> words(argv, argv + argc);
+  char help[] = "--help";
+  if (argc > 1 && argv[1] == std::string("help")) {
+    words.erase(words.begin() + 1);
+    words.insert(words.begin() + (words.size() > 1 ? 2 : 1), help);
+    argv = words.data();
+  }
   if (argc > 1 && argv[1][0] != '-') {
     const std::string word = argv[1];
     if (std::find(names.begin(), names.end(), word) == names.end())
-      return report_usage(command_name, "unknown command '" + word + "'" + suggest(word, names));
+      return report_usage(command_name,
+                          "unknown command " + in_quotes(word) + suggest(word, names));
     command_name += " " + word;
   }
 
@@ -70,19 +111,14 @@ int run(int argc, char **argv) {
     if (!chosen)
       throw UsageError("a command is needed: " + CLI::detail::join(names, ", "));
     if (!values.empty() && !has_positionals(*program.get_subcommands()[0]))
-      throw UsageError("unexpected word '" + values[0] + "'");
+      throw UsageError("unexpected word " + in_quotes(values[0]));
     return chosen(values);
   } catch (const CLI::Success &success) {
     return program.exit(success);
-  } catch (const CLI::ExtrasError &error) {
+  } catch (const CLI::ParseError &error) {
     const CLI::App *const app =
         program.get_subcommands().empty() ? &program : program.get_subcommands()[0];
-    return report_usage(
-        command_name,
-        std::string(error.what()) +
-            (has_positionals(*app) ? "; values that begin with '-' stand behind '--'" : ""));
-  } catch (const CLI::ParseError &error) {
-    return report_usage(command_name, error.what());
+    return report_usage(command_name, fault_of(*app, error));
   } catch (const UsageError &error) {
     return report_usage(command_name, error.what());
   } catch (const StreamError &error) {

@@ -64,6 +64,7 @@ namespace {
 
 // Rows that are laid out together; the columns of a longer table only ever grow.
 constexpr size_t batch_rows = 256;
+constexpr size_t batch_bytes = 256 * 1024;
 // A longer cell sticks out rather than to push all others aside.
 constexpr size_t widest_column = 40;
 
@@ -83,20 +84,25 @@ void Rows::add(const Row &row) {
     return add_plain(row);
   if (style == RowStyle::json)
     return add_json(row);
+  if (style == RowStyle::lines)
+    return add_line(row);
   Cells &cells = batch[batched++];
   cells.value.clear();
   cells.result.clear();
   cells.length.clear();
   cells.hex.clear();
   append_visible(cells.value, row.value);
-  if (row.was_read) {
-    append_visible(cells.result, row.result);
-    cells.length = std::to_string(row.length);
-    append_hex(cells.hex, row.bytes);
+  if (row.result) {
+    append_visible(cells.result, *row.result);
+    if (with_hex)
+      append_hex(cells.hex, row.bytes);
   }
+  if (row.length)
+    cells.length = std::to_string(*row.length);
   cells.status = status_name(row.status);
   cells.failed = !is_success(row.status);
-  if (batched == batch.size())
+  batched_bytes += cells.value.size() + cells.result.size() + cells.hex.size();
+  if (batched == batch.size() || batched_bytes > batch_bytes)
     settle();
 }
 
@@ -126,7 +132,9 @@ void Rows::settle() {
     columns(batch[row], list);
     lay_out(list, batch[row].failed ? red : nullptr);
   }
-  batched = 0;
+  if (batched_bytes > batch_bytes) // long cells do not stay
+    std::fill_n(batch.begin(), batched, Cells());
+  batched = batched_bytes = 0;
 }
 
 void Rows::lay_out(const std::string *const (&cells)[column_count], const char *colour) {
@@ -152,19 +160,25 @@ void Rows::lay_out(const std::string *const (&cells)[column_count], const char *
 void Rows::add_plain(const Row &row) {
   append_visible(out.text, row.value);
   out.text += '\t';
-  if (row.was_read) {
-    append_visible(out.text, row.result);
-    out.text += '\t';
-    out.text += std::to_string(row.length);
-  } else {
-    out.text += '\t';
-  }
+  if (row.result)
+    append_visible(out.text, *row.result);
+  out.text += '\t';
+  if (row.length)
+    out.text += std::to_string(*row.length);
   if (with_hex) {
     out.text += '\t';
-    append_hex(out.text, row.bytes);
+    if (row.result)
+      append_hex(out.text, row.bytes);
   }
   out.text += '\t';
   out.text += status_name(row.status);
+  out.text += '\n';
+  out.settle();
+}
+
+void Rows::add_line(const Row &row) {
+  if (row.result)
+    out.text += *row.result;
   out.text += '\n';
   out.settle();
 }
@@ -189,13 +203,14 @@ void Rows::add_json(const Row &row) {
   out.text += "{\"line\":" + std::to_string(row.line) + ",\"value\":";
   append_json(out.text, row.value);
   out.text += ",\"result\":";
-  if (row.was_read) {
-    append_json(out.text, row.result);
-    out.text += ",\"length\":" + std::to_string(row.length);
-  } else {
-    out.text += "null,\"length\":null";
-  }
-  if (with_hex && row.was_read) {
+  if (!row.result)
+    out.text += "null";
+  else if (row.is_number)
+    out.text += *row.result;
+  else
+    append_json(out.text, *row.result);
+  out.text += ",\"length\":" + (row.length ? std::to_string(*row.length) : "null");
+  if (with_hex && row.result) {
     out.text += ",\"hex\":\"";
     append_hex(out.text, row.bytes);
     out.text += '"';

@@ -34,17 +34,22 @@ private:
   bool terminal, colour;
 };
 
-enum class RowStyle { table, plain, json };
+enum class RowStyle {
+  lines, // the results alone; an empty line for one that is missing
+  table, // columns that are aligned, under a header
+  plain, // columns with tabs between, without a header
+  json,  // JSON Lines
+};
 
 // One row of results.
 struct Row {
   uint64_t line;
   std::string_view value;
-  bool was_read; // without it there is no result
-  std::string_view result;
-  CS_INT length;
-  std::string_view bytes;
+  std::optional<std::string_view> result;
+  std::optional<CS_INT> length;
+  std::string_view bytes; // of the result
   CS_RETCODE status;
+  bool is_number = false; // the result is one, and stands in JSON as such
 };
 
 class Rows {
@@ -62,6 +67,7 @@ private:
   };
   static constexpr size_t column_count = 5;
 
+  void add_line(const Row &row);
   void add_plain(const Row &row);
   void add_json(const Row &row);
   void lay_out(const std::string *const (&cells)[column_count], const char *colour);
@@ -71,7 +77,7 @@ private:
   bool with_hex;
   bool has_header = false;
   std::vector<Cells> batch;
-  size_t batched = 0;
+  size_t batched = 0, batched_bytes = 0;
   size_t widths[column_count] = {};
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "errors.h"
+#include "visible.h"
 
 namespace zrvtool {
 
@@ -72,7 +73,7 @@ Recoder::Recoder(int from_cid, const std::string &from_name, int to_cid, const s
       // Where it shifts, the byte is no character.
       has_shifts(!from.is_wide() && from.decode(std::string(1, shift_out)).text.empty()) {
   if (to.encode(substitute).status != UNICONV_SUCCEED)
-    throw UsageError("'" + the_substitute + "' is not in " + to_name);
+    throw UsageError(in_quotes(the_substitute) + " is not in " + to_name);
 }
 
 std::u16string Recoder::text_of(const std::string &utf8) const {

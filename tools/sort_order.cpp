@@ -8,6 +8,7 @@
 
 #include "errors.h"
 #include "status_names.h"
+#include "visible.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
 
@@ -58,10 +59,10 @@ SortOrder::SortOrder(const std::string &charset, const std::string &name) {
     throw StreamError("cannot load " + file.string() + ": " + status_name(status) +
                       " (zrvcomn sort --check tells why)");
   if (!std::filesystem::is_directory(directory))
-    throw UsageError("there is no character set '" + charset + "'" +
+    throw UsageError("there is no character set " + in_quotes(charset) +
                      suggest(charset, names_in(directory.parent_path(), "")));
-  throw UsageError("the character set '" + charset + "' has no sort order '" + name + "'" +
-                   suggest(name, names_in(directory, ".srt")));
+  throw UsageError("the character set " + in_quotes(charset) + " has no sort order " +
+                   in_quotes(name) + suggest(name, names_in(directory, ".srt")));
 }
 
 SortOrder::~SortOrder() {

@@ -21,7 +21,7 @@ namespace {
 struct SectionFile {
   explicit SectionFile(const std::string &path) {
     if (intl_open(path.c_str(), &file) < 0)
-      throw UsageError("cannot open '" + path + "'");
+      throw UsageError("cannot open " + in_quotes(path));
   }
   ~SectionFile() { intl_close(&file); }
   SectionFile(const SectionFile &) = delete;

@@ -3,6 +3,7 @@
 
 #include "errors.h"
 #include "identifiers.h"
+#include "visible.h"
 #include "zrvcomn/charset.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
@@ -96,7 +97,7 @@ CsLocCache *Started::required(const std::string &name) {
   std::string why_not;
   CsLocCache *const cache = load(name, why_not);
   if (cache == nullptr)
-    throw StreamError("cannot load the locale '" + name + "': " + why_not +
+    throw StreamError("cannot load the locale " + in_quotes(name) + ": " + why_not +
                       " (zrvcomn locale list shows all names)");
   return cache;
 }

@@ -2,10 +2,11 @@
 #include "type_names.h"
 
 #include <algorithm>
-#include <charconv>
 #include <string_view>
 
+#include "arguments.h"
 #include "errors.h"
+#include "visible.h"
 
 namespace zrvtool {
 
@@ -39,7 +40,7 @@ constexpr std::array<TypeInfo, CS_TYPE_COUNT> types = {{
     {CS_TYPE_SENSITIVITY,    "sensitivity",    text,      {}},
     {CS_TYPE_BOUNDARY,       "boundary",       text,      {}},
     {CS_TYPE_VOID,           "void",           other,     {}},
-    {CS_TYPE_USHORT,         "ushort",         other,     {}},
+    {CS_TYPE_USHORT,         "ushort",         integer,   {}},
     {CS_TYPE_UNICHAR,        "unichar",        unitext,   {}},
     {CS_TYPE_BLOB,           "blob",           other,     {}},
     {CS_TYPE_DATE,           "date",           other,     {}},
@@ -82,34 +83,24 @@ std::string trimmed(std::string_view part) {
   return std::string(part.substr(begin, part.find_last_not_of(blanks) - begin + 1));
 }
 
-std::string lower_case(std::string word) {
-  for (char &c : word)
-    if (c >= 'A' && c <= 'Z')
-      c = static_cast<char>(c - 'A' + 'a');
-  return word;
-}
-
+// By its name, an alias or its code.
 const TypeInfo *find_type(const std::string &name) {
   for (const TypeInfo &info : types)
-    if (name == info.name || std::any_of(info.aliases.begin(), info.aliases.end(),
-                                         [&](const char *alias) { return alias && name == alias; }))
+    if (name == info.name || name == std::to_string(info.code) ||
+        std::any_of(info.aliases.begin(), info.aliases.end(),
+                    [&](const char *alias) { return alias && name == alias; }))
       return &info;
   return nullptr;
 }
 
 CS_INT parse_number(std::string_view digits, CS_INT low, CS_INT high, const std::string &what) {
-  const std::string text = trimmed(digits);
-  CS_INT number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || number < low || number > high)
-    throw UsageError(what + " is '" + text + "', not a number from " + std::to_string(low) +
-                     " to " + std::to_string(high));
-  return number;
+  return decimal(what, trimmed(digits), low, high);
 }
 
 void parse_parameters(Type &type, std::string_view inside) {
   const std::string name = type.info->name;
   const size_t comma = inside.find(',');
+  type.is_bare = false;
   switch (type.layout()) {
   case exact:
     type.precision =
@@ -121,11 +112,13 @@ void parse_parameters(Type &type, std::string_view inside) {
     return;
   case text:
   case binary:
-  case varchar:
-  case varbinary:
   case unitext:
     type.length = parse_number(inside, 0, longest_length, "the length of " + name);
     return;
+  case varchar:
+  case varbinary:
+    throw UsageError("the type " + name +
+                     " takes nothing in parentheses: a record has room for 256 bytes");
   default:
     throw UsageError("the type " + name + " takes nothing in parentheses");
   }
@@ -137,17 +130,26 @@ const std::array<TypeInfo, CS_TYPE_COUNT> &builtin_types() {
   return types;
 }
 
+std::string Type::full_name() const {
+  std::string name = info->name;
+  if (layout() == exact)
+    name += "(" + std::to_string(precision) + "," + std::to_string(scale) + ")";
+  else if (length)
+    name += "(" + std::to_string(*length) + ")";
+  return name;
+}
+
 Type parse_type(const std::string &description) {
   const std::string text = lower_case(trimmed(description));
   const size_t open = text.find('(');
   const std::string name = trimmed(std::string_view(text).substr(0, open));
   const TypeInfo *const info = find_type(name);
   if (info == nullptr)
-    throw UsageError("unknown type '" + name + "'" + suggest(name, all_type_names()));
-  Type type{info, std::nullopt, default_precision, default_scale};
+    throw UsageError("unknown type " + in_quotes(name) + suggest(name, all_type_names()));
+  Type type{info, std::nullopt, default_precision, default_scale, true};
   if (open != std::string::npos) {
     if (text.back() != ')')
-      throw UsageError("the type '" + text + "' lacks its closing parenthesis");
+      throw UsageError("the type " + in_quotes(text) + " lacks its closing parenthesis");
     parse_parameters(type, std::string_view(text).substr(open + 1, text.size() - open - 2));
   }
   return type;

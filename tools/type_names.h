@@ -40,12 +40,15 @@ struct Type {
   std::optional<CS_INT> length; // bytes
   CS_INT precision;
   CS_INT scale;
+  bool is_bare; // nothing stood in parentheses
 
   CS_INT code() const { return info->code; }
   Layout layout() const { return info->layout; }
+  // "int", or "numeric(18,0)".
+  std::string full_name() const;
 };
 
-// Throws UsageError, which says what is wrong. Case does not count.
+// By name, alias or code. Throws UsageError, which says what is wrong. Case does not count.
 Type parse_type(const std::string &text);
 
 // The names and aliases of all types.

@@ -86,6 +86,13 @@ void append_visible(std::string &out, std::string_view bytes) {
   }
 }
 
+std::string in_quotes(std::string_view bytes) {
+  constexpr size_t longest = 60;
+  std::string text = "'";
+  append_visible(text, bytes.substr(0, longest));
+  return text + (bytes.size() > longest ? "...'" : "'");
+}
+
 size_t count_characters(std::string_view text) {
   return static_cast<size_t>(
       std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));

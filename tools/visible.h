@@ -12,6 +12,9 @@ namespace zrvtool {
 // control character and every byte that is no UTF-8 becomes \xHH.
 void append_visible(std::string &out, std::string_view bytes);
 
+// The same in quotes for a message, and no more than the first 60 bytes.
+std::string in_quotes(std::string_view bytes);
+
 void append_hex(std::string &out, std::string_view bytes);
 
 // The number of characters of a UTF-8 text.

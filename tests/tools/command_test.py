@@ -89,7 +89,7 @@ class Command(unittest.TestCase):
                    "2147483648\t\t\t\tCS_CONV_OVERFLOW\n"
                    "7\t7\t1\t37\tCS_SUCCEED\n",
                    "zrvcomn convert: value 2: 'x1' is no int: CS_CONV_SYNTAX\n"
-                   "zrvcomn convert: value 3: '2147483648' is no int: CS_CONV_OVERFLOW\n")
+                   "zrvcomn convert: value 3: '2147483648' does not fit int: CS_CONV_OVERFLOW\n")
 
     # Both bounds of every integer, and one step beyond each.
     def test_integer_bounds(self):
@@ -170,10 +170,15 @@ class Command(unittest.TestCase):
         self.check(convert("numeric(5,2)", "numeric(5,2)", "--total", "--", "0.10", "-0.25", "7"), 0,
                    "6.85\n")
         self.check(convert("int", "numeric(77)", "--total", "1"), 0, "1\n")
-        result = convert("numeric(77)", "numeric(77)", "--total", "9" * 77, "1", "x")
-        self.assertEqual((result.code, result.out), (1, "9" * 77 + "\n"))
-        self.assertIn("CS_CONV_OVERFLOW", result.err)
-        self.assertIn("CS_CONV_SYNTAX", result.err)
+        self.check(convert("numeric(77)", "numeric(77)", "--total", "9" * 77), 0, "9" * 77 + "\n")
+        # It is whole or it is none, and the message blames what is to blame.
+        self.check(convert("numeric(77)", "numeric(77)", "--total", "9" * 77, "1"), 1, "",
+                   "zrvcomn convert: --total: the sum does not fit a numeric: CS_CONV_OVERFLOW\n")
+        self.check(convert("numeric(5,2)", "numeric(5,2)", "--total", "1", "x", "2"), 1, "",
+                   "zrvcomn convert: value 2: 'x' is no numeric(5,2): CS_CONV_SYNTAX\n"
+                   "zrvcomn convert: --total: there is no sum: 1 value is missing in it\n")
+        # That of nothing has the scale of its type.
+        self.check(convert("int", "numeric(5,2)", "--total", "-"), 0, "0.00\n")
         self.check_usage(convert("int", "bigint", "--total", "1"), "--total", "bigint")
 
     # Words behind '--' are values, in addition to those before it; a number needs none.
@@ -210,7 +215,12 @@ class Command(unittest.TestCase):
         row = fields(convert("int", "binary", "--plain", "--maxlength", "2", "258"))[0]
         self.assertEqual(row[1:], ["0x0201", "2", "CS_CONV_TRUNCATED"])
         for destination in ("int", "varchar", "varbinary"):
-            self.assertEqual(convert("int", destination, "--maxlength", "0", "5").code, 0)
+            self.check_usage(convert("int", destination, "--maxlength", "0", "5"), "--maxlength",
+                             destination + " has a fixed width")
+            self.check_usage(convert("int", destination, "--format", "padblank", "5"), "--format",
+                             destination + " has a fixed width")
+        for source, destination in (("int", "char"), ("char", "binary")):
+            self.check_usage(convert(source, destination, "--format", "escquote", "5"), "escquote")
         row = fields(convert("int", "char", "--plain", "--maxlength", "0", "5"))[0]
         self.assertEqual(row[1:], ["", "0", "CS_CONV_OVERFLOW"])
 
@@ -254,6 +264,14 @@ class Command(unittest.TestCase):
         self.check_usage(zrvcomn("--nonsense"), "--nonsense")
         self.check_usage(zrvcomn("convert", "--to", "int", "1"), "--from is required")
         self.check_usage(zrvcomn("convert", "--from", "int", "1"), "--to is required")
+        # A misspelled option is named, even where a required one is missing because of it.
+        self.check_usage(zrvcomn("convert", "--form", "int", "--to", "int", "1"),
+                         "there is no option '--form'; did you mean '--from'?")
+        self.check_usage(zrvcomn("types", "--hexx"), "there is no option '--hexx'")
+        # Words of the user are cut and command no terminal.
+        self.check_usage(convert("\x1b[31m" + 100 * "x", "int", "1"),
+                         "unknown type '\\x1b[31m" + 55 * "x" + "...'")
+        self.check_usage(convert("varchar(5)", "int", "1"), "varchar takes nothing in parentheses")
         self.check_usage(convert("int", "int"), "no values")
         self.check_usage(convert("int", "int", "--nonsense", "1"), "--nonsense")
         self.check_usage(convert("char", "binary", "1", "-f"), "-f", "behind '--'")
@@ -364,7 +382,27 @@ class Command(unittest.TestCase):
         self.assertEqual((result.code, result.out),
                          (1, "2\t2\t1\tCS_SUCCEED\n4\t4\t1\tCS_SUCCEED\n"))
         self.assertEqual(result.err, f"zrvcomn convert: {self.scratch}/data.csv:3: "
-                                     "the record has 1 of 2 fields, no 'n'\n")
+                                     "the record has 1 of 2 fields, and no 'n'\n")
+
+    # Nothing about a record is passed over: what is there is converted all the same.
+    def test_csv_odd_records(self):
+        result = self.csv(b"m,n\n1,2,3\n\n3,4\n")
+        self.assertEqual((result.code, result.out),
+                         (1, "2\t2\t1\tCS_SUCCEED\n4\t4\t1\tCS_SUCCEED\n"))
+        self.assertEqual(result.err,
+                         f"zrvcomn convert: {self.scratch}/data.csv:2: "
+                         "the record has 3 of 2 fields\n"
+                         f"zrvcomn convert: {self.scratch}/data.csv:3: the line is blank\n")
+        self.check_usage(self.csv(b"n,m,n\n1,2,3\n"), "two columns", "'n'")
+
+    def test_csv_delimiter(self):
+        result = self.csv(b"m;n\n1;2\n", "--delimiter", ";")
+        self.assertEqual((result.code, result.out), (0, "2\t2\t1\tCS_SUCCEED\n"))
+        result = self.csv(b"m\tn\n1\t2\n", "--delimiter", "\\t")
+        self.assertEqual((result.code, result.out), (0, "2\t2\t1\tCS_SUCCEED\n"))
+        for wrong in ("", ";;", '"', "\n"):
+            self.check_usage(self.csv(b"n\n1\n", "--delimiter", wrong), "--delimiter")
+        self.check_usage(convert("int", "int", "--delimiter", ";", "1"), "--csv")
 
     # Broken quoting ends the file there; what came before counts.
     def test_csv_malformed(self):
@@ -382,7 +420,7 @@ class Command(unittest.TestCase):
         self.check(self.csv(b"n"), 0, "")
 
     def test_csv_wrong_usage(self):
-        self.check_usage(self.csv(b"m,n\n1,2\n", column="q"), "no column 'q'", "m, n")
+        self.check_usage(self.csv(b"m,n\n1,2\n", column="q"), "no column 'q'", "'m', 'n'")
         self.check_usage(self.csv(b""), "is empty")
         self.check_usage(convert("int", "int", "--csv", "/nowhere/x.csv", "--column", "n"),
                          "cannot open '/nowhere/x.csv': No such file or directory")
@@ -752,7 +790,7 @@ class Command(unittest.TestCase):
         path.write_text('n,name\n1,pear\n2,"an\n apple"\n3,Fig\n4\n5,"a, b"\n')
         result = self.sort([], "--csv", path, "--key", "name", "--order=nocase")
         self.check(result, 1, 'n,name\n5,"a, b"\n2,"an\n apple"\n3,Fig\n1,pear\n',
-                   f"zrvcomn sort: {path}:6: the record has 1 of 2 fields, no 'name'\n")
+                   f"zrvcomn sort: {path}:6: the record has 1 of 2 fields, and no 'name'\n")
         path.write_text("n\nb\na")
         self.check(self.sort([], "--csv", path, "--key=n", "-r"), 0, "n\nb\na\n")
 
@@ -927,19 +965,38 @@ class Command(unittest.TestCase):
         result = zrvcomn("date", "part", "--part", "iso-year", "--json", "-",
                          stdin=b"2005-01-01\n2008-12-29\n")
         self.assertEqual([json.loads(line)["result"] for line in result.out.splitlines()],
-                         ["2004", "2009"])
+                         [2004, 2009])
+        self.check(zrvcomn("date", "DIFF", "--part", "Day", "--from", "2000-01-01", "--plain",
+                           "2000-01-03", "x"), 1,
+                   "2000-01-03\t2\t1\tCS_SUCCEED\nx\t\t\tCS_CONV_SYNTAX\n",
+                   "zrvcomn date: value 2: 'x': CS_CONV_SYNTAX\n")
+        result = zrvcomn("date", "part", "--part", "month", "--names", "--json", "2005-01-01", "x")
+        self.assertEqual([json.loads(line) for line in result.out.splitlines()],
+                         [{"line": 1, "value": "2005-01-01", "result": "January", "length": 7,
+                           "status": "CS_SUCCEED", "code": 1},
+                          {"line": 2, "value": "x", "result": None, "length": None,
+                           "status": "CS_CONV_SYNTAX", "code": -105}])
+        # Numbers are decimal, whatever they begin with.
+        self.check(zrvcomn("date", "add", "--part", "day", "--count", "010", "2001-01-01"), 0,
+                   "2001-01-11 00:00:00.000000\n")
+        for wrong in ("0x10", "", "1.5", "99999999999", "x"):
+            self.check_usage(zrvcomn("date", "add", "--part", "day", "--count", wrong,
+                                     "2001-01-01"), "--count", "-2147483647 to 2147483647")
+        # Behind "--" a value is a value.
+        self.check(zrvcomn("date", "format", "--", "-", stdin=b"2001-01-01\n"), 1, "\n",
+                   "zrvcomn date: value 1: '-': CS_CONV_SYNTAX\n")
 
     def test_date_failures(self):
         self.check(zrvcomn("date", "format", "2001-02-30", "2001-01-05", "x", "2001-1-05",
                            "2001-01-05T24:00", "2001-01-05T1:00", "2001-01-05T01:00:00.1234567"), 1,
-                   "2001-01-05 00:00:00.000000\n",
+                   "\n2001-01-05 00:00:00.000000\n\n\n\n\n\n",
                    "zrvcomn date: value 1: '2001-02-30': CS_CONV_DOMAIN\n"
                    "zrvcomn date: value 3: 'x': CS_CONV_SYNTAX\n"
                    "zrvcomn date: value 4: '2001-1-05': CS_CONV_SYNTAX\n"
                    "zrvcomn date: value 5: '2001-01-05T24:00': CS_CONV_DOMAIN\n"
                    "zrvcomn date: value 6: '2001-01-05T1:00': CS_CONV_SYNTAX\n"
                    "zrvcomn date: value 7: '2001-01-05T01:00:00.1234567': CS_CONV_SYNTAX\n")
-        self.check(zrvcomn("date", "add", "--part", "day", "--count", "1", "9999-12-31"), 1, "",
+        self.check(zrvcomn("date", "add", "--part", "day", "--count", "1", "9999-12-31"), 1, "\n",
                    "zrvcomn date: value 1: '9999-12-31': CS_CONV_OVERFLOW\n")
 
     def test_date_parse(self):
@@ -964,15 +1021,16 @@ class Command(unittest.TestCase):
                              ("0 pm", "am or pm contradicts the hour"), ("25:00", "out of range"),
                              ("1/1/1752", "out of range")):
             result = zrvcomn("date", "--parse", text)
-            self.assertEqual((result.code, result.out), (1, ""))
+            self.assertEqual((result.code, result.out), (1, "\n"))
             self.assertIn(reason, result.err)
         result = zrvcomn("date", "--parse", "--json", "--to", "date", "1/2/2003", "x")
         self.assertEqual([json.loads(line) for line in result.out.splitlines()],
                          [{"line": 1, "value": "1/2/2003",
-                           "fields": {"year": 2003, "month": 1, "day": 2}, "truncated": False,
-                           "status": "CS_SUCCEED"},
-                          {"line": 2, "value": "x", "fields": None, "truncated": False,
-                           "status": "CS_CONV_SYNTAX", "reason": "this forms no date"}])
+                           "result": {"year": 2003, "month": 1, "day": 2}, "length": None,
+                           "status": "CS_SUCCEED", "code": 1, "truncated": False},
+                          {"line": 2, "value": "x", "result": None, "length": None,
+                           "status": "CS_CONV_SYNTAX", "code": -105, "truncated": False,
+                           "reason": "this forms no date"}])
         self.check_usage(zrvcomn("date", "--parse", "--order", "dym1", "5"), "dym")
         self.check_usage(zrvcomn("date", "--parse", "--to", "datetme", "5"), "datetime")
         self.check_usage(zrvcomn("date", "--parse"), "values")
@@ -1072,6 +1130,68 @@ class Command(unittest.TestCase):
         return subprocess.run(["bash", "-c", script, "bash", *line], text=True, check=True,
                               capture_output=True, cwd=self.scratch,
                               env=os.environ | {"ZRVCOMN": str(command)}).stdout.split()
+
+    # A type by its code; a length that nothing fits in; what the default of a numeric is.
+    def test_types_by_code_and_shape(self):
+        self.check(convert("8", "6", "--plain", "5"), 0, "5\t5\t1\tCS_SUCCEED\n")
+        self.check_usage(convert("40", "6", "1"), "unknown type '40'")
+        self.assertIn("'1234567890123456789' does not fit numeric(18,0), the default; say "
+                      "--from numeric(p,s): CS_CONV_",
+                      convert("numeric", "char", "1234567890123456789").err)
+        self.assertIn("'123456' does not fit numeric(5,0): CS_CONV_",
+                      convert("numeric(5)", "char", "123456").err)
+
+    # What a failure leaves behind is shown where it means something.
+    def test_unusable_results_are_not_shown(self):
+        self.assertEqual(fields(convert("char", "int", "--plain", "x"))[0],
+                         ["x", "", "0", "CS_CONV_SYNTAX"])
+        self.assertEqual(fields(convert("int", "numeric(2)", "--plain", "300"))[0][1], "")
+        self.assertEqual(fields(convert("int", "tinyint", "--plain", "300"))[0][1], "255")
+        row = json.loads(convert("char", "int", "--json", "--hex", "x").out)
+        self.assertEqual((row["result"], row["hex"], row["code"]), (None, None, -105))
+
+    # A few long values take no more than they need: nothing waits for a full table.
+    def test_long_values_in_a_table(self):
+        line = b"x" * (4 << 20) + b"\n"
+        peak = subprocess.run(
+            ["python3", "-c", "import resource, subprocess, sys\n"
+             "subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, check=True)\n"
+             "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)",
+             command, "convert", "--from", "char", "--to", "char", "-"],
+            input=line * 40, capture_output=True, check=True)
+        self.assertLess(int(peak.stdout), 100 << 10)  # KiB; the values have 160 MiB
+
+    def test_help_as_a_word(self):
+        for name in ("convert", "date"):
+            self.check(zrvcomn("help", name), 0, zrvcomn(name, "--help").out)
+        self.check(zrvcomn("help"), 0, zrvcomn("--help").out)
+        self.check(zrvcomn("-V"), 0, zrvcomn("--version").out)
+        self.check_usage(zrvcomn("help", "nonsense"), "unknown command 'nonsense'")
+
+    # Options that an action does not look at are refused.
+    def test_date_options_have_their_actions(self):
+        date = "2001-01-01"
+        for words in (("add", "--part", "day"), ("add", "--count", "1"), ("diff", "--part", "day"),
+                      ("part",), ("diff", "--from", date)):
+            self.check_usage(zrvcomn("date", *words, date), words[0] + " needs --")
+        for words in (("format", "--count", "1"), ("format", "--firstday", "1"),
+                      ("add", "--part", "day", "--count", "1", "--names"),
+                      ("part", "--part", "day", "--style", "1"), ("format", "--to", "date"),
+                      ("--parse", "--count", "1"), ("--parse", "--plain")):
+            self.check_usage(zrvcomn("date", *words, date), " has no use for --")
+        self.check_usage(zrvcomn("date", "format", "--all-styles", "--style", "1", date), "--style")
+
+    def test_completion_of_words(self):
+        self.assertEqual(self.complete(["zrvcomn", "charset", "ma"]), ["matrix"])
+        self.assertEqual(self.complete(["zrvcomn", "date", "--part", "iso-w"]),
+                         ["iso-week", "iso-weekday"])
+        self.assertEqual(self.complete(["zrvcomn", "date", "--style", "14"]), ["14", "140"])
+        self.assertEqual(self.complete(["zrvcomn", "completion", "z"]), ["zsh"])
+        self.assertIn("bashcompinit", zrvcomn("completion", "ZSH").out)
+        fish = zrvcomn("completion", "fish").out
+        self.assertIn("complete -c zrvcomn -n '__fish_seen_subcommand_from convert' -l csv -r -F",
+                      fish)
+        self.assertIn("-l part -x -a 'year quarter ", fish)
 
     def test_completion(self):
         (self.scratch / "data.csv").touch()

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "arguments.h"
 #include "charset_matrix.h"
 #include "identifiers.h"
 #include "output.h"
@@ -239,9 +240,9 @@ int run(const Options &options) {
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("action", options->action, "list, show or matrix")
-      ->required()
-      ->type_name("ACTION");
+  add_choice(app, "action", options->action, "ACTION", {"list", "show", "matrix"},
+             "list, show or matrix")
+      ->required();
   app.add_option("set", options->what, "show, matrix: a character set, by any of its names")
       ->type_name("SET");
   app.add_flag("--json", options->json, "Print one JSON object for each set");
@@ -260,10 +261,6 @@ Subcommand::Run add(CLI::App &app) {
         throw UsageError("one set at a time");
       options->what = more[0];
     }
-    const std::vector<std::string> actions = {"list", "show", "matrix"};
-    if (std::find(actions.begin(), actions.end(), options->action) == actions.end())
-      throw UsageError("there is no action '" + options->action + "'" +
-                       suggest(options->action, actions));
     if (options->action == "show" && options->what.empty())
       throw UsageError("show needs a set");
     if (options->action == "list" && !options->what.empty())

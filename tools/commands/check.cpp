@@ -11,6 +11,7 @@
 #include "output.h"
 #include "started.h"
 #include "subcommand.h"
+#include "visible.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
 
@@ -174,7 +175,7 @@ int run(const std::string &what) {
   } else if (has(sets)) {
     check.charset(what);
   } else {
-    throw UsageError("there is no language and no character set '" + what + "'");
+    throw UsageError("there is no language and no character set " + in_quotes(what));
   }
   return check.finish();
 }

@@ -1,12 +1,13 @@
 // zrvcomn convert: values from one datatype to another.
 #include <algorithm>
-#include <charconv>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "converter.h"
 #include "input.h"
 #include "output.h"
@@ -22,9 +23,10 @@ using namespace zrvtool;
 struct Options {
   std::string from, to, format, csv, column;
   int maxlength = 0;
-  bool has_maxlength = false, from_stdin = false, hex = false, json = false, plain = false;
-  bool total = false;
-  std::vector<std::string> values;
+  bool has_maxlength = false, hex = false, json = false, plain = false, total = false;
+  std::string delimiter = ",";
+  std::vector<std::string> words;
+  Values values;
 };
 
 struct FormatBit {
@@ -38,19 +40,18 @@ constexpr FormatBit format_bits[] = {
     {"escquote", CS_DFMT_ESCQUOTE},
 };
 
-CS_INT parse_format_bit(const std::string &word) {
-  CS_INT number = 0;
-  const char *const end = word.data() + word.size();
-  const auto [rest, error] = std::from_chars(word.data(), end, number);
-  if (error == std::errc() && rest == end && number >= 0)
-    return number;
-  std::vector<std::string> names;
-  for (const FormatBit &row : format_bits) {
-    if (word == row.name)
-      return row.bit;
+Words format_names() {
+  Words names;
+  for (const FormatBit &row : format_bits)
     names.emplace_back(row.name);
-  }
-  throw UsageError("--format knows no '" + word + "'" + suggest(word, names));
+  return names;
+}
+
+CS_INT parse_format_bit(const std::string &word) {
+  if (!word.empty() && word.find_first_not_of("0123456789") == std::string::npos)
+    return decimal("--format", word, 0, std::numeric_limits<CS_INT>::max());
+  static const Words names = format_names();
+  return format_bits[&choose("--format bit", word, names) - names.data()].bit;
 }
 
 // "nullterm,padblank", "1|4" and "5" are the same.
@@ -101,28 +102,33 @@ private:
   Writer err;
 };
 
-// The sum of the results, added as exact numerics.
+// The sum of the results, added as exact numerics. It is whole or it is none.
 class Total {
 public:
-  // A result that was stored; returns the status of the addition.
-  CS_RETCODE add(std::string_view bytes) {
-    CS_NUMERIC value{};
+  explicit Total(const Type &type) {
+    sum.precision = static_cast<CS_BYTE>(type.precision);
+    sum.scale = static_cast<CS_BYTE>(type.scale);
+  }
+
+  void add(std::string_view bytes) {
+    CS_NUMERIC value{}, next{};
     std::memcpy(&value, bytes.data(), std::min(bytes.size(), sizeof value));
-    if (!has_value) {
-      has_value = true;
-      sum = value;
-      return CS_SUCCEED;
-    }
-    CS_NUMERIC next;
-    const CS_RETCODE status = comn_numadd(&sum, &value, &next);
-    if (is_success(status))
-      sum = next;
-    return status;
+    if (!is_whole())
+      return;
+    status = comn_numadd(&sum, &value, &next);
+    sum = next;
+  }
+  void leave_out() { ++missing; }
+
+  bool is_whole() const { return missing == 0 && status == CS_SUCCEED; }
+  std::string why_not() const {
+    if (missing == 0)
+      return "the sum does not fit a numeric: " + status_name(status);
+    return "there is no sum: " + std::to_string(missing) +
+           (missing == 1 ? " value is missing in it" : " values are missing in it");
   }
 
   std::string text() {
-    if (!has_value)
-      return "0";
     constexpr CS_INT longest = 80;
     char digits[longest];
     CS_CONTEXT context{};
@@ -137,14 +143,34 @@ public:
 
 private:
   CS_NUMERIC sum{};
-  bool has_value = false;
+  CS_RETCODE status = CS_SUCCEED;
+  uint64_t missing = 0;
 };
 
-std::string quoted(std::string_view value) {
-  constexpr size_t longest = 60;
-  std::string text = "'";
-  append_visible(text, value.substr(0, longest));
-  return text + (value.size() > longest ? "...'" : "'");
+// Why a text is no value of its type.
+std::string why_unread(const Type &type, CS_RETCODE status) {
+  const std::string name = status_name(status);
+  if (status != CS_CONV_OVERFLOW && status != CS_CONV_UNDERFLOW && status != CS_CONV_TRUNCATED)
+    return " is no " + type.full_name() + ": " + name;
+  if (type.layout() == Layout::exact && type.is_bare)
+    return " does not fit " + type.full_name() + ", the default; say --from " + type.info->name +
+           "(p,s): " + name;
+  return " does not fit " + type.full_name() + ": " + name;
+}
+
+// Bits and capacities that nothing would look at are refused, not dropped.
+void check_uses(const Type &from, const Type &to, CS_INT format, bool has_maxlength) {
+  const auto is_text = [](const Type &type) { return type.layout() == Layout::text; };
+  const bool is_open =
+      is_text(to) || to.layout() == Layout::binary || to.layout() == Layout::unitext;
+  const std::string why =
+      " has no use: the type " + std::string(to.info->name) + " has a fixed width";
+  if (has_maxlength && !is_open)
+    throw UsageError("--maxlength" + why);
+  if (format != 0 && !is_open)
+    throw UsageError("--format" + why);
+  if ((format & CS_DFMT_ESCQUOTE) != 0 && (!is_text(from) || !is_text(to)))
+    throw UsageError("--format escquote doubles quotes from text to text, and nothing else");
 }
 
 int run(const Options &options) {
@@ -153,6 +179,7 @@ int run(const Options &options) {
   const CS_INT format = parse_format(options.format);
   if (options.total && to.layout() != Layout::exact)
     throw UsageError("--total adds numerics, not " + std::string(to.info->name));
+  check_uses(from, to, format, options.has_maxlength);
   Converter converter(from, to, format,
                       options.has_maxlength ? std::optional<CS_INT>(options.maxlength)
                                             : std::nullopt);
@@ -178,34 +205,38 @@ int run(const Options &options) {
   std::unique_ptr<Input> input;
   if (!options.csv.empty())
     input = csv_input(
-        options.csv, options.column,
+        options.csv, options.column, options.delimiter.front(),
         [&](uint64_t line, const std::string &fault) {
           failures.report(input->place(line), fault);
         },
         show_so_far);
-  else if (options.from_stdin)
-    input = lines_input(show_so_far);
   else
-    input = arguments_input(options.values);
+    input = values_input(options.values, show_so_far);
 
   uint64_t count = 0;
-  Total total;
+  Total total(to);
   InputValue value;
   try {
     while (input->next(value)) {
       const Outcome outcome = converter.convert(value.text);
-      CS_RETCODE status = outcome.status;
-      if (!options.total)
-        rows.add({value.line, value.text, outcome.was_read, outcome.text, outcome.length,
-                  outcome.bytes, outcome.status});
-      else if (is_success(status))
-        status = total.add(outcome.bytes);
-      if (!is_success(status))
-        failures.report(
-            input->place(value.line),
-            quoted(value.text) +
-                (outcome.was_read ? ": " : std::string(" is no ") + from.info->name + ": ") +
-                status_name(status));
+      const bool is_good = is_success(outcome.status);
+      if (!options.total) {
+        Row row{value.line, value.text, {}, {}, outcome.bytes, outcome.status};
+        if (outcome.was_read)
+          row.length = outcome.length;
+        if (outcome.is_usable)
+          row.result = outcome.text;
+        rows.add(row);
+      } else if (is_good) {
+        total.add(outcome.bytes);
+      } else {
+        total.leave_out();
+      }
+      if (!is_good)
+        failures.report(input->place(value.line),
+                        in_quotes(value.text) + (outcome.was_read
+                                                     ? ": " + status_name(outcome.status)
+                                                     : why_unread(from, outcome.status)));
       progress.step(++count, input->progress());
     }
   } catch (const StreamError &) {
@@ -214,7 +245,9 @@ int run(const Options &options) {
     throw;
   }
   show_so_far();
-  if (options.total) {
+  if (options.total && !total.is_whole()) {
+    failures.report("--total", total.why_not());
+  } else if (options.total) {
     out.text += total.text() + "\n";
     out.flush();
   }
@@ -227,21 +260,25 @@ Subcommand::Run add(CLI::App &app) {
       ->required()
       ->type_name("TYPE");
   app.add_option("--to", options->to, "Datatype to convert to")->required()->type_name("TYPE");
-  app.add_option("--format", options->format,
-                 "Format bits of the result: nullterm, padnull, padblank, escquote or numbers, "
-                 "joined by commas")
-      ->type_name("BITS");
-  constexpr int longest = 16 * 1024 * 1024;
-  CLI::Option *const maxlength =
-      app.add_option("--maxlength", options->maxlength, "Capacity of the result in bytes")
-          ->check(CLI::Range(0, longest))
-          ->type_name("BYTES");
+  offer(app.add_option("--format", options->format,
+                       "Format bits of the result: nullterm, padnull, padblank, escquote or "
+                       "numbers, joined by commas")
+            ->type_name("BITS"),
+        format_names());
+  constexpr CS_INT longest = 16 * 1024 * 1024;
+  CLI::Option *const maxlength = add_number(app, "--maxlength", options->maxlength, 0, longest,
+                                            "BYTES", "Capacity of the result in bytes");
   CLI::Option *const csv = app.add_option("--csv", options->csv,
                                           "Take the values from a CSV file, '-' for standard input")
                                ->type_name("FILE");
   CLI::Option *const column =
       app.add_option("--column", options->column, "Column of the CSV file, by its name")
           ->type_name("NAME");
+  CLI::Option *const delimiter =
+      app.add_option("--delimiter", options->delimiter,
+                     "What stands between the fields of the CSV file (,)")
+          ->type_name("CHARACTER");
+  delimiter->needs(csv);
   app.add_flag("--hex", options->hex, "Show the bytes of each result in hexadecimal");
   CLI::Option *const json =
       app.add_flag("--json", options->json, "Print one JSON object for each value");
@@ -250,7 +287,7 @@ Subcommand::Run add(CLI::App &app) {
   app.add_flag("--total", options->total,
                "Print the sum of the results, which must be numerics, in place of them")
       ->excludes(json);
-  app.add_option("values", options->values, "Values, or '-' for the lines of standard input");
+  app.add_option("values", options->words, "Values, or '-' for the lines of standard input");
   csv->needs(column);
   column->needs(csv);
   app.footer(
@@ -265,18 +302,20 @@ Subcommand::Run add(CLI::App &app) {
       "\nExit codes: 0 all values converted, 1 some failed, 2 wrong usage.");
   return [options, maxlength, csv](const std::vector<std::string> &more_values) {
     options->has_maxlength = maxlength->count() > 0;
-    auto &all = options->values;
-    const bool from_stdin = std::find(all.begin(), all.end(), "-") != all.end();
-    all.insert(all.end(), more_values.begin(), more_values.end());
-    if (csv->count() > 0 && !all.empty())
+    if (csv->count() == 0) {
+      options->values =
+          Values(options->words, more_values,
+                 "no values: give some, or '-' for standard input, or --csv and --column");
+      return run(*options);
+    }
+    if (!options->words.empty() || !more_values.empty())
       throw UsageError("--csv excludes values");
-    if (csv->count() > 0 && options->csv.empty())
+    if (options->csv.empty())
       throw UsageError("--csv names no file");
-    if (csv->count() == 0 && all.empty())
-      throw UsageError("no values: give some, or '-' for standard input, or --csv and --column");
-    if (from_stdin && all.size() > 1)
-      throw UsageError("'-' for standard input excludes other values");
-    options->from_stdin = from_stdin;
+    if (options->delimiter == "\\t")
+      options->delimiter = "\t";
+    if (options->delimiter.size() != 1 || options->delimiter.find_first_of("\"\r\n") == 0)
+      throw UsageError("--delimiter is one byte, and neither a quote nor the end of a line");
     return run(*options);
   };
 }

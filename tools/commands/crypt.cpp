@@ -11,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "output.h"
 #include "status_names.h"
 #include "subcommand.h"
@@ -197,6 +198,8 @@ Subcommand::Run add(CLI::App &app) {
       "  zrvcomn crypt hex encode\n"
       "  zrvcomn crypt hex decode <file-with-salt-and-form");
   return [options](const std::vector<std::string> &more) {
+    options->form = lower_case(options->form);
+    options->action = lower_case(options->action);
     if (options->form != "hex")
       throw UsageError("there is no such form, only hex");
     if (options->action != "encode" && options->action != "decode")

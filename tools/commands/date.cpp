@@ -1,6 +1,7 @@
 // zrvcomn date: text both ways, sums, differences and parts of dates.
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "arguments.h"
 #include "date_parse.h"
 #include "input.h"
 #include "output.h"
@@ -27,24 +29,19 @@ constexpr CS_BYTE bigdatetime_number = 187; // the protocol's number of CS_BIGDA
 
 struct Options {
   std::string action, part, from, locale, to = "datetime", order = "mdy";
-  std::optional<CS_INT> given_style;
   CS_INT style = iso_style, count = 0, firstday = 7;
-  bool parse = false, all_styles = false, names = false, json = false;
-  std::vector<std::string> values;
+  bool parse = false, all_styles = false, names = false, json = false, plain = false;
+  std::vector<std::string> words;
+  Values values;
 };
 
 // The parts by their codes.
-const std::vector<std::string> part_names = {
-    "year",   "quarter",     "month", "weekday",  "day",      "dayofyear",   "hour",       "minute",
-    "second", "millisecond", "week",  "iso-year", "iso-week", "iso-weekday", "microsecond"};
+const Words part_names = {"year",      "quarter",  "month",    "weekday",     "day",
+                          "dayofyear", "hour",     "minute",   "second",      "millisecond",
+                          "week",      "iso-year", "iso-week", "iso-weekday", "microsecond"};
 
 int parse_part(const std::string &name) {
-  const auto found = std::find(part_names.begin(), part_names.end(), name);
-  if (name.empty())
-    throw UsageError("--part is missing");
-  if (found == part_names.end())
-    throw UsageError("there is no part '" + name + "'" + suggest(name, part_names));
-  return static_cast<int>(found - part_names.begin());
+  return static_cast<int>(&choose("part", name, part_names) - part_names.data());
 }
 
 struct Parsed {
@@ -145,13 +142,18 @@ private:
   bool is_utf8;
 };
 
-std::optional<std::string> show(CS_BIGDATETIME value, CS_INT style, const Names &names) {
+// Nothing where there is no such style.
+std::optional<std::string> show(CS_BIGDATETIME value, CS_INT style, CS_CHAR **short_months) {
   char text[256];
-  const CS_INT length =
-      com__bigdatetimetochar(&value, text, sizeof text, style, names.short_months);
+  const CS_INT length = com__bigdatetimetochar(&value, text, sizeof text, style, short_months);
   if (length < 0)
     return std::nullopt;
-  return names.in_charset(std::string(text, static_cast<size_t>(length)));
+  return std::string(text, static_cast<size_t>(length));
+}
+
+std::optional<std::string> show(CS_BIGDATETIME value, CS_INT style, const Names &names) {
+  const std::optional<std::string> text = show(value, style, names.short_months);
+  return text ? std::optional(names.in_charset(*text)) : std::nullopt;
 }
 
 // What comes of one value: its status and, if that is success, its text.
@@ -198,22 +200,25 @@ Work make_work(const Options &options, const Names &names) {
   };
 }
 
-void print_json(std::string &out, const InputValue &value, const nlohmann::ordered_json &more) {
-  nlohmann::ordered_json object;
-  object["line"] = value.line;
-  object["value"] = value.text;
-  object.update(more);
-  out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
-}
-
-void print_all_styles(std::string &out, const InputValue &value, CS_BIGDATETIME date, bool json,
+// One row for each style that there is.
+void print_all_styles(Writer &out, const InputValue &value, CS_BIGDATETIME date, bool json,
                       const Names &names) {
   for (CS_INT style = 0; style <= last_style; ++style)
     if (const auto text = show(date, style, names)) {
-      if (json)
-        print_json(out, value, {{"style", style}, {"result", *text}});
-      else
-        out += std::to_string(style) + "\t" + *text + "\n";
+      if (json) {
+        nlohmann::ordered_json object;
+        object["line"] = value.line;
+        object["value"] = value.text;
+        object["result"] = *text;
+        object["length"] = text->size();
+        object["status"] = status_name(CS_SUCCEED);
+        object["code"] = CS_SUCCEED;
+        object["style"] = style;
+        out.text += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+      } else {
+        out.text += std::to_string(style) + "\t" + *text + "\n";
+      }
+      out.settle();
     }
 }
 
@@ -221,79 +226,125 @@ int run(const Options &options) {
   const Names names(options);
   const Work work = make_work(options, names);
   Writer out(STDOUT_FILENO);
-  const bool from_stdin = options.values == std::vector<std::string>{"-"};
-  const auto input =
-      from_stdin ? lines_input([&] { out.flush(); }) : arguments_input(options.values);
+  Rows rows(out,
+            options.json    ? RowStyle::json
+            : options.plain ? RowStyle::plain
+                            : RowStyle::lines,
+            false);
+  const bool is_number = options.action == "diff" || (options.action == "part" && !options.names);
+  const auto input = values_input(options.values, [&] { out.flush(); });
   int code = exit_success;
   for (InputValue value; input->next(value);) {
     const Parsed date = parse_date(value.text);
     Result result{date.status, ""};
     if (date.status == CS_SUCCEED) {
       if (options.all_styles) {
-        print_all_styles(out.text, value, date.value, options.json, names);
-        out.settle();
+        print_all_styles(out, value, date.value, options.json, names);
         continue;
       }
       result = work(date.value);
     }
     if (result.status != CS_SUCCEED) {
       out.flush();
-      std::string text;
-      append_visible(text, value.text);
-      std::fprintf(stderr, "zrvcomn date: %s: '%s': %s\n", input->place(value.line).c_str(),
-                   text.c_str(), status_name(result.status).c_str());
+      std::fprintf(stderr, "zrvcomn date: %s: %s: %s\n", input->place(value.line).c_str(),
+                   in_quotes(value.text).c_str(), status_name(result.status).c_str());
       code = exit_failure;
     }
-    if (options.json)
-      print_json(
-          out.text, value,
-          {{"result", result.status == CS_SUCCEED ? nlohmann::json(result.text) : nlohmann::json()},
-           {"status", status_name(result.status)}});
-    else if (result.status == CS_SUCCEED)
-      out.text += result.text + "\n";
-    out.settle();
+    Row row{value.line, value.text, {}, {}, {}, result.status, is_number};
+    if (result.status == CS_SUCCEED) {
+      row.result = result.text;
+      row.length = static_cast<CS_INT>(result.text.size());
+    }
+    rows.add(row);
   }
   out.flush();
   return code;
 }
 
-void check_values(const std::vector<std::string> &values) {
-  if (values.empty())
-    throw UsageError("no values: give some, or '-' for standard input");
-  if (values.size() > 1 && std::find(values.begin(), values.end(), "-") != values.end())
-    throw UsageError("'-' for standard input excludes other values");
+// Which actions an option serves, and which of them need it. "--parse" is an action here.
+struct Use {
+  const CLI::Option *option;
+  Words actions;
+  Words needing;
+};
+
+bool has(const Words &words, const std::string &word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+void check_uses(const std::vector<Use> &uses, const std::string &action) {
+  for (const Use &use : uses) {
+    if (use.option->count() > 0 && !has(use.actions, action))
+      throw UsageError(action + " has no use for " + use.option->get_name());
+    if (use.option->count() == 0 && has(use.needing, action))
+      throw UsageError(action + " needs " + use.option->get_name());
+  }
 }
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("action", options->action, "format, add, diff or part; none with --parse")
-      ->type_name("ACTION");
+  const Words actions = {"format", "add", "diff", "part"};
+  offer(app.add_option("action", options->action, "format, add, diff or part; none with --parse")
+            ->type_name("ACTION"),
+        actions);
   app.add_flag("--parse", options->parse, "Show what the library reads in each free-form text");
-  app.add_option("--to", options->to,
-                 "--parse: datetime, datetime4, bigdatetime, date, time or bigtime (datetime)")
-      ->type_name("TYPE");
-  app.add_option("--order", options->order, "--parse: the order of three numbers (mdy)")
-      ->type_name("ORDER");
-  app.add_option("--style", options->given_style,
-                 "Style of the text of format and add (140), or that --parse reads (0)")
-      ->type_name("NUMBER");
-  app.add_flag("--all-styles", options->all_styles, "format: print every style with its text");
-  app.add_option("--part", options->part, "add, diff, part: the part of the date, as 'month'")
-      ->type_name("PART");
-  app.add_option("--count", options->count, "add: how many of the part, of any sign")
-      ->type_name("NUMBER");
-  app.add_option("--from", options->from, "diff: the date that each value is compared with")
-      ->type_name("DATE");
-  app.add_option("--firstday", options->firstday,
-                 "part: the day that counts as 1, from Monday 1 to Sunday 7")
-      ->check(CLI::Range(1, 7))
-      ->type_name("DAY");
-  app.add_option("--locale", options->locale,
-                 "The locale whose names of months and days, and whose character set, are used")
-      ->type_name("NAME");
-  app.add_flag("--names", options->names, "part: the name of the part");
-  app.add_flag("--json", options->json, "Print one JSON object for each result");
-  app.add_option("values", options->values,
+  CLI::Option *const to =
+      app.add_option("--to", options->to,
+                     "--parse: datetime, datetime4, bigdatetime, date, time or bigtime (datetime)")
+          ->type_name("DATETYPE");
+  offer(to, {"datetime", "datetime4", "bigdatetime", "date", "time", "bigtime"});
+  CLI::Option *const order =
+      app.add_option("--order", options->order, "--parse: the order of three numbers (mdy)")
+          ->type_name("ORDER");
+  offer(order, {"mdy", "dmy", "ymd", "ydm", "myd", "dym"});
+  CLI::Option *const style =
+      add_number(app, "--style", options->style, 0, last_style, "NUMBER",
+                 "Style of the text of format and add (140), or that --parse reads (0)");
+  Words styles;
+  for (CS_INT number = 0; number <= last_style; ++number)
+    if (show(0, number, com__get_shortmonths()))
+      styles.push_back(std::to_string(number));
+  offer(style, styles);
+  CLI::Option *const all_styles =
+      app.add_flag("--all-styles", options->all_styles, "format: print every style with its text");
+  CLI::Option *const part =
+      app.add_option("--part", options->part, "add, diff, part: the part of the date, as 'month'")
+          ->type_name("PART");
+  offer(part, part_names);
+  constexpr CS_INT most = std::numeric_limits<CS_INT>::max();
+  CLI::Option *const count = add_number(app, "--count", options->count, -most, most, "NUMBER",
+                                        "add: how many of the part, of any sign");
+  CLI::Option *const from =
+      app.add_option("--from", options->from, "diff: the date that each value is compared with")
+          ->type_name("DATE");
+  CLI::Option *const firstday =
+      add_number(app, "--firstday", options->firstday, 1, 7, "DAY",
+                 "part: the day that counts as 1, from Monday 1 to Sunday 7");
+  CLI::Option *const locale =
+      app.add_option("--locale", options->locale,
+                     "The locale whose names of months and days, and whose character set, are used")
+          ->type_name("NAME");
+  CLI::Option *const names = app.add_flag("--names", options->names, "part: the name of the part");
+  CLI::Option *const json =
+      app.add_flag("--json", options->json, "Print one JSON object for each result");
+  CLI::Option *const plain =
+      app.add_flag("--plain", options->plain,
+                   "Print value, result, length and status with tabs between")
+          ->excludes(json);
+  const std::vector<Use> uses = {
+      {to, {"--parse"}, {}},
+      {order, {"--parse"}, {}},
+      {style, {"--parse", "format", "add"}, {}},
+      {all_styles, {"format"}, {}},
+      {part, {"add", "diff", "part"}, {"add", "diff", "part"}},
+      {count, {"add"}, {"add"}},
+      {from, {"diff"}, {"diff"}},
+      {firstday, {"part"}, {}},
+      {locale, {"format", "add", "part"}, {}},
+      {names, {"part"}, {}},
+      {plain, {"format", "add", "diff", "part"}, {}},
+  };
+  app.add_option("values", options->words,
                  "Dates as 2001-01-05 or 2001-01-05T13:30:15.123456, or '-' for the lines of "
                  "standard input");
   app.footer("Parts: year, quarter, month, weekday, day, dayofyear, hour, minute, second,\n"
@@ -306,27 +357,24 @@ Subcommand::Run add(CLI::App &app) {
              "  zrvcomn date --parse --order dmy '31/12/1999 5pm'\n"
              "  zrvcomn date format --style 0 --locale fr_FR.UTF-8 1789-07-14\n"
              "\nExit codes: 0 all values done, 1 some failed, 2 wrong usage.");
-  return [options](const std::vector<std::string> &more_values) {
-    auto &all = options->values;
-    all.insert(all.end(), more_values.begin(), more_values.end());
-    options->style = options->given_style.value_or(options->parse ? 0 : iso_style);
+  return [options, uses, actions, style](const std::vector<std::string> &more_values) {
+    Words &words = options->words;
     if (options->parse) {
       // The first text stands where an action would.
       if (!options->action.empty())
-        all.insert(all.begin(), options->action);
-      check_values(all);
-      return parse_dates({all, options->to, options->order, options->style, options->json});
+        words.insert(words.begin(), options->action);
+      check_uses(uses, "--parse");
+      if (style->count() == 0)
+        options->style = 0;
+      return parse_dates(
+          {Values(words, more_values), options->to, options->order, options->style, options->json});
     }
-    const std::vector<std::string> actions = {"format", "add", "diff", "part"};
-    if (std::find(actions.begin(), actions.end(), options->action) == actions.end())
-      throw UsageError("there is no action '" + options->action + "'" +
-                       suggest(options->action, actions));
-    check_values(all);
-    if (options->all_styles && options->action != "format")
-      throw UsageError("--all-styles belongs to format");
-    Options english = *options;
-    english.locale.clear();
-    if (!show(parse_date("2000-01-01").value, options->style, Names(english)))
+    options->action = choose("action", options->action, actions);
+    options->values = Values(words, more_values);
+    check_uses(uses, options->action);
+    if (options->all_styles && (style->count() > 0 || options->plain))
+      throw UsageError("--all-styles excludes --style and --plain");
+    if (!show(0, options->style, com__get_shortmonths()))
       throw UsageError("there is no style " + std::to_string(options->style));
     return run(*options);
   };

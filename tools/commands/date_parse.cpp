@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "arguments.h"
 #include "errors.h"
 #include "input.h"
 #include "output.h"
@@ -87,23 +88,18 @@ const std::vector<Type> &types() {
   return all;
 }
 
-const std::vector<std::string> order_names = {"mdy", "dmy", "ymd", "ydm", "myd", "dym"};
+const Words order_names = {"mdy", "dmy", "ymd", "ydm", "myd", "dym"};
 
 const Type &find_type(const std::string &name) {
-  std::vector<std::string> names;
-  for (const Type &type : types()) {
-    if (type.name == name)
-      return type;
+  Words names;
+  for (const Type &type : types())
     names.push_back(type.name);
-  }
-  throw UsageError("there is no date type '" + name + "'" + suggest(name, names));
+  const std::string &found = choose("date type", name, names);
+  return types()[static_cast<size_t>(&found - names.data())];
 }
 
 CS_INT find_order(const std::string &name) {
-  const auto found = std::find(order_names.begin(), order_names.end(), name);
-  if (found == order_names.end())
-    throw UsageError("there is no order '" + name + "'" + suggest(name, order_names));
-  return static_cast<CS_INT>(found - order_names.begin()) + 1;
+  return static_cast<CS_INT>(&choose("order", name, order_names) - order_names.data()) + 1;
 }
 
 const char *reason_of(int result) {
@@ -142,27 +138,34 @@ nlohmann::ordered_json fields_of(const Outcome &outcome, int shown) {
   return fields;
 }
 
-void print(std::string &out, const InputValue &value, const Outcome &outcome,
-           const nlohmann::ordered_json &fields, bool json) {
-  const bool done = outcome.result == 0;
-  if (json) {
-    nlohmann::ordered_json object;
-    object["line"] = value.line;
-    object["value"] = value.text;
-    object["fields"] = done ? fields : nlohmann::ordered_json();
-    object["truncated"] = outcome.truncated;
-    object["status"] = status_name(done                 ? CS_SUCCEED
-                                   : outcome.result < 0 ? CS_CONV_SYNTAX
-                                                        : CS_CONV_OVERFLOW);
-    if (!done)
-      object["reason"] = reason_of(outcome.result);
-    out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
-  } else if (done) {
+CS_RETCODE status_of(const Outcome &outcome) {
+  return outcome.result == 0 ? CS_SUCCEED : outcome.result < 0 ? CS_CONV_SYNTAX : CS_CONV_OVERFLOW;
+}
+
+// "year=2001 month=1 day=5"; an empty line for a text that is no date.
+void print_line(std::string &out, const Outcome &outcome, const nlohmann::ordered_json &fields) {
+  if (outcome.result == 0) {
     std::string line;
     for (const auto &[name, field] : fields.items())
       line += (line.empty() ? "" : " ") + name + "=" + field.dump();
-    out += line + (outcome.truncated ? " truncated\n" : "\n");
+    out += line + (outcome.truncated ? " truncated" : "");
   }
+  out += '\n';
+}
+
+void print_json(std::string &out, const InputValue &value, const Outcome &outcome,
+                const nlohmann::ordered_json &fields) {
+  nlohmann::ordered_json object;
+  object["line"] = value.line;
+  object["value"] = value.text;
+  object["result"] = outcome.result == 0 ? fields : nlohmann::ordered_json();
+  object["length"] = nullptr;
+  object["status"] = status_name(status_of(outcome));
+  object["code"] = status_of(outcome);
+  object["truncated"] = outcome.truncated;
+  if (outcome.result != 0)
+    object["reason"] = reason_of(outcome.result);
+  out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 } // namespace
@@ -171,22 +174,22 @@ int parse_dates(const DateParseOptions &options) {
   const Type &type = find_type(options.to);
   const CS_INT order = find_order(options.order);
   Writer out(STDOUT_FILENO);
-  const bool from_stdin = options.texts == std::vector<std::string>{"-"};
-  const auto input =
-      from_stdin ? lines_input([&] { out.flush(); }) : arguments_input(options.texts);
+  const auto input = values_input(options.texts, [&] { out.flush(); });
   int code = exit_success;
   for (InputValue value; input->next(value);) {
     std::string text(value.text);
     const Outcome outcome = type.read(text, options.style, order);
     if (outcome.result != 0) {
       out.flush();
-      std::string visible;
-      append_visible(visible, value.text);
-      std::fprintf(stderr, "zrvcomn date: %s: '%s': %s\n", input->place(value.line).c_str(),
-                   visible.c_str(), reason_of(outcome.result));
+      std::fprintf(stderr, "zrvcomn date: %s: %s: %s\n", input->place(value.line).c_str(),
+                   in_quotes(value.text).c_str(), reason_of(outcome.result));
       code = exit_failure;
     }
-    print(out.text, value, outcome, fields_of(outcome, type.shown), options.json);
+    const nlohmann::ordered_json fields = fields_of(outcome, type.shown);
+    if (options.json)
+      print_json(out.text, value, outcome, fields);
+    else
+      print_line(out.text, outcome, fields);
     out.settle();
   }
   out.flush();

@@ -3,15 +3,15 @@
 #define ZRVTOOL_DATE_PARSE_H
 
 #include <string>
-#include <vector>
 
+#include "input.h"
 #include "zrvcomn/cstypes.h"
 
 namespace zrvtool {
 
 struct DateParseOptions {
-  std::vector<std::string> texts; // or one "-" for standard input
-  std::string to, order;          // a type and an order by their names
+  Values texts;
+  std::string to, order; // a type and an order by their names
   CS_INT style;
   bool json;
 };

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "arguments.h"
 #include "output.h"
 #include "started.h"
 #include "subcommand.h"
@@ -172,7 +173,8 @@ int show(const Options &options) {
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("action", options->action, "list or show")->required()->type_name("ACTION");
+  add_choice(app, "action", options->action, "ACTION", {"list", "show"}, "list or show")
+      ->required();
   app.add_option("name", options->name, "show: the locale; without one, those of the environment")
       ->type_name("NAME");
   app.add_flag("--json", options->json, "Print JSON");
@@ -183,12 +185,11 @@ Subcommand::Run add(CLI::App &app) {
              "  LC_TIME=fr_FR.UTF-8 zrvcomn locale show\n"
              "\nExit codes: 0 shown, 1 no such locale or installation, 2 wrong usage.");
   return [options](const std::vector<std::string> &) {
-    if (options->action == "list" && options->name.empty())
-      return list(*options);
     if (options->action == "show")
       return show(*options);
-    throw UsageError(options->action == "list" ? "list takes no name"
-                                               : "there is no action '" + options->action + "'");
+    if (!options->name.empty())
+      throw UsageError("list takes no name");
+    return list(*options);
   };
 }
 

@@ -187,7 +187,7 @@ Subcommand::Run add(CLI::App &app) {
     }
     const std::optional<CS_MSGNUM> number = parse_number(options->number);
     if (!number)
-      throw UsageError("'" + options->number + "' is no message number");
+      throw UsageError(in_quotes(options->number) + " is no message number");
     if (parameters.size() > 3)
       throw UsageError("a message has three parameters at most");
     if (parameters.size() > 1 && byte_of(*number, 2) == COM_ERRORIGIN_INTL)

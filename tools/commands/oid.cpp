@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "arguments.h"
 #include "identifiers.h"
 #include "output.h"
 #include "subcommand.h"
@@ -142,7 +143,8 @@ int run(const Options &options) {
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("action", options->action, "list or find")->required()->type_name("ACTION");
+  add_choice(app, "action", options->action, "ACTION", {"list", "find"}, "list or find")
+      ->required();
   app.add_option("what", options->what, "list: a class; find: a name or a dotted identifier")
       ->type_name("CLASS|NAME|DOTTED");
   app.add_flag("--json", options->json, "Print one JSON object for each identifier");
@@ -162,16 +164,10 @@ Subcommand::Run add(CLI::App &app) {
         throw UsageError("one class, name or identifier at a time");
       options->what = more[0];
     }
-    const std::vector<std::string> actions = {"list", "find"};
-    if (std::find(actions.begin(), actions.end(), options->action) == actions.end())
-      throw UsageError("there is no action '" + options->action + "'" +
-                       suggest(options->action, actions));
     if (options->action == "find" && options->what.empty())
       throw UsageError("find needs a name or a dotted identifier");
-    if (options->action == "list" && !options->what.empty() &&
-        std::find(class_names.begin(), class_names.end(), options->what) == class_names.end())
-      throw UsageError("there is no class '" + options->what + "'" +
-                       suggest(options->what, class_names));
+    if (options->action == "list" && !options->what.empty())
+      options->what = choose("class", options->what, class_names);
     return run(*options);
   };
 }

@@ -31,7 +31,7 @@ public:
     if (path != "-")
       descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
-      throw UsageError("cannot open '" + path + "': " + std::strerror(errno));
+      throw UsageError("cannot open " + in_quotes(path) + ": " + std::strerror(errno));
     struct stat status;
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
       total = static_cast<uint64_t>(status.st_size);

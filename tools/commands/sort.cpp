@@ -51,7 +51,7 @@ int sort(const Options &options) {
   bool is_whole = true;
   const bool is_csv = !options.csv.empty();
   const std::unique_ptr<Input> input = is_csv ? csv_input(
-                                                    options.csv, options.key,
+                                                    options.csv, options.key, ',',
                                                     [&](uint64_t line, const std::string &fault) {
                                                       std::cerr << "zrvcomn sort: " << options.csv
                                                                 << ":" << line << ": " << fault
@@ -59,7 +59,7 @@ int sort(const Options &options) {
                                                       is_whole = false;
                                                     },
                                                     nullptr)
-                                              : lines_input(nullptr);
+                                              : values_input(Values({"-"}, {}), nullptr);
   Store store;
   if (is_csv) // the names of the columns stay where they are
     write_line(out, input->record());

@@ -114,24 +114,28 @@ int run_counted(const std::string &dump, const std::regex &wanted) {
 
 struct Row {
   const Comparison *comparison;
-  const Peer *peer;
+  const Peer *peer; // null without one
   double ours, theirs;
   int members;
 
   double ratio() const { return ours / theirs; }
 };
 
-// One row for each operation, input and peer, with the member that does worst.
+// One row for each operation, input and peer, with the member that does worst, and one for each member
+// that has no peer.
 std::vector<Row> build_rows(bool all) {
   std::vector<Row> rows;
-  for (const Comparison &comparison : comparisons)
+  for (const Comparison &comparison : comparisons) {
+    if (const double ours = typical(name_of(comparison)); comparison.peers.empty() && ours > 0)
+      rows.push_back({&comparison, nullptr, ours, 0, 1});
     for (const Peer &peer : comparison.peers) {
       const Row row{&comparison, &peer, typical(name_of(comparison)),
                     typical(name_of(comparison) + "/" + peer.name), 1};
       if (row.ours <= 0 || row.theirs <= 0)
         continue;
       const auto same = std::find_if(rows.begin(), rows.end(), [&](const Row &other) {
-        return !all && other.comparison->operation == comparison.operation &&
+        return !all && other.peer != nullptr &&
+               other.comparison->operation == comparison.operation &&
                other.comparison->input == comparison.input && other.peer->name == peer.name;
       });
       if (same == rows.end()) {
@@ -143,6 +147,7 @@ std::vector<Row> build_rows(bool all) {
         *same = row;
       same->members = members;
     }
+  }
   return rows;
 }
 
@@ -157,9 +162,12 @@ void print_table(bool all, const char *unit) {
           ", worst of " + std::to_string(row.members) + ": `" + row.comparison->member + "`";
     else
       operation = std::string("`").append(row.comparison->member).append("`");
-    std::printf("| %s | %s | %.2f | %s | %.2f | %.2f ", operation.c_str(),
-                row.comparison->input.c_str(), row.ours, row.peer->name.c_str(), row.theirs,
-                row.ratio());
+    std::printf("| %s | %s | %.2f ", operation.c_str(), row.comparison->input.c_str(), row.ours);
+    if (row.peer == nullptr) {
+      std::printf("| | | | | |\n");
+      continue;
+    }
+    std::printf("| %s | %.2f | %.2f ", row.peer->name.c_str(), row.theirs, row.ratio());
     if (row.peer->goal > 0)
       std::printf("| %.2f | %s |\n", row.peer->goal, row.ratio() <= row.peer->goal ? "yes" : "NO");
     else

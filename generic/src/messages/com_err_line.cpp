@@ -44,6 +44,32 @@ bool is_missing(CS_RETCODE result) noexcept {
          result == COM_LOCFILE_ERROR;
 }
 
+// A line on its way into a buffer: each piece is cut to the room that is left.
+class Line {
+public:
+  Line(CS_CHAR *buffer, CS_INT size) noexcept
+      : begin(buffer), next(buffer), room(size > 0 ? static_cast<size_t>(size) : 0) {}
+
+  void add(std::string_view piece) noexcept {
+    const size_t length = std::min(piece.size(), room);
+    next = std::copy_n(piece.data(), length, next);
+    room -= length;
+  }
+
+  void separate() noexcept {
+    if (room < separator.size())
+      return add(separator);
+    next = std::copy_n(separator.data(), separator.size(), next);
+    room -= separator.size();
+  }
+
+  CS_INT length() const noexcept { return static_cast<CS_INT>(next - begin); }
+
+private:
+  CS_CHAR *begin, *next;
+  size_t room;
+};
+
 void release(const CsErrStrings &strings) noexcept {
   if (strings.es_err_alloc != 0)
     comn_free(strings.es_err);
@@ -185,20 +211,15 @@ CS_RETCODE com__get_errmsg(CsContext *context, CS_ERRHAN *errhan, CS_INT errnum,
 }
 
 CS_INT com__fill_climsg(const CsErrStrings *strings, CS_CHAR *buf, CS_INT maxlen) noexcept {
-  const std::string_view pieces[] = {
-      view(strings->es_api, strings->es_apilen),     separator,
-      view(strings->es_layer, strings->es_layerlen), separator,
-      view(strings->es_origin, strings->es_origlen), separator,
-      view(strings->es_err, strings->es_errlen),
-  };
-  CS_CHAR *next = buf;
-  size_t room = maxlen > 0 ? static_cast<size_t>(maxlen) : 0;
-  for (const std::string_view piece : pieces) {
-    const size_t length = std::min(piece.size(), room);
-    next = std::copy_n(piece.data(), length, next);
-    room -= length;
-  }
-  return static_cast<CS_INT>(next - buf);
+  Line line(buf, maxlen);
+  line.add(view(strings->es_api, strings->es_apilen));
+  line.separate();
+  line.add(view(strings->es_layer, strings->es_layerlen));
+  line.separate();
+  line.add(view(strings->es_origin, strings->es_origlen));
+  line.separate();
+  line.add(view(strings->es_err, strings->es_errlen));
+  return line.length();
 }
 
 CS_RETCODE com_notrunc_errmsg(CsContext *context, CS_ERRHAN *errhan, CS_INT errnum, CsErrParams *ep,

@@ -8,6 +8,7 @@
 #ifndef ZRVTEST_LAYOUT_FACTS_H
 #define ZRVTEST_LAYOUT_FACTS_H
 
+#include "zrvcomn/castctx.h"
 #include "zrvcomn/charset.h"
 #include "zrvcomn/comerr.h"
 #include "zrvcomn/comfou.h"
@@ -193,6 +194,8 @@ typedef struct com__datecrack DateToken;
   ROW(CS_CONTEXT, 120) \
   ROW(CsContext, 120) \
   ROW(CsConvertTbl, 8) \
+  ROW(CAST_CONTEXT, 40) \
+  ROW(__CONSTANT, 52) \
   ROW(CsNullTbl, 8) \
   ROW(CsDefVal, 12) \
   ROW(CsUsrCvtFunc, 20) \
@@ -293,6 +296,34 @@ typedef struct com__datecrack DateToken;
   ROW(CS_CONTEXT, ctxcsifactory, 108) \
   ROW(CS_CONTEXT, ctxcclctx, 112) \
   ROW(CS_CONTEXT, ctxssfsctx, 116) \
+  ROW(CAST_CONTEXT, ctxcvttbl, 0) \
+  ROW(CAST_CONTEXT, format, 8) \
+  ROW(CAST_CONTEXT, style, 12) \
+  ROW(CAST_CONTEXT, flags, 16) \
+  ROW(CAST_CONTEXT, months, 20) \
+  ROW(CAST_CONTEXT, shrtmonths, 24) \
+  ROW(CAST_CONTEXT, dateorder, 28) \
+  ROW(CAST_CONTEXT, char_attrib, 32) \
+  ROW(CAST_CONTEXT, cfn, 36) \
+  ROW(__CONSTANT, len, 0) \
+  ROW(__CONSTANT, type, 4) \
+  ROW(__CONSTANT, rsrvdpad, 5) \
+  ROW(__CONSTANT, maxlen, 8) \
+  ROW(__CONSTANT, prec, 12) \
+  ROW(__CONSTANT, scale, 13) \
+  ROW(__CONSTANT, newtype, 14) \
+  ROW(__CONSTANT, conomnistat, 15) \
+  ROW(__CONSTANT, cvarno, 16) \
+  ROW(__CONSTANT, constat, 18) \
+  ROW(__CONSTANT, constat2, 20) \
+  ROW(__CONSTANT, constat3, 21) \
+  ROW(__CONSTANT, conspare, 22) \
+  ROW(__CONSTANT, locale, 24) \
+  ROW(__CONSTANT, value, 28) \
+  ROW(__CONSTANT, xtype, 32) \
+  ROW(__CONSTANT, jobj, 40) \
+  ROW(__CONSTANT, constat6, 44) \
+  ROW(__CONSTANT, constat7, 48) \
   ROW(CsConvertTbl, cvttbl, 0) \
   ROW(CsConvertTbl, cvtdim, 4) \
   ROW(CsNullTbl, nullvals, 0) \
@@ -791,6 +822,10 @@ typedef struct com__datecrack DateToken;
   ROW(COM_ERRORIGIN_INTL, 5) \
   ROW(CS_DFMT_NULLTERM, 1) \
   ROW(CS_DFMT_PADNULL, 2) \
+  ROW(CAST_DFMT_PADHEAD, 8) \
+  ROW(CAST_MAY_DROP_DIGITS, 1) \
+  ROW(CAST_TYPE_FLT4, 59) \
+  ROW(CAST_TYPE_FLT8, 62) \
   ROW(CS_DFMT_PADBLANK, 4) \
   ROW(CS_DFMT_ESCQUOTE, 32) \
   ROW(CS_DFMT_FROMSOURCE, -2562) \

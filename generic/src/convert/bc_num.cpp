@@ -1,0 +1,4 @@
+// Cast-context conversions from exact numerics.
+#include "bridge.h"
+
+COMNB_UNIT(num, FromNumeric)

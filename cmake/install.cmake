@@ -1,12 +1,13 @@
 # What `cmake --install` gives: the libraries, the headers under include/zrvcomn, the home tree where
 # the library looks for it, a pkg-config file, and the CMake package zrvcomn with the targets zrv::comn,
-# zrv::intl and zrv::unic. The command installs itself (tools/).
+# zrv::intl, zrv::unic and zrv::ssfs. The command installs itself (tools/).
 include(CMakePackageConfigHelpers)
 
 set_target_properties(zrvcomn PROPERTIES EXPORT_NAME comn)
 set_target_properties(zrvintl PROPERTIES EXPORT_NAME intl)
 set_target_properties(zrvunic PROPERTIES EXPORT_NAME unic)
-install(TARGETS zrvintl zrvunic zrvcomn EXPORT zrvcomn)
+set_target_properties(velssfs PROPERTIES EXPORT_NAME ssfs)
+install(TARGETS zrvintl zrvunic velssfs zrvcomn EXPORT zrvcomn)
 install(FILES ${public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zrvcomn)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/home/ DESTINATION ${ZRV_HOME_DIR})
 

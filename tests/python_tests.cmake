@@ -37,7 +37,8 @@ file(
   \"has_command\": ${has_command},
   \"zrvcomn\": \"$<TARGET_FILE:zrvcomn>\",
   \"zrvintl\": \"$<TARGET_FILE:zrvintl>\",
-  \"zrvunic\": \"$<TARGET_FILE:zrvunic>\"
+  \"zrvunic\": \"$<TARGET_FILE:zrvunic>\",
+  \"velssfs\": \"$<TARGET_FILE:velssfs>\"
 }
 ")
 

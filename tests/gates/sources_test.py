@@ -13,7 +13,7 @@ import project
 from project import build, run, source_dir, tracked_files
 
 public_headers = tracked_files("include/*.h", "platform/zrvintl/zrvintl.h",
-                               "platform/zrvunic/zrvunic.h")
+                               "platform/zrvunic/zrvunic.h", "platform/velssfs/velssfs.h")
 
 
 def in_parallel(function, items):
@@ -177,7 +177,7 @@ class Layering(unittest.TestCase):
             if target.startswith("zrvcomn/"):
                 base = target.removeprefix("zrvcomn/")
                 found = [header for header in (f"include/{base}", f"platform/zrvintl/{base}",
-                                               f"platform/zrvunic/{base}")
+                                               f"platform/zrvunic/{base}", f"platform/velssfs/{base}")
                          if header in self.headers]
             elif own in self.headers:
                 found = [own]

@@ -20,8 +20,9 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/zrvcomn-config-version.cmak
 install(FILES ${CMAKE_BINARY_DIR}/zrvcomn-config.cmake
               ${CMAKE_BINARY_DIR}/zrvcomn-config-version.cmake DESTINATION ${package_dir})
 
-# The prefix is known for certain only when the installation runs (--prefix), so the paths of the
-# pkg-config file are filled in then.
+# The pkg-config file tells everything from its own place, so that the prefix may be moved; a directory
+# outside the prefix stays where it is. The prefix is known for certain only when the installation runs
+# (--prefix).
 set(pkg_config_in ${CMAKE_CURRENT_LIST_DIR}/zrvcomn.pc.in)
 install(
   CODE "
@@ -35,6 +36,15 @@ install(
     endforeach()
     set(file \"\${libdir}/pkgconfig/zrvcomn.pc\")
     message(STATUS \"Installing: \${file}\")
+    file(RELATIVE_PATH up \"\${libdir}/pkgconfig\" \"\${prefix}\")
+    foreach(dir libdir includedir homedir)
+      cmake_path(IS_PREFIX prefix \"\${\${dir}}\" inside)
+      if(inside)
+        file(RELATIVE_PATH \${dir} \"\${prefix}\" \"\${\${dir}}\")
+        string(PREPEND \${dir} \"\\\${prefix}/\")
+      endif()
+      string(REPLACE \" \" \"\\\\ \" \${dir} \"\${\${dir}}\")
+    endforeach()
     configure_file(\"${pkg_config_in}\" \"\$ENV{DESTDIR}\${file}\" @ONLY)
     list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${file}\")
   ")

@@ -160,14 +160,27 @@ void Converter::show(std::string_view bytes) {
   append_hex(shown, bytes);
 }
 
-// What a status has left is shown where it means something. Beyond their range, integers, floats and
-// text have a nearest value or a star; an amount, a date and an exact numeric have nothing.
+// What a status has left is shown where it means something. Text and binary may be cut. Beyond their
+// range, integers and floats have a nearest value, unless it comes from a text, and exact numerics may
+// lose decimals, unless they come from one; an amount and a date have nothing.
 bool Converter::leaves_result(CS_RETCODE status) const {
+  const bool from_text = from.layout() == Layout::text || from.layout() == Layout::varchar ||
+                         from.layout() == Layout::unitext;
+  if (is_success(status))
+    return true;
   if (zrv_status_usable(status) == 0)
     return false;
-  if (status != CS_CONV_OVERFLOW && status != CS_CONV_UNDERFLOW)
+  switch (to.layout()) {
+  case Layout::integer:
+  case Layout::floating:
+    return !from_text;
+  case Layout::exact:
+    return !from_text && status == CS_CONV_TRUNCATED;
+  case Layout::other:
+    return false;
+  default:
     return true;
-  return to.layout() != Layout::exact && to.layout() != Layout::other;
+  }
 }
 
 Outcome Converter::convert(std::string_view value) {

@@ -80,8 +80,9 @@ class Install(unittest.TestCase):
 
     def test_pkg_config(self):
         self.assertEqual(self.pkg_config("--modversion"), build.version)
-        self.assertEqual(Path(self.pkg_config("--variable=libdir")), self.libdir)
-        self.assertEqual(Path(self.pkg_config("--variable=homedir")), self.home)
+        for variable, place in (("libdir", self.libdir), ("homedir", self.home)):
+            told = shlex.split(self.pkg_config(f"--variable={variable}"))[0]
+            self.assertEqual(os.path.realpath(told), os.path.realpath(place))
         flags = shlex.split(self.pkg_config("--cflags", "--libs"))
         warnings = ["-pedantic", "-Wall", "-Wextra", "-Werror"]
         for compiler, own, source in (
@@ -91,6 +92,32 @@ class Install(unittest.TestCase):
                 program = self.scratch / f"pkg-config-{source}.out"
                 run(compiler, *own, *warnings, here / source, "-o", program, *flags)
                 self.check_client(program, LD_LIBRARY_PATH=str(self.libdir))
+
+    # Each example compiles as C99 and as C++20, prints what it says, and leaves nothing behind.
+    def test_examples(self):
+        flags = shlex.split(self.pkg_config("--cflags", "--libs"))
+        environment = self.environment | {"LD_LIBRARY_PATH": str(self.libdir)}
+        for source in project.tracked_files("examples/*.c"):
+            with self.subTest(source.name):
+                program = self.scratch / source.stem
+                run(build.c_compiler, *project.c_flags, "-std=c99", "-pedantic", "-Wall", "-Wextra",
+                    "-Wno-missing-field-initializers", "-Werror", source, "-o", program, *flags)
+                run(build.cxx_compiler, *project.cxx_flags, "-std=c++20", "-fsyntax-only", "-x", "c++",
+                    source, *shlex.split(self.pkg_config("--cflags")))
+                told = source.read_text().split("/* prints:\n")[1].removesuffix("*/\n")
+                self.assertEqual(run(program, env=environment), told)
+                valgrind = shutil.which("valgrind")
+                if valgrind and not build.toolchain:
+                    run(valgrind, "-q", "--leak-check=full", "--errors-for-leak-kinds=all",
+                        "--show-leak-kinds=all", "--error-exitcode=9", program, env=environment)
+
+    # README shows the first example as it stands.
+    def test_readme_program(self):
+        source = (project.source_dir / "examples" / "convert.c").read_text()
+        program, printed = source.split("/* prints:\n")
+        readme = (project.source_dir / "README.md").read_text()
+        self.assertIn("```c\n" + program + "```\n", readme)
+        self.assertIn("`" + printed.splitlines()[0] + "`", readme)
 
     def test_find_package(self):
         binary = self.scratch / "find-package"
@@ -103,7 +130,8 @@ class Install(unittest.TestCase):
             with self.subTest(program):
                 self.check_client(binary / program)
 
-    # Moving the prefix takes everything with it: the libraries find each other and the home tree.
+    # Moving the prefix takes everything with it: the libraries find each other and the home tree, and
+    # the pkg-config file its neighbours.
     def test_moved_prefix(self):
         program = self.scratch / "moved-client"
         run(build.c_compiler, *project.c_flags, here / "consumer.c", "-o", program,
@@ -112,6 +140,12 @@ class Install(unittest.TestCase):
         shutil.copytree(self.prefix, moved, symlinks=True)
         lines = run(program, env=self.environment | {"LD_LIBRARY_PATH": str(moved / build.libdir)})
         self.assertEqual(lines.splitlines()[1], os.path.realpath(moved / build.home_dir))
+        environment = self.environment | {
+            "PKG_CONFIG_PATH": str(moved / build.libdir / "pkgconfig")}
+        for variable, place in (("libdir", build.libdir), ("includedir", build.include_dir),
+                                ("homedir", build.home_dir)):
+            told = shlex.split(run("pkg-config", f"--variable={variable}", "zrvcomn", env=environment))[0]
+            self.assertEqual(os.path.realpath(told), os.path.realpath(moved / place))
 
     def test_command(self):
         command = self.prefix / build.bin_dir / "zrvcomn"

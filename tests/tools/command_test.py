@@ -1147,6 +1147,12 @@ class Command(unittest.TestCase):
                          ["x", "", "0", "CS_CONV_SYNTAX"])
         self.assertEqual(fields(convert("int", "numeric(2)", "--plain", "300"))[0][1], "")
         self.assertEqual(fields(convert("int", "tinyint", "--plain", "300"))[0][1], "255")
+        self.assertEqual(fields(convert("char", "tinyint", "--plain", "300"))[0][1], "")
+        self.assertEqual(fields(convert("char", "numeric(5,2)", "--plain", "1.234"))[0][1], "")
+        self.assertEqual(fields(convert("numeric(5,3)", "numeric(5,2)", "--plain", "1.234"))[0][1],
+                         "1.23")
+        self.assertEqual(fields(convert("char", "datetime", "--plain", "2001-02-30"))[0][1], "")
+        self.assertEqual(fields(convert("char", "char(2)", "--plain", "abc"))[0][1], "ab")
         row = json.loads(convert("char", "int", "--json", "--hex", "x").out)
         self.assertEqual((row["result"], row["hex"], row["code"]), (None, None, -105))
 

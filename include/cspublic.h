@@ -150,6 +150,13 @@ typedef struct _cs_thread {
  * dest      out  the destination, at any address, maxlength bytes; not null; owned by the caller
  * destlen   out  the length of the result in bytes; not null
  *
+ * A type with a width takes its width whatever maxlength says; of a varchar or varbinary source the
+ * length in the record counts, of other text and binary maxlength. Where `*destlen` exceeds what was
+ * written (258 for a record, 35 for a numeric), a caller copies the record and not `*destlen` bytes.
+ * A capacity below 0 is fatal or one of 0, as each family says. Text and binary without any bytes
+ * convert to text, but to binary they are fatal, so a client tests for them. CS_DFMT_FROMSOURCE must
+ * be set again before each call. docs/conversions.md has a table of what each status leaves behind.
+ *
  * Returns CS_SUCCEED or one of the CS_CONV_ statuses, which may come with a usable result. A null
  * pointer or a datatype that the function does not serve is fatal: the check reports it and raises
  * signal 6; CS_FAIL if the application catches the signal. No conversion sends a message or

@@ -1,0 +1,80 @@
+"""What the documents show is what the command prints and what the examples say."""
+import json
+import os
+import re
+import subprocess
+import unittest
+from pathlib import Path
+
+import project
+from project import build, source_dir
+
+command = Path(build.binary_dir) / "bin" / "zrvcomn"
+conversions = (source_dir / "docs" / "conversions.md").read_text()
+
+
+def zrvcomn(*words):
+    return subprocess.run([command, *words], capture_output=True, text=True, check=True).stdout
+
+
+def table(text, heading):
+    """The rows of the first table under a heading, without its head."""
+    rows = re.findall(r"^\| (.*) \|$", text.split(f"## {heading}\n")[1].split("\n## ")[0], re.M)
+    return [[cell.strip("`") for cell in row.split(" | ")] for row in rows[1:]]
+
+
+def shown_commands():
+    """Each line of the documents that begins with a prompt, with what stands under it."""
+    for path in project.tracked_files("docs/*.md", "README.md"):
+        for block in re.findall(r"(?:^    .*\n(?:\n(?=    ))?)+", path.read_text(), re.M):
+            for piece in re.split(r"^    \$ ", block, flags=re.M)[1:]:
+                line, _, printed = piece.partition("\n")
+                yield path.name, line, re.sub(r"^    ", "", printed, flags=re.M)
+
+
+class Docs(unittest.TestCase):
+    maxDiff = None
+
+    def test_types(self):
+        told = [(int(code), name, width) for code, name, _, width, *_ in table(conversions, "The types")]
+        types = [json.loads(line) for line in zrvcomn("types", "--json").splitlines()]
+        self.assertEqual(told, [(each["code"], each["name"],
+                                 "-" if each["width"] is None else str(each["width"]))
+                                for each in types])
+
+    def test_styles(self):
+        printed = zrvcomn("date", "format", "--all-styles", "2001-01-05T13:30:15.123456")
+        told = re.findall(r"^\| (\d+) \| `(.*)` \|$",
+                          conversions.split("## The styles of dates\n")[1], re.M)
+        self.assertEqual(told, [tuple(line.split("\t", 1)) for line in printed.splitlines()])
+
+    def test_row_program(self):
+        program, printed = (source_dir / "examples" / "row.c").read_text().split("/* prints:\n")
+        self.assertIn("```c\n" + program.rstrip() + "\n```", conversions)
+        self.assertIn("```\n" + printed.removesuffix("*/\n") + "```", conversions)
+
+#Commands that are shown print what is shown, on both streams; "..." stands for any number of lines.
+    def test_commands(self):
+        environment = {name: value for name, value in os.environ.items()
+                       if not name.startswith(("LC_", "ZRVNCL_")) and name not in ("LANG", "ZARVEK")}
+        environment |= {"PATH": f"{command.parent}:{os.environ['PATH']}", "LC_ALL": "C"}
+        count = 0
+        for name, line, printed in shown_commands():
+            if " mine." in line:  # a file of the reader's own
+                continue
+            with self.subTest(f"{name}: {line}"):
+                done = subprocess.run(["bash", "-c", line], cwd=source_dir, env=environment,
+                                      stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+                told = [each for each in printed.splitlines() if each]
+                lines = [each for each in done.stdout.decode().splitlines() if each]
+                if "..." in told:
+                    told.remove("...")
+                    self.assertLessEqual(set(told), set(lines))
+                else:
+                    self.assertEqual(sorted(lines), sorted(told))
+            count += 1
+        self.assertGreater(count, 10)
+
+
+if __name__ == "__main__":
+    project.main()

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <random>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,8 @@
 #include "foreign_locale.h"
 #include "guarded_buffer.h"
 #include "numeric_operands.h"
-#include "pad_reference.h"
 #include "test_scale.h"
+#include "text_to_text_reference.h"
 #include "text_world.h"
 
 using zrvtest::chars;
@@ -93,7 +94,7 @@ TEST(TextToFloat, Double) {
   };
   TextWorld world;
   for (const auto family : text_families)
-    for (TextSet *set : {static_cast<TextSet *>(nullptr), &world.two_bytes})
+    for (TextSet *set : {static_cast<TextSet *>(nullptr), &world.two_bytes, &world.utf8})
       for (const Row &row : rows) {
         SCOPED_TRACE(testing::Message() << "'" << row.text << "'");
         errno = EDOM;
@@ -509,6 +510,39 @@ TEST(TextToText, ACutNeverSplitsACharacter) {
     }
 }
 
+// Quotes, terminators and both pads, at every cut of texts with narrow and wide characters.
+TEST(TextToText, EveryFormatAtEveryCut) {
+  TextWorld world;
+  for (TextSet *set : {&world.iso_1, &world.two_bytes, &world.four_bytes, &world.utf8})
+    for (const char *ascii : {"", "a", "'", "''", "a'", "'a", "1 '2'", "it's 12"})
+      // Every second character is wide, the first of them or not, where there is such a form.
+      for (const size_t first_wide : {size_t{0}, size_t{1}, size_t{99}}) {
+        zrvtest::Characters source;
+        for (const char *c = ascii; *c != '\0'; ++c) {
+          const size_t place = source.size();
+          const bool is_wide = place >= first_wide && (place - first_wide) % 2 == 0;
+          source.push_back({set->tables.spell({c, 1}, [&] { return is_wide; }), *c});
+        }
+        const std::string bytes = zrvtest::spelled(source);
+        for (CS_INT format = 0; format < 16; ++format) {
+          const CS_INT bits = (format & 7) | (format >= 8 ? Q : 0);
+          for (CS_INT maxlength = 0; maxlength <= 2 * static_cast<CS_INT>(bytes.size()) + 2;
+               ++maxlength)
+            for (const auto family : text_families) {
+              const FromText result = to_text(world, family, bytes, maxlength, bits, set);
+              const zrvtest::TextResult expected =
+                  zrvtest::slow_text_to_text(source, family == varchars, bits, maxlength, '\xA5');
+              ASSERT_TRUE(
+                  (zrvtest::TextResult{result.status, result.destlen, result.bytes} == expected))
+                  << "family " << family << ", '" << ascii << "' in " << maxlength << " bytes, set "
+                  << int{set->tables.get()->cs_maxcharlen} << ", format " << bits << ": status "
+                  << result.status << " and not " << expected.status << ", length "
+                  << result.destlen << " and not " << expected.destlen;
+            }
+        }
+      }
+}
+
 TEST(TextToText, QuotesInLongerCharacters) {
   TextWorld world;
   // The wide quote reduces to a quote and is doubled as it is.
@@ -905,16 +939,49 @@ TEST(TextChecks, PointersAndDatatypes) {
     }
 }
 
-TEST(TextChecks, NothingButDatesAllocates) {
+// Of all pairs of types: a member works on its own stack, unless a date is read from text or written as
+// text.
+TEST(TextChecks, OnlyDatesAsTextAllocate) {
   TextWorld world;
-  zrvtest::AllocationProbe probe;
-  for (const auto family : text_families) {
-    for (const TextMember *member : {&flt8, &flt4, &money, &mny4})
-      world.to_fixed(family, *member, "12");
-    to_num(world, family, "12", 5, 0);
-    to_text(world, family, "12", 4);
-    world.convert(family, varchar, "12", make_format(CS_TYPE_VARCHAR, 0), sizeof(CS_VARCHAR));
-    world.convert(family, varbinary, "12", make_format(CS_TYPE_VARBINARY, 0), sizeof(CS_VARBINARY));
-  }
-  EXPECT_EQ(probe.allocations(), 0U);
+  ASSERT_EQ(com_conv_init(&world.context), OK);
+  const std::set<CS_INT> texts = {CS_TYPE_CHAR,        CS_TYPE_LONGCHAR, CS_TYPE_TEXT,
+                                  CS_TYPE_SENSITIVITY, CS_TYPE_BOUNDARY, CS_TYPE_XML,
+                                  CS_TYPE_VARCHAR};
+  const std::set<CS_INT> dates = {CS_TYPE_DATETIME, CS_TYPE_DATETIME4,   CS_TYPE_DATE,
+                                  CS_TYPE_TIME,     CS_TYPE_BIGDATETIME, CS_TYPE_BIGTIME};
+  // These have rules of their own.
+  const std::set<CS_INT> others = {CS_TYPE_VOID,          CS_TYPE_BLOB,        CS_TYPE_UNICHAR,
+                                   CS_TYPE_UNITEXT,       CS_TYPE_TEXTLOCATOR, CS_TYPE_IMAGELOCATOR,
+                                   CS_TYPE_UNITEXTLOCATOR};
+  int members = 0, allocating = 0;
+  for (CS_INT from = 0; from < CS_TYPE_COUNT; ++from)
+    for (CS_INT to = 0; to < CS_TYPE_COUNT; ++to) {
+      const CS_CONV_FUNC function = com_conv_func(&world.context, from, to);
+      if (function == nullptr || others.count(from) != 0 || others.count(to) != 0)
+        continue;
+      SCOPED_TRACE(testing::Message() << "from " << from << " to " << to);
+      // The text "0", the byte 0, the number 0 and the first day.
+      std::string source(sizeof(CS_VARCHAR), '\0');
+      if (texts.count(from) != 0)
+        source[from == CS_TYPE_VARCHAR ? 2 : 0] = '0';
+      if (from == CS_TYPE_VARCHAR || from == CS_TYPE_VARBINARY)
+        source[0] = 1;
+      if (from == CS_TYPE_NUMERIC || from == CS_TYPE_DECIMAL)
+        source[0] = 5;
+      CS_DATAFMT srcfmt = make_format(from, 1), destfmt = make_format(to, 64);
+      destfmt.precision = 5;
+      GuardedBuffer dest(sizeof(CS_VARCHAR));
+      CS_INT length = 0;
+      const zrvtest::AllocationProbe probe;
+      function(&world.context, &srcfmt, source.data(), &destfmt, dest.data(), &length);
+      const bool allocates = (texts.count(from) != 0 && dates.count(to) != 0) ||
+                             (dates.count(from) != 0 && texts.count(to) != 0);
+      EXPECT_EQ(probe.allocations() != 0, allocates);
+      EXPECT_EQ(probe.live_blocks(), 0U);
+      ++members;
+      allocating += allocates ? 1 : 0;
+    }
+  com_conv_free(&world.context);
+  EXPECT_EQ(allocating, 2 * 4 * 6); // char, longchar, text and varchar
+  EXPECT_GT(members, 600);
 }

@@ -1,5 +1,7 @@
-// Benchmarks of the conversions: integers, lookup, hexadecimal text, raw copies, padding.
+// Benchmarks of the conversions: integers, floats, money and dates from and to text, text to text, lookup,
+// hexadecimal text, raw copies, padding.
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -12,6 +14,10 @@
 #include "comparison.h"
 #include "convert_peers.h"
 #include "inputs.h"
+#include "zrvcomn/charset.h"
+#include "zrvcomn/comloc.h"
+#include "zrvcomn/datetime.h"
+#include "zrvcomn/numeric.h"
 
 namespace zrvbench {
 namespace {
@@ -269,10 +275,273 @@ void compare_pad(const char *member, Pad ours, CS_INT type, CS_INT format, CS_IN
              }}}});
 }
 
+// ---- texts ----
+
+// A locale of the built-in set, or of one whose characters from 0xA1 on have two bytes.
+struct TextLocale {
+  explicit TextLocale(bool has_two_bytes) : attributes(*com_get_charattrib()) {
+    for (int byte = 0; byte < 256; ++byte)
+      widths[byte] = has_two_bytes && byte >= 0xA1 ? 2 : 1;
+    if (has_two_bytes) {
+      attributes.cs_class = attributes.cs_maxcharlen = 2;
+      attributes.cs_width_map = widths;
+    }
+    charset.oid = &oid;
+    charset.char_attrib = &attributes;
+    for (int month = 0; month < 12; ++month) {
+      dates.months[month] = reinterpret_cast<CS_BYTE *>(com__get_months()[month]);
+      dates.shortmonths[month] = reinterpret_cast<CS_BYTE *>(com__get_shortmonths()[month]);
+    }
+    dates.locdateorder_id = com__get_date_order_id();
+    cache.locchardesc = &charset;
+    cache.locdateinfo = &dates;
+    locale.ctypeptr = locale.timeptr = &cache;
+  }
+  TextLocale(const TextLocale &) = delete;
+  TextLocale &operator=(const TextLocale &) = delete;
+
+  CS_BYTE widths[256];
+  CHAR_ATTRIB attributes;
+  CsOID oid{};
+  CsCharDesc charset{};
+  CS_DATEINFO dates{};
+  CsLocCache cache{};
+  CS_LOCALE locale{};
+};
+
+using Texts = std::shared_ptr<std::vector<std::string>>;
+
+template <class Print>
+Texts make_texts(Print print) {
+  auto texts = std::make_shared<std::vector<std::string>>();
+  texts->reserve(input_count);
+  for (size_t i = 0; i < input_count; ++i)
+    texts->push_back(print());
+  return texts;
+}
+
+// One pass of a conversion over texts of any length.
+Pass convert_texts(Conversion conversion, Texts texts) {
+  return [conversion, texts]() mutable {
+    CS_INT length = 0;
+    for (std::string &source : *texts) {
+      conversion.srcfmt.maxlength = static_cast<CS_INT>(source.size());
+      const CS_RETCODE status = conversion.function(&context, &conversion.srcfmt, source.data(),
+                                                    &conversion.destfmt, result, &length);
+      benchmark::DoNotOptimize(status);
+      benchmark::ClobberMemory();
+    }
+  };
+}
+
+template <class Value>
+void compare_reading(CS_INT type, CS_CONV_FUNC peer, const char *member, int max_digits) {
+  const auto values = random_integers<Value>(max_digits, Sign::both, [](Value) { return true; });
+  size_t next = 0;
+  const Texts texts = make_texts([&] { return std::to_string(values[next++]); });
+  const CS_DATAFMT srcfmt = make_format(CS_TYPE_CHAR, 0), destfmt = make_format(type, 8);
+  compare({"text to integer",
+           member,
+           "1 to " + std::to_string(max_digits) + " digits, half of them negative",
+           input_count,
+           convert_texts({com_conv_func(&context, CS_TYPE_CHAR, type), srcfmt, destfmt}, texts),
+           {{"std::from_chars, wrapped", 0.85, convert_texts({peer, srcfmt, destfmt}, texts)}}});
+}
+
+// ---- floats ----
+
+// Doubles of all sizes.
+double random_double(Random &random) {
+  for (;;) {
+    const uint64_t bits = random();
+    double value;
+    std::memcpy(&value, &bits, sizeof value);
+    if (std::isfinite(value))
+      return value;
+  }
+}
+
+void compare_floats() {
+  Random random(25);
+  auto values = std::make_shared<std::vector<double>>(input_count);
+  for (double &value : *values)
+    value = random_double(random);
+  size_t next = 0;
+  const auto printed = [](const char *format, double value) {
+    char text[64];
+    return std::string(text, static_cast<size_t>(std::snprintf(text, sizeof text, format, value)));
+  };
+  const Texts full = make_texts([&] { return printed("%.17g", (*values)[next++]); });
+  const Texts brief = make_texts([&] {
+    return printed("%.2f", static_cast<double>(random_below(random, 2'000'000)) / 100 - 10'000);
+  });
+  const CS_DATAFMT as_text = make_format(CS_TYPE_CHAR, 64),
+                   as_float = make_format(CS_TYPE_FLOAT, 8);
+  for (const auto &[input, texts] :
+       {std::pair{"17 digits", full}, std::pair{"short decimals", brief}})
+    compare({"text to float",
+             "comn_chartoflt8",
+             input,
+             input_count,
+             convert_texts({comn_chartoflt8, as_text, as_float}, texts),
+             {{"std::from_chars, wrapped", 1.25,
+               convert_texts({peer_flt8_from_chars, as_text, as_float}, texts)},
+              {"strtod, wrapped", 0.4, convert_texts({peer_strtod, as_text, as_float}, texts)}}});
+  compare({"float to text",
+           "comn_flt8tochar",
+           "17 digits",
+           input_count,
+           convert_each<double>({comn_flt8tochar, as_float, as_text}, values),
+           {{"std::to_chars, wrapped", 1.1,
+             convert_each<double>({peer_flt8_to_chars, as_float, as_text}, values)},
+            {"snprintf, wrapped", 0.35,
+             convert_each<double>({peer_snprintf_17, as_float, as_text}, values)}}});
+}
+
+// ---- money ----
+
+void compare_money() {
+  Random random(26);
+  auto amounts = std::make_shared<std::vector<CS_MONEY>>();
+  auto doubles = std::make_shared<std::vector<double>>();
+  const Texts texts = make_texts([&] {
+    const auto cents = random_integer<int64_t>(random, 12, Sign::both);
+    const auto count = static_cast<uint64_t>(cents * 100);
+    amounts->push_back({static_cast<CS_INT>(count >> 32), static_cast<CS_UINT>(count)});
+    doubles->push_back(static_cast<double>(cents) / 100);
+    char text[32];
+    const auto magnitude = static_cast<long long>(cents < 0 ? -cents : cents);
+    std::snprintf(text, sizeof text, "%s%lld.%02lld", cents < 0 ? "-" : "", magnitude / 100,
+                  magnitude % 100);
+    return std::string(text);
+  });
+  const CS_DATAFMT as_text = make_format(CS_TYPE_CHAR, 64),
+                   as_money = make_format(CS_TYPE_MONEY, 8),
+                   as_float = make_format(CS_TYPE_FLOAT, 8);
+  compare({"text to money",
+           "comn_chartomoney",
+           "2 decimals",
+           input_count,
+           convert_texts({comn_chartomoney, as_text, as_money}, texts),
+           {{"std::from_chars, double, wrapped", 0.95 * 1.2,
+             convert_texts({peer_flt8_from_chars, as_text, as_float}, texts)}}});
+  Comparison printing{"money to text",
+                      "comn_moneytochar",
+                      "2 decimals",
+                      input_count,
+                      convert_each<CS_MONEY>({comn_moneytochar, as_money, as_text}, amounts),
+                      {}};
+#ifdef ZRVBENCH_WITH_FMT
+  printing.peers.push_back({"fmt::format_to, wrapped", 1.3 * 1.2,
+                            convert_each<double>({peer_fmt_amount, as_float, as_text}, doubles)});
+  compare(std::move(printing));
+#endif
+}
+
+// ---- binary to text ----
+
+void compare_binary_to_text([[maybe_unused]] size_t bytes) {
+#ifdef ZRVBENCH_WITH_BOOST
+  constexpr size_t calls = 256;
+  Random random(27);
+  auto sources = std::make_shared<std::vector<std::string>>();
+  for (size_t i = 0; i < calls; ++i) {
+    std::string source(bytes, '\0');
+    for (char &byte : source)
+      byte = static_cast<char>(random());
+    sources->push_back(source);
+  }
+  const CS_DATAFMT srcfmt = make_format(CS_TYPE_BINARY, 0),
+                   destfmt = make_format(CS_TYPE_CHAR, sizeof result);
+  compare({"binary to text",
+           "comn_bintochar",
+           std::to_string(bytes) + " bytes",
+           calls,
+           convert_texts({comn_bintochar, srcfmt, destfmt}, sources),
+           {{"boost::algorithm::hex_lower, wrapped", 0.3,
+             convert_texts({peer_hex_lower, srcfmt, destfmt}, sources)}}});
+#endif
+}
+
+// ---- text to text ----
+
+void compare_text_to_text(TextLocale &locale, bool has_two_bytes, size_t bytes) {
+  Random random(28);
+  // Of the double-byte set half of the characters have two bytes.
+  const Texts texts = make_texts([&] {
+    std::string text;
+    while (text.size() < bytes) {
+      const auto letter = static_cast<char>('a' + random_below(random, 26));
+      if (has_two_bytes && text.size() + 1 < bytes && random_below(random, 2) == 0)
+        text += {static_cast<char>(0xA3), static_cast<char>(letter | 0x80)};
+      else
+        text += letter;
+    }
+    return text;
+  });
+  CS_DATAFMT format = make_format(CS_TYPE_CHAR, static_cast<CS_INT>(bytes));
+  format.locale = &locale.locale;
+  Comparison comparison{"text to text",
+                        "comn_chartochar",
+                        std::to_string(bytes) +
+                            (has_two_bytes ? " bytes, double-byte set" : " bytes, same set"),
+                        input_count,
+                        convert_texts({comn_chartochar, format, format}, texts),
+                        {}};
+  if (has_two_bytes)
+    comparison.peers = {{"a loop over widths, wrapped", 1.2,
+                         convert_texts({peer_copy_characters, format, format}, texts)}};
+  else
+    comparison.peers = {
+        {"memcpy, wrapped", 1.5, convert_texts({peer_copy_text, format, format}, texts)}};
+  compare(std::move(comparison));
+}
+
+// ---- text to date ----
+
+// The parser alone, on the text as it came.
+CS_RETCODE parse_date(CS_CONTEXT *, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *, CS_VOID *dest,
+                      CS_INT *destlen) {
+  *destlen = sizeof(CS_DATETIME);
+  return com__datefromchar_mb(static_cast<CS_DATETIME *>(dest), static_cast<CS_CHAR *>(src),
+                              srcfmt->maxlength, 0, com__get_date_order_id(), com__get_months(),
+                              com__get_shortmonths(), com_get_charattrib(), nullptr);
+}
+
+void compare_dates() {
+  Random random(29);
+  const Texts texts = make_texts([&] {
+    char text[64];
+    const auto below = [&](int bound) {
+      return static_cast<int>(random_below(random, static_cast<size_t>(bound)));
+    };
+    const char *const month = com__get_shortmonths()[below(12)];
+    std::snprintf(text, sizeof text, "%s %d %d %02d:%02d:%02d", month, 1 + below(28),
+                  1900 + below(200), below(24), below(60), below(60));
+    return std::string(text);
+  });
+  const CS_DATAFMT srcfmt = make_format(CS_TYPE_CHAR, 0),
+                   destfmt = make_format(CS_TYPE_DATETIME, 8);
+  compare(
+      {"text to date",
+       "comn_chartodatetime",
+       "month names, through a locale",
+       input_count,
+       convert_texts({comn_chartodatetime, srcfmt, destfmt}, texts),
+       {{"com__datefromchar_mb alone", 1.5, convert_texts({parse_date, srcfmt, destfmt}, texts)}}});
+}
+
 } // namespace
 
 void register_comparisons() {
+  static TextLocale one_byte(false), two_bytes(true), utf8(false);
+  static CsCtxGlobals globals;
+  globals.cmg_utf8_charset = &utf8.charset;
+  context.ctxglobals = &globals;
+  context.ctxlocale = &one_byte.locale;
   com_conv_init(&context);
+  // The double-byte set has no entries above 0x0F, so that its widths are lengths.
+  peer_widths = two_bytes.widths;
   compare_text<CS_INT>("comn_i4tochar", comn_i4tochar, peer_i4_to_chars, CS_TYPE_INT, "%d", 10);
   compare_text<CS_BIGINT>("comn_i8tochar", comn_i8tochar, peer_i8_to_chars, CS_TYPE_BIGINT, "%lld",
                           19);
@@ -284,6 +553,18 @@ void register_comparisons() {
   compare_family(Integer<CS_USMALLINT>{"ui2", CS_TYPE_USMALLINT});
   compare_family(Integer<CS_UINT>{"ui4", CS_TYPE_UINT});
   compare_family(Integer<CS_UBIGINT>{"ui8", CS_TYPE_UBIGINT});
+
+  compare_reading<CS_INT>(CS_TYPE_INT, peer_i4_from_chars, "comn_chartoi4", 10);
+  compare_reading<CS_BIGINT>(CS_TYPE_BIGINT, peer_i8_from_chars, "comn_chartoi8", 19);
+  compare_floats();
+  compare_money();
+  for (const size_t bytes : {16U, 1000U})
+    compare_binary_to_text(bytes);
+  for (const size_t bytes : {20U, 200U}) {
+    compare_text_to_text(one_byte, false, bytes);
+    compare_text_to_text(two_bytes, true, bytes);
+  }
+  compare_dates();
 
   compare_lookup();
 

@@ -314,6 +314,10 @@ TEST(FloatingToNum, Values) {
   EXPECT_EQ(num_text(to_num(CS_TYPE_FLOAT, 0.1, 20, 18)), "0.100000000000000010 (20,18)");
   EXPECT_EQ(num_text(to_num(CS_TYPE_REAL, 0.1, 20, 18)), "0.100000001490116120 (20,18)");
   EXPECT_EQ(num_text(to_num(CS_TYPE_FLOAT, 1e30, 31, 0)), "1000000000000000000000000000000 (31,0)");
+  // The largest shape there is.
+  EXPECT_EQ(to_num(CS_TYPE_FLOAT, 0.5, 77, 77).status, CS_SUCCEED);
+  EXPECT_EQ(num_text(to_num(CS_TYPE_FLOAT, 0.5, 77, 77)),
+            "0.5" + std::string(76, '0') + " (77,77)");
 }
 
 TEST(FloatingToNum, Failures) {

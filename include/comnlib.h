@@ -17,6 +17,7 @@
 
 #include "csintrn.h"
 #include "cspublic.h"
+#include "oldconv.h"
 
 struct intl_locfile;
 

@@ -1410,6 +1410,112 @@ class Command(unittest.TestCase):
         self.assertIn(b"interrupted", err)
         self.assertEqual(echoed, b"")
 
+    # ---- store ----
+
+    def store(self, *words, stdin=b""):
+        if not hasattr(self, "store_directory"):
+            above = Path(tempfile.mkdtemp())
+            self.addCleanup(shutil.rmtree, above)
+            self.store_directory = above / "store"
+        return zrvcomn("store", *words, "--directory", self.store_directory, stdin=stdin)
+
+    def test_store_keeps_values(self):
+        for value, words in ((b"secret", ()), (b"", ()), ("\u00e4\u20ac".encode(), ("--plain",)),
+                             (b"two\nlines", ())):
+            for end in (b"\n", b"\r\n", b""):
+                if not end and value.endswith(b"\n"):
+                    continue
+                self.check(self.store("put", "app/password", *words, stdin=value + end), 0, "")
+                self.assertEqual(self.store("get", "app/password").raw, value + b"\n")
+        # One line end goes, and no more.
+        self.check(self.store("put", "a", stdin=b"x\n\n"), 0, "")
+        self.assertEqual(self.store("get", "a").raw, b"x\n\n")
+        binary = bytes(range(256)) + b"\n"
+        self.check(self.store("put", "--binary", "raw", stdin=binary), 0, "")
+        self.assertEqual(self.store("get", "raw").raw, binary)
+        self.assertNotIn(b"secret", b"".join(path.read_bytes() for path in
+                                             self.store_directory.iterdir()))
+
+    def test_store_lists_and_deletes(self):
+        for key in ("b", "a/2", "a/1"):
+            self.check(self.store("put", key, stdin=b"v"), 0, "")
+        self.check(self.store("list"), 0, "a/1\na/2\nb\n")
+        self.check(self.store("list", "a/"), 0, "a/1\na/2\n")
+        self.assertEqual([json.loads(line) for line in self.store("list", "b", "--json").out.splitlines()],
+                         [{"key": "b"}])
+        self.check(self.store("list", "c"), 0, "")
+        self.check(self.store("delete", "a/1"), 0, "")
+        self.check(self.store("list"), 0, "a/2\nb\n")
+        missing = f"zrvcomn store: {self.store_directory}/a+1.rec: there is no such record\n"
+        self.check(self.store("delete", "a/1"), 1, "", missing)
+        self.check(self.store("get", "a/1"), 1, "", missing)
+
+    def test_store_rekey(self):
+        self.check(self.store("put", "a", stdin=b"v"), 0, "")
+        key = (self.store_directory / "key").read_bytes()
+        self.check(self.store("rekey"), 0, "")
+        self.assertNotEqual((self.store_directory / "key").read_bytes(), key)
+        self.check(self.store("rekey", "--from-input", stdin=b"0f" * 32 + b"\n"), 0, "")
+        self.assertIn(b"\x0f" * 32, (self.store_directory / "key").read_bytes())
+        self.check(self.store("get", "a"), 0, "v\n")
+        self.check(self.store("rekey", "--from-input", stdin=b"0f\n"), 1, "",
+                   "zrvcomn store: a master key is 64 hexadecimal digits\n")
+
+    def test_store_refuses(self):
+        self.check(self.store("put", "a", stdin=b"\xff"), 1, "",
+                   "zrvcomn store: a value that is not binary must be UTF-8\n")
+        self.check(self.store("put", "a", stdin=b"x\0y"), 1, "",
+                   "zrvcomn store: the value has a NUL byte: it is binary (--binary)\n")
+        for words in ((), ("--binary",)):
+            self.check(self.store("put", "a", *words, stdin=b"x" * 1048577), 1, "",
+                       "zrvcomn store: a value has at most 1048576 bytes\n")
+            self.check(self.store("put", "a", *words, stdin=b"x" * 1048576), 0, "")
+        self.check(self.store("put", "a b", stdin=b"x"), 1, "",
+                   "zrvcomn store: this is no key of a record\n")
+
+    def test_store_usage(self):
+        self.check_usage(zrvcomn("store"))
+        self.check_usage(zrvcomn("store", "steal"))
+        self.check_usage(zrvcomn("store", "put"), "the key of a record is needed")
+        self.check_usage(zrvcomn("store", "put", "a", "secret"), "never from the arguments")
+        self.check_usage(zrvcomn("store", "rekey", "0f" * 32), "never from the arguments")
+        self.check_usage(zrvcomn("store", "get", "a", "--plain"), "--plain goes with put")
+        self.check_usage(zrvcomn("store", "put", "a", "--json"), "--json goes with list")
+        self.check_usage(zrvcomn("store", "list", "--directory", "/" + "d" * 4000), "too long")
+
+    # The library's own message, its log, and no crash.
+    def test_store_without_its_library(self):
+        with tempfile.TemporaryDirectory() as scratch:
+            (Path(scratch) / "libvelssfs.so").write_text("no library")
+            done = subprocess.run([command, "store", "list"], cwd=scratch, capture_output=True, text=True,
+                                  env=os.environ | {"LD_LIBRARY_PATH": scratch})
+            self.assertEqual((done.returncode, done.stdout), (1, ""))
+            self.assertRegex(done.stderr, r"\Azrvcomn store: comn_ssfslib_load\(\): [^\n]*\n"
+                                          r"zrvcomn store: the secure store cannot be loaded\n\Z")
+            self.assertRegex((Path(scratch) / "secstore.log").read_text(),
+                             r"\A\(comn_ssfslib_load line \d+\): "
+                             r"DLOPEN of libvelssfs.so library failed\n\Z")
+
+    def test_store_asks_without_echo(self):
+        above = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, above)
+        master, slave = pty.openpty()
+        try:
+            process = subprocess.Popen([command, "store", "put", "a", "--directory", above],
+                                       stdin=slave, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            prompt = b""
+            while not prompt.endswith(b"value: "):
+                prompt += os.read(process.stderr.fileno(), 1)
+            self.await_quiet(master)
+            os.write(master, b"typed secret\n")
+            out, err = process.communicate(timeout=60)
+            self.assertEqual((process.returncode, out, err), (0, b"", b"\n"))
+            self.assertFalse(select.select([master], [], [], 0.2)[0])
+        finally:
+            os.close(master)
+            os.close(slave)
+        self.assertEqual(zrvcomn("store", "get", "a", "--directory", above).raw, b"typed secret\n")
+
     # ---- types --wire ----
 
     def test_types_wire(self):

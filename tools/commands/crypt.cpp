@@ -1,18 +1,14 @@
 // zrvcomn crypt: the hexadecimal form of the password cipher. Nothing secret comes from the
 // arguments, which any process can read.
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <memory>
-#include <optional>
-#include <termios.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 
 #include "arguments.h"
 #include "output.h"
+#include "secret.h"
 #include "status_names.h"
 #include "subcommand.h"
 #include "visible.h"
@@ -22,97 +18,11 @@ namespace {
 
 using namespace zrvtool;
 
-// A text that is wiped when it goes, and never moves while it grows.
-class Secret {
-public:
-  Secret() = default;
-  ~Secret() { com_secure_memset(bytes, 0, sizeof bytes); }
-  Secret(const Secret &) = delete;
-  Secret &operator=(const Secret &) = delete;
-
-  bool append(char byte) {
-    if (used == static_cast<int>(sizeof bytes))
-      return false;
-    bytes[used++] = byte;
-    return true;
-  }
-  void drop_carriage_return() {
-    if (used > 0 && bytes[used - 1] == '\r')
-      --used;
-  }
-  char *data() { return bytes; }
-  int size() const { return used; }
-  void resize(int size) { used = size; }
-
-private:
-  char bytes[1024];
-  int used = 0;
-};
-
-volatile std::sig_atomic_t interrupted = 0;
-
-// Turns the echo of the terminal off, also for the time of a signal: reading breaks off, and the
-// terminal is as it was before the process ends.
-class WithoutEcho {
-public:
-  WithoutEcho() {
-    tcgetattr(STDIN_FILENO, &before);
-    struct sigaction action {};
-    action.sa_handler = [](int) { interrupted = 1; };
-    for (size_t i = 0; i < std::size(signals); ++i)
-      sigaction(signals[i], &action, &actions[i]);
-    termios quiet = before;
-    quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
-  }
-  ~WithoutEcho() {
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
-    for (size_t i = 0; i < std::size(signals); ++i)
-      sigaction(signals[i], &actions[i], nullptr);
-  }
-  WithoutEcho(const WithoutEcho &) = delete;
-  WithoutEcho &operator=(const WithoutEcho &) = delete;
-
-private:
-  static constexpr int signals[] = {SIGINT, SIGTERM, SIGQUIT, SIGHUP, SIGTSTP};
-  struct sigaction actions[std::size(signals)];
-  termios before;
-};
-
-// Reads a line byte by byte, so that nothing secret stays behind in a buffer.
-void read_line(Secret &line, const std::string &what) {
-  std::optional<WithoutEcho> quiet;
-  if (isatty(STDIN_FILENO)) {
-    std::fprintf(stderr, "%s: ", what.c_str());
-    quiet.emplace();
-  }
-  bool is_empty = true;
-  for (char byte;;) {
-    const ssize_t got = read(STDIN_FILENO, &byte, 1);
-    if (interrupted)
-      throw StreamError("interrupted");
-    if (got < 0 && errno == EINTR)
-      continue;
-    if (got < 0)
-      throw StreamError(std::string("cannot read standard input: ") + std::strerror(errno));
-    if (got == 0 && is_empty)
-      throw StreamError("standard input ended before the " + what);
-    is_empty = false;
-    if (got == 0 || byte == '\n')
-      break;
-    if (!line.append(byte))
-      throw StreamError("the " + what + " is too long");
-  }
-  line.drop_carriage_return();
-  if (quiet)
-    std::fputc('\n', stderr);
-}
-
 // "0x" and two digits for each byte is a salt of any bytes; else the salt is what stands there.
 void read_salt(Secret &salt) {
   Secret line;
   read_line(line, "salt");
-  const std::string_view text(line.data(), static_cast<size_t>(line.size()));
+  const std::string_view text = line.text();
   if (text.size() != 2 + 2 * COM_ENC_SALTLEN || text.substr(0, 2) != "0x" ||
       text.find_first_not_of("0123456789abcdefABCDEF", 2) != std::string_view::npos) {
     for (const char byte : text)
@@ -162,7 +72,7 @@ int decode() {
   if (status != CS_SUCCEED)
     return fail("this is not 0x01 and 66 hexadecimal digits of a block", status);
   text.resize(length);
-  const std::string_view bytes(text.data(), static_cast<size_t>(text.size()));
+  const std::string_view bytes = text.text();
   Writer out(STDOUT_FILENO);
   out.text.reserve(4 * COM_ENC_MAXTEXT + 1); // growing would leave a copy behind
   if (out.is_terminal())

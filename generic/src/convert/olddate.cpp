@@ -7,28 +7,13 @@ namespace {
 namespace kinds = comn::date_value;
 using namespace comn::legacy;
 
-template <class Source, class Dest, kinds::Step<Source, Dest> step>
-CS_RETCODE convert(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
-  *destlen = sizeof(typename Dest::Value);
-  auto source = comn::load<typename Source::Value>(src);
-  typename Dest::Value value;
-  const CS_RETCODE status = kinds::in_range(step(&source, &value));
-  if (status == CS_SUCCEED)
-    comn::store(dest, value);
-  return status;
-}
-
 // A text that was cut ends as its shape does.
-template <class Shape, class Value>
-CS_INT date_text(Value value, CS_BYTE *dest, CS_INT destlen, char **shortmonths,
+template <class Shape, class Kind>
+CS_INT date_text(Kind, const CS_BYTE *src, CS_BYTE *dest, CS_INT destlen, char **shortmonths,
                  CS_INT style) noexcept {
   const Shape shape(dest, destlen);
-  char **const names = shortmonths == nullptr ? com__get_shortmonths() : shortmonths;
-  CS_INT length;
-  if constexpr (sizeof(Value) == sizeof(CS_DATETIME))
-    length = com__datetochar(&value, chars(shape.text), shape.room, style, names);
-  else
-    length = com__date4tochar(&value, chars(shape.text), shape.room, style, names);
+  const CS_INT length = Kind::write(src, chars(shape.text), shape.room, style,
+                                    shortmonths == nullptr ? com__get_shortmonths() : shortmonths);
   constexpr CS_INT cut = 0;
   if (length == cut) {
     shape.finish(shape.room);
@@ -43,20 +28,16 @@ constexpr CS_INT with_milliseconds = 9;
 
 } // namespace
 
-#define COMN_OLD_DATE_UNIT(source, type)                                                           \
+#define COMN_OLD_DATE_UNIT(source)                                                                 \
+  COMN_OLD_TO_FIXED(source, datetime, kinds::convert<kinds::source, kinds::date>)                  \
   COMN_OLD_ALIAS(com_##source##todate, com_##source##todatetime)                                   \
+  COMN_OLD_TO_FIXED(source, date4, kinds::convert<kinds::source, kinds::date4>)                    \
   COMN_OLD_TO_TEXT(source, date_text, ,                                                            \
-                   (comn::load<type>(src), dest, destlen, shortmonths, with_milliseconds),         \
+                   (kinds::source{}, src, dest, destlen, shortmonths, with_milliseconds),          \
                    char **shortmonths)                                                             \
-  COMN_OLD_TO_BYTES(source, copy_bytes, src, sizeof(type))
+  COMN_OLD_TO_BYTES(source, copy_bytes, src, sizeof(kinds::source::Value))
 
-COMN_OLD_TO_FIXED(date, datetime, convert<kinds::date, kinds::date, kinds::copy>)
-COMN_OLD_TO_FIXED(date, date4, convert<kinds::date, kinds::date4, com__dttodate4>)
-COMN_OLD_DATE_UNIT(date, CS_DATETIME)
-COMN_OLD_TO_TEXT(date, date_text, _ex,
-                 (comn::load<CS_DATETIME>(src), dest, destlen, shortmonths, style),
+COMN_OLD_DATE_UNIT(date)
+COMN_OLD_DATE_UNIT(date4)
+COMN_OLD_TO_TEXT(date, date_text, _ex, (kinds::date{}, src, dest, destlen, shortmonths, style),
                  char **shortmonths, CS_INT style)
-
-COMN_OLD_TO_FIXED(date4, datetime, convert<kinds::date4, kinds::date, com__date4todt>)
-COMN_OLD_TO_FIXED(date4, date4, convert<kinds::date4, kinds::date4, kinds::copy>)
-COMN_OLD_DATE_UNIT(date4, CS_DATETIME4)

@@ -524,7 +524,8 @@ ZRV_API CS_RETCODE comn_loc_copy(CS_LOCALE *dest_locale, CS_LOCALE *src_locale) 
 
 /* Prints through com_perr which files of the installation are missing, for a program that could not
  * start a context. Only the environment and the files are looked at. CS_SUCCEED when nothing was
- * missing, else CS_FAIL. */
+ * missing, else CS_FAIL. Two of the files are not this library's, and it starts without them: cslib.loc,
+ * the messages of the layer above, and the .cfg of the character set. */
 ZRV_API CS_RETCODE com_intl_verify_ctxloc(CS_CONTEXT *context) ZRV_NOEXCEPT;
 
 /* com__verify_msgfile for the language of a locale's messageptr. */
@@ -791,7 +792,7 @@ ZRV_API CS_RETCODE comn_intl_set_bdtfmt(CS_CONTEXT *context, CS_LOCALE *locale,
 ZRV_PRIVATE CS_RETCODE comn__intl_set_dtfmt(CS_CONTEXT *context, CS_LOCALE *locale, CS_INT type,
                                             CS_VOID *buffer) ZRV_NOEXCEPT;
 
-/* comn_intl_is12hour, and 1 when there is neither a locale nor a context. */
+/* comn_intl_is12hour, but for a context that may be null: without a locale and a ctxlocale it is 1. */
 ZRV_API CS_INT comn_dtloc_is12hour(CS_CONTEXT *context, CS_LOCALE *locale) ZRV_NOEXCEPT;
 
 /* The number of the date order, and the style of date-times as text, of a locale, else of ctxlocale,

@@ -131,6 +131,16 @@ TEST_F(Verify, ABrokenRow) {
                                  installation.path("charsets/utf8/.srt") + " file\n");
 }
 
+// What this library ships is whole; two files come with the layers above.
+TEST_F(Verify, TheShippedInstallation) {
+  setenv("ZARVEK", ZRVTEST_HOME, 1);
+  const std::string text = report(CS_FAIL);
+  EXPECT_EQ(text.substr(text.find("Using")),
+            "Using default locale name: \"default\"\n"
+            "Cannot access " ZRVTEST_HOME "/locales/message/us_english/cslib.loc file\n"
+            "Cannot access " ZRVTEST_HOME "/charsets/utf8/utf8.cfg file\n");
+}
+
 // ---- single files ----
 
 TEST_F(Verify, AFileOfALanguage) {

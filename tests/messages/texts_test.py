@@ -1,7 +1,9 @@
 """The shipped texts of messages are what their generator makes of the list, and the generator refuses what
 is no list."""
+import re
 import sys
 import tempfile
+import unicodedata
 import unittest
 from pathlib import Path
 
@@ -14,6 +16,33 @@ shipped = source_dir / "home/locales/message"
 
 def files(folder, name):
     return {path.parent.name: path.read_text(encoding="utf-8") for path in Path(folder).glob(f"*/{name}")}
+
+# The scripts of languages that are not written in Latin letters, as the names of characters begin.
+SCRIPTS = {
+    **dict.fromkeys(("bulgarian", "kazakh", "russian", "serbian", "ukrainian"), {"CYRILLIC"}),
+    **dict.fromkeys(("arabic", "persian"), {"ARABIC"}),
+    **dict.fromkeys(("simplified_chinese", "traditional_chinese"), {"CJK"}),
+    "greek": {"GREEK"},
+    "hebrew": {"HEBREW"},
+    "hindi": {"DEVANAGARI"},
+    "japanese": {"CJK", "HIRAGANA", "KATAKANA", "KATAKANA-HIRAGANA"},
+    "korean": {"HANGUL"},
+    "thai": {"THAI"},
+}
+
+# Languages that may well have the same sentence.
+RELATIVES = ({"portuguese", "brazilian"}, {"danish", "norwegian"}, {"czech", "slovak"}, {"indonesian", "malay"})
+
+
+def texts(file):
+    """{(section, number): text} of a comnlib.loc, without parameters."""
+    found, section = {}, None
+    for line in file.splitlines():
+        if match := re.fullmatch(r"\[(.*)\]", line):
+            section = match[1]
+        elif match := re.fullmatch(r'(\d+) = [0-9A-Z]{5}, "(.*)"', line):
+            found[section, match[1]] = re.sub("%(?:s|ld|[1-9]!)", "", match[2])
+    return found
 
 
 class MessageTexts(unittest.TestCase):
@@ -33,6 +62,29 @@ class MessageTexts(unittest.TestCase):
             made = files(folder, "comnlib.loc")
         self.assertEqual(len(made), 43)
         self.assertEqual(files(shipped, "comnlib.loc"), made)
+
+    def test_texts_are_in_the_script_of_their_language(self):
+        for language, file in files(shipped, "comnlib.loc").items():
+            for index, text in texts(file).items():
+                letters = filter(str.isalpha, text.replace("byte", "") if language == "greek" else text)
+                found = {unicodedata.name(letter).split()[0] for letter in letters}
+                with self.subTest(language=language, index=index):
+                    self.assertTrue(found)
+                    self.assertLessEqual(found, SCRIPTS.get(language, {"LATIN"}))
+
+    def test_sentences_are_translated(self):
+        sentences = {}
+        for language, file in files(shipped, "comnlib.loc").items():
+            for index, text in texts(file).items():
+                if index[0] == "comapierror" and language != "uk_english":
+                    sentences.setdefault((index, text), set()).add(language)
+        for (index, text), languages in sentences.items():
+            with self.subTest(index=index, text=text):
+                self.assertTrue(len(languages) == 1 or any(languages <= near for near in RELATIVES), languages)
+
+    def test_letters_that_sets_lack_have_others_for_them(self):
+        made = self.generate("[a]\n1 42000\nALL: ȘșȚț\N{MODIFIER LETTER APOSTROPHE}\N{HEBREW PUNCTUATION GERESH}\n")
+        self.assertIn("\"ŞşŢţ''\"", made["romanian"])
 
     def test_a_list(self):
         made = self.generate("# comment\n[b]\n\n7 0A000\nALL: A \"text\", %s\n[a]\n1 42000\nALL: ü: x\n")

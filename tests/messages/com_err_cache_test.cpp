@@ -450,6 +450,17 @@ TEST_F(MessageCache, States) {
                             com_err_sqlstate(&context, handle(), 7, 4, eight.text(), 8, nullptr));
 }
 
+TEST_F(MessageCache, AStateThatCannotBeRead) {
+  ASSERT_EQ(com_errinit(&context), CS_SUCCEED);
+  std::filesystem::remove(folder() / "comnlib.loc");
+  GuardedBuffer eight(8);
+  CS_INT length = -1;
+  EXPECT_EQ(com_err_sqlstate(&context, handle(), 7, 4, eight.text(), 8, &length),
+            COM_LOCFILE_ERROR);
+  EXPECT_TRUE(eight.is_untouched());
+  EXPECT_EQ(length, -1);
+}
+
 // ---- conversion ----
 
 // What a conversion of the application's does: it answers each call with the next of the results, and

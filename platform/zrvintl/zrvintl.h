@@ -1,6 +1,6 @@
 /*
  * zrvintl.h - the interface of libzrvintl: memory, environment, home directory, bounded strings, the
- * texts of messages, and the reader of the installation's files.
+ * texts of messages, the reader of the installation's files, and files read byte by byte.
  *
  * libzrvcomn calls nothing else of this library, so any library with this interface can stand in
  * its place.
@@ -240,6 +240,37 @@ typedef struct intl_dateinfo {
  * ZRVINTL_EINVAL for a null `dateinfo`; or the reader's own status.
  */
 ZRV_API int intl_datetime(INTL_LOCFILE *ifile, intl_dateinfo *dateinfo) ZRVINTL_NOEXCEPT;
+
+/* ---- files that are read byte by byte ---- */
+
+/* An open file. */
+typedef struct intl_iocs INTL_IOCS;
+
+/* The mode of intl_iocsfopen: to read. */
+#define INTL_IOCS_READ 2
+
+/* Opens the file at `path`. `mode` is INTL_IOCS_READ; there is no other. Null for another mode or a null
+ * path, when the file cannot be opened and without memory. To be closed with intl_iocsfclose. */
+ZRV_API INTL_IOCS *intl_iocsfopen(const char *path, int mode) ZRVINTL_NOEXCEPT;
+
+/*
+ * Reads on.
+ *
+ * buffer  out  the items, one after another; what stands behind the last whole one is undefined
+ * size    in   bytes of an item
+ * count   in   the most items to read
+ *
+ * Returns the number of whole items; 0 at the end of the file and when nothing is asked for. What is
+ * left of the file when it is less than an item is lost. When reading fails the whole items that were
+ * read before are the result, and every later call is ZRVINTL_EREAD. ZRVINTL_EINVAL for a null pointer
+ * and for more than INT_MAX bytes.
+ */
+ZRV_API int intl_iocsfread(void *buffer, size_t size, size_t count,
+                           INTL_IOCS *iocs) ZRVINTL_NOEXCEPT;
+
+/* Closes a file and releases it, whatever the result: 0, ZRVINTL_EREAD when the system reports a
+ * failure, or ZRVINTL_ECLOSED for null. */
+ZRV_API int intl_iocsfclose(INTL_IOCS *iocs) ZRVINTL_NOEXCEPT;
 
 #ifdef __cplusplus
 }

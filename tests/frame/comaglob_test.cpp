@@ -5,22 +5,11 @@
 
 #include "allocation_probe.h"
 #include "check_trap.h"
+#include "zrvcomn/comcfg.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
 
 using zrvtest::AllocationProbe;
-
-namespace {
-
-int foreign_calls;
-
-} // namespace
-
-// An application's function that has the name of one of the library's own to come: it is none of
-// the library's business.
-extern "C" void comn_globdrop_cfg(CS_VOID *) noexcept {
-  ++foreign_calls;
-}
 
 namespace {
 
@@ -35,16 +24,19 @@ bool is_cleared(const CsAppGlobal &record) {
 
 class AppGlobal : public testing::Test {
 protected:
-  AppGlobal() {
-    foreign_calls = 0;
-    clear();
-  }
-  ~AppGlobal() override {
-    EXPECT_EQ(foreign_calls, 0);
-    clear();
-  }
+  AppGlobal() { clear(); }
+  ~AppGlobal() override { clear(); }
   static void clear() {
     std::memset(static_cast<void *>(&Application_global), 0, sizeof Application_global);
+  }
+
+  // A configuration file that the process-wide record can release.
+  static CS_CFGCHAIN *new_file(CS_CFGCHAIN *older = nullptr) {
+    auto *const chain = static_cast<CS_CFGCHAIN *>(comn_calloc(1, sizeof(CS_CFGCHAIN)));
+    chain->next = older;
+    if (older != nullptr)
+      older->prev = chain;
+    return chain;
   }
 
   static CsAppGlobal *access(CS_INT flags, CS_THREAD *thread = nullptr) {
@@ -54,8 +46,8 @@ protected:
   }
 
   CS_THREAD threads{}, other_threads{};
-  int chain_link = 0;
-  CS_CFGCHAIN *const chain = reinterpret_cast<CS_CFGCHAIN *>(&chain_link);
+  CS_CFGCHAIN file{};
+  CS_CFGCHAIN *const chain = &file;
 };
 
 } // namespace
@@ -108,15 +100,18 @@ TEST_F(AppGlobal, OnlyBitOneOfTheFlagsCounts) {
 }
 
 TEST_F(AppGlobal, LastDropClearsTheRecord) {
+  AllocationProbe probe;
   access(is_static, &threads);
   access(is_static);
-  Application_global.ag_cfgchain = chain;
+  Application_global.ag_cfgchain = new_file(new_file());
   Application_global.ag_state = 5;
   Application_global.ag_mtx = &threads;
   EXPECT_EQ(com_appglobal_drop(&Application_global, is_static), CS_SUCCEED);
   EXPECT_EQ(Application_global.ag_state, 5);
+  EXPECT_EQ(probe.live_blocks(), 2U);
   EXPECT_EQ(com_appglobal_drop(&Application_global, is_static), CS_SUCCEED);
   EXPECT_TRUE(is_cleared(Application_global));
+  EXPECT_EQ(probe.live_blocks(), 0U);
 }
 
 TEST_F(AppGlobal, PrivateRecordsAreClearedBlocksOfTheirOwn) {
@@ -134,7 +129,7 @@ TEST_F(AppGlobal, PrivateRecordsAreClearedBlocksOfTheirOwn) {
   first->ag_ctxthread = nullptr;
   EXPECT_TRUE(is_cleared(*first));
   first->ag_accesscnt = 1;
-  first->ag_cfgchain = chain;
+  first->ag_cfgchain = new_file();
   EXPECT_EQ(com_appglobal_drop(first, is_private), CS_SUCCEED);
   EXPECT_EQ(com_appglobal_drop(second, is_private), CS_SUCCEED);
   EXPECT_EQ(probe.live_blocks(), 0U);

@@ -2,14 +2,10 @@
 #include <cstring>
 
 #include "checks.h"
+#include "comcfg.h"
 #include "zrvintl.h"
 
 CsAppGlobal Application_global;
-
-// Releases a configuration chain. It comes with the configuration reader, which alone makes chains.
-// Hidden, so that until then it is no application's function of the same name.
-extern "C" void comn_globdrop_cfg(CS_VOID *cfgchain) noexcept
-    __attribute__((weak, visibility("hidden")));
 
 CS_RETCODE com_appglobal_alloc(CsAppGlobal **appglobal, CS_THREAD *thread, CS_INT flags) noexcept {
   COMN_CHECK_PTR(appglobal, COMN_TRACE(CS_FAIL));
@@ -44,7 +40,7 @@ CS_RETCODE com_appglobal_drop(CsAppGlobal *appglobal, CS_INT flags) noexcept {
 
   for (const CS_INT subscribers : appglobal->ag_subscribers)
     COMN_CHECK(subscribers == 0, COMN_TRACE(CS_FAIL));
-  if (appglobal->ag_cfgchain != nullptr && comn_globdrop_cfg != nullptr)
+  if (appglobal->ag_cfgchain != nullptr)
     comn_globdrop_cfg(appglobal->ag_cfgchain);
   std::memset(appglobal, 0, sizeof *appglobal);
   if (appglobal != &Application_global)

@@ -2,32 +2,21 @@
 #include <gtest/gtest.h>
 
 #include "cast_call.h"
+#include "cast_pad_reference.h"
 #include "check_trap.h"
 
+using zrvtest::CastPadded;
 using zrvtest::GuardedBuffer;
+using zrvtest::reference_cast_pad;
 
 namespace {
 
 constexpr CS_INT N = CS_DFMT_NULLTERM, P = CS_DFMT_PADNULL, B = CS_DFMT_PADBLANK,
                  H = CAST_DFMT_PADHEAD;
 
-struct Padded {
-  CS_RETCODE status;
-  CS_INT len;
-  std::string bytes;
-};
-
-bool operator==(const Padded &a, const Padded &b) {
-  return a.status == b.status && a.len == b.len && a.bytes == b.bytes;
-}
-
-std::ostream &operator<<(std::ostream &out, const Padded &padded) {
-  return out << padded.status << ' ' << padded.len << " \"" << padded.bytes << '"';
-}
-
 // The first `len` bytes of "abcdef" in a capacity of `room`, padded; "." stands for what was not written.
 template <class Pad>
-Padded pad(Pad function, CS_INT format, CS_INT len, CS_INT room) {
+CastPadded pad(Pad function, CS_INT format, CS_INT len, CS_INT room) {
   GuardedBuffer buffer(static_cast<size_t>(room));
   std::string bytes = std::string("abcdef").substr(0, static_cast<size_t>(std::max(len, 0)));
   bytes.resize(static_cast<size_t>(room), '.');
@@ -42,37 +31,6 @@ Padded pad(Pad function, CS_INT format, CS_INT len, CS_INT room) {
   return {status, dest.len, buffer.contents()};
 }
 
-// comnb__padchar by its rules.
-Padded reference(CS_INT format, CS_INT len, CS_INT room) {
-  const auto has = [format](CS_INT bit) { return (format & bit) != 0; };
-  Padded result{CS_SUCCEED, len, std::string("abcdef").substr(0, static_cast<size_t>(len))};
-  result.bytes.resize(static_cast<size_t>(room), '.');
-  if (room < len || (has(N) && room == len)) {
-    result.status = CS_CONV_OVERFLOW;
-    return result;
-  }
-  if (has(P) && has(B)) {
-    result.status = CS_CONV_PADCONFLICT;
-  } else if (has(P)) {
-    for (CS_INT i = len; i < room; ++i)
-      result.bytes[static_cast<size_t>(i)] = '\0';
-    result.len = room;
-  } else if (has(B) && has(H) && has(N)) {
-    result.status = CS_CONV_PADCONFLICT;
-  } else if (has(B)) {
-    const CS_INT first = has(H) ? 0 : len;
-    for (CS_INT i = 0; i < room - len; ++i)
-      result.bytes[static_cast<size_t>(first + i)] = ' ';
-    if (has(N))
-      result.bytes[static_cast<size_t>(room - 1)] = '\0';
-    result.len = room;
-  } else if (has(N)) {
-    result.bytes[static_cast<size_t>(len)] = '\0';
-    result.len = len + 1;
-  }
-  return result;
-}
-
 } // namespace
 
 TEST(CastPad, TextInEveryFormatAndRoom) {
@@ -80,7 +38,9 @@ TEST(CastPad, TextInEveryFormatAndRoom) {
     for (CS_INT len = 0; len <= 6; ++len)
       for (CS_INT room = 0; room <= 14; ++room)
         if (room >= len) {
-          EXPECT_EQ(pad(comnb__padchar, format, len, room), reference(format, len, room))
+          EXPECT_EQ(pad(comnb__padchar, format, len, room),
+                    reference_cast_pad(std::string("abcdef").substr(0, static_cast<size_t>(len)),
+                                       format, room))
               << "format " << format << ", len " << len << ", room " << room;
         }
 }
@@ -90,36 +50,36 @@ TEST(CastPad, TextExamples) {
   const auto text = [](CS_INT format, CS_INT len, CS_INT room) {
     return pad(comnb__padchar, format, len, room);
   };
-  EXPECT_EQ(text(0, 3, 5), (Padded{CS_SUCCEED, 3, "abc.."}));
-  EXPECT_EQ(text(0, 3, 3), (Padded{CS_SUCCEED, 3, "abc"}));
-  EXPECT_EQ(text(N, 3, 5), (Padded{CS_SUCCEED, 4, "abc\0."s}));
-  EXPECT_EQ(text(N, 3, 3), (Padded{CS_CONV_OVERFLOW, 3, "abc"}));
-  EXPECT_EQ(text(P, 3, 5), (Padded{CS_SUCCEED, 5, "abc\0\0"s}));
-  EXPECT_EQ(text(B, 3, 5), (Padded{CS_SUCCEED, 5, "abc  "}));
-  EXPECT_EQ(text(B | N, 3, 5), (Padded{CS_SUCCEED, 5, "abc \0"s}));
-  EXPECT_EQ(text(P | B, 3, 5), (Padded{CS_CONV_PADCONFLICT, 3, "abc.."}));
+  EXPECT_EQ(text(0, 3, 5), (CastPadded{CS_SUCCEED, 3, "abc.."}));
+  EXPECT_EQ(text(0, 3, 3), (CastPadded{CS_SUCCEED, 3, "abc"}));
+  EXPECT_EQ(text(N, 3, 5), (CastPadded{CS_SUCCEED, 4, "abc\0."s}));
+  EXPECT_EQ(text(N, 3, 3), (CastPadded{CS_CONV_OVERFLOW, 3, "abc"}));
+  EXPECT_EQ(text(P, 3, 5), (CastPadded{CS_SUCCEED, 5, "abc\0\0"s}));
+  EXPECT_EQ(text(B, 3, 5), (CastPadded{CS_SUCCEED, 5, "abc  "}));
+  EXPECT_EQ(text(B | N, 3, 5), (CastPadded{CS_SUCCEED, 5, "abc \0"s}));
+  EXPECT_EQ(text(P | B, 3, 5), (CastPadded{CS_CONV_PADCONFLICT, 3, "abc.."}));
   // The room is tested before the bits are.
-  EXPECT_EQ(text(P | B | N, 3, 3), (Padded{CS_CONV_OVERFLOW, 3, "abc"}));
-  EXPECT_EQ(text(B | H | N, 3, 5), (Padded{CS_CONV_PADCONFLICT, 3, "abc.."}));
+  EXPECT_EQ(text(P | B | N, 3, 3), (CastPadded{CS_CONV_OVERFLOW, 3, "abc"}));
+  EXPECT_EQ(text(B | H | N, 3, 5), (CastPadded{CS_CONV_PADCONFLICT, 3, "abc.."}));
   // The bit for the head counts with blanks alone.
-  EXPECT_EQ(text(H, 3, 5), (Padded{CS_SUCCEED, 3, "abc.."}));
-  EXPECT_EQ(text(H | N, 3, 5), (Padded{CS_SUCCEED, 4, "abc\0."s}));
-  EXPECT_EQ(text(H | P, 3, 5), (Padded{CS_SUCCEED, 5, "abc\0\0"s}));
+  EXPECT_EQ(text(H, 3, 5), (CastPadded{CS_SUCCEED, 3, "abc.."}));
+  EXPECT_EQ(text(H | N, 3, 5), (CastPadded{CS_SUCCEED, 4, "abc\0."s}));
+  EXPECT_EQ(text(H | P, 3, 5), (CastPadded{CS_SUCCEED, 5, "abc\0\0"s}));
 }
 
 // Deliberate: the value does not make way, so the blanks replace its first bytes, and what lies behind
 // it stays.
 TEST(CastPad, BlanksAtTheHeadOverwriteTheValue) {
-  EXPECT_EQ(pad(comnb__padchar, B | H, 3, 5), (Padded{CS_SUCCEED, 5, "  c.."}));
-  EXPECT_EQ(pad(comnb__padchar, B | H, 3, 6), (Padded{CS_SUCCEED, 6, "   ..."}));
-  EXPECT_EQ(pad(comnb__padchar, B | H, 2, 6), (Padded{CS_SUCCEED, 6, "    .."}));
-  EXPECT_EQ(pad(comnb__padchar, B | H, 3, 3), (Padded{CS_SUCCEED, 3, "abc"}));
+  EXPECT_EQ(pad(comnb__padchar, B | H, 3, 5), (CastPadded{CS_SUCCEED, 5, "  c.."}));
+  EXPECT_EQ(pad(comnb__padchar, B | H, 3, 6), (CastPadded{CS_SUCCEED, 6, "   ..."}));
+  EXPECT_EQ(pad(comnb__padchar, B | H, 2, 6), (CastPadded{CS_SUCCEED, 6, "    .."}));
+  EXPECT_EQ(pad(comnb__padchar, B | H, 3, 3), (CastPadded{CS_SUCCEED, 3, "abc"}));
 }
 
 TEST(CastPad, LengthsOutOfRange) {
-  EXPECT_EQ(pad(comnb__padchar, P, -2, 2), (Padded{CS_SUCCEED, 2, std::string(2, '\0')}));
-  EXPECT_EQ(pad(comnb__padchar, N, -2, 2), (Padded{CS_SUCCEED, 1, std::string("\0.", 2)}));
-  EXPECT_EQ(pad(comnb__padbin, B, -2, 2), (Padded{CS_SUCCEED, 2, "  "}));
+  EXPECT_EQ(pad(comnb__padchar, P, -2, 2), (CastPadded{CS_SUCCEED, 2, std::string(2, '\0')}));
+  EXPECT_EQ(pad(comnb__padchar, N, -2, 2), (CastPadded{CS_SUCCEED, 1, std::string("\0.", 2)}));
+  EXPECT_EQ(pad(comnb__padbin, B, -2, 2), (CastPadded{CS_SUCCEED, 2, "  "}));
   // A length beyond the capacity is no text that fits.
   GuardedBuffer buffer(3);
   CAST_CONTEXT context{};
@@ -144,13 +104,13 @@ TEST(CastPad, BinaryTakesBlanks) {
       const std::string value = std::string("abcdef").substr(0, static_cast<size_t>(len));
       const auto rest = static_cast<size_t>(room - len);
       EXPECT_EQ(pad(comnb__padbin, B, len, room),
-                (Padded{CS_SUCCEED, room, value + std::string(rest, ' ')}));
+                (CastPadded{CS_SUCCEED, room, value + std::string(rest, ' ')}));
       for (const CS_INT format : {P, P | B, P | B | N | H})
         EXPECT_EQ(pad(comnb__padbin, format, len, room),
-                  (Padded{CS_SUCCEED, room, value + std::string(rest, '\0')}));
+                  (CastPadded{CS_SUCCEED, room, value + std::string(rest, '\0')}));
       for (const CS_INT format : {0, N, H, N | H})
         EXPECT_EQ(pad(comnb__padbin, format, len, room),
-                  (Padded{CS_SUCCEED, len, value + std::string(rest, '.')}));
+                  (CastPadded{CS_SUCCEED, len, value + std::string(rest, '.')}));
     }
 }
 

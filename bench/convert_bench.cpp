@@ -11,6 +11,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "cast_comparisons.h"
 #include "comparison.h"
 #include "convert_peers.h"
 #include "inputs.h"
@@ -583,6 +584,8 @@ void register_comparisons() {
     compare_pad("comn__padbin", comn__padbin, CS_TYPE_BINARY, CS_DFMT_PADNULL, capacity);
     compare_pad("comn__padunichar", comn__padunichar, CS_TYPE_UNICHAR, CS_DFMT_PADBLANK, capacity);
   }
+
+  compare_casts(&context);
 }
 
 } // namespace zrvbench

@@ -632,6 +632,28 @@ TEST(CastBytes, FloatsMustBeFinite) {
   EXPECT_EQ(copy("\xFF\xFF\xFF"s, CAST_TYPE_FLT4, 4, P).status, OK);
 }
 
+// What stood behind a short copy is no part of the value.
+TEST(CastBytes, OnlyWholeFloatsAreTested) {
+  GuardedBuffer buffer(8);
+  std::memset(buffer.data(), 0xFF, 8);
+  CS_BYTE bytes[7];
+  std::memset(bytes, 0xFF, sizeof bytes);
+  CAST_CONTEXT context{};
+  __CONSTANT src{}, dest{};
+  src.value = bytes;
+  dest.value = buffer.data();
+  dest.maxlen = 8;
+  dest.type = CAST_TYPE_FLT8;
+  src.len = 7;
+  EXPECT_EQ(comnb_anytofixed(&context, &src, &dest), OK);
+  EXPECT_EQ(dest.len, 7);
+  dest.type = CAST_TYPE_FLT4;
+  src.len = 3;
+  EXPECT_EQ(comnb_anytofixed(&context, &src, &dest), OK);
+  src.len = 4;
+  EXPECT_EQ(comnb_anytofixed(&context, &src, &dest), DO);
+}
+
 TEST(CastBytes, BinaryAsItStands) {
   EXPECT_EQ(cast(comnb_bintobit, CastCall("\0\xFF"s), 1).value<CS_BIT>(), 0);
   EXPECT_EQ(cast(comnb_bintobit, CastCall("\x80"), 1).value<CS_BIT>(), 1);
@@ -719,7 +741,7 @@ TEST(CastHex, ToIntegers) {
   EXPECT_EQ(i4("0X7").value<CS_INT>(), 7);
   EXPECT_EQ(i4("FFFFFFFF").value<CS_INT>(), -1);
   EXPECT_EQ(i4("0000000080000000").value<CS_INT>(), INT_MIN);
-  for (const char *empty : {"", "  ", "0x"}) {
+  for (const char *empty : {"", " ", "  ", "0x"}) {
     EXPECT_EQ(i4(empty).status, OK);
     EXPECT_EQ(i4(empty).value<CS_INT>(), 0);
   }

@@ -50,23 +50,31 @@ CS_RETCODE built(int status, Where where) noexcept {
 
 // ---- text of numbers ----
 
-// Deliberate: no star stands for a number without room, as it does in the matrix, and none is cut.
-template <class Text>
-CS_RETCODE write_whole(CAST_CONTEXT *context, const Text &text, __CONSTANT *dest) noexcept {
-  const CS_INT length = text.length();
+inline CS_RETCODE without_room(CS_INT length, __CONSTANT *dest) noexcept {
   dest->len = std::min(dest->maxlen, length);
+  return CS_CONV_OVERFLOW;
+}
+
+// Deliberate: no star stands for a number without room, as it does in the matrix, and none is cut. In
+// line, so that the text of an integer stays in registers.
+template <class Text>
+[[gnu::always_inline]] inline CS_RETCODE write_whole(CAST_CONTEXT *context, const Text &text,
+                                                     __CONSTANT *dest) noexcept {
+  const CS_INT length = text.length();
   if (!text_fits(length, context->format, dest->maxlen)) [[unlikely]]
-    return CS_CONV_OVERFLOW;
+    return without_room(length, dest);
+  dest->len = length;
   text.write(reinterpret_cast<CS_CHAR *>(dest->value));
   return (context->format & pad_bits) == 0 ? CS_SUCCEED : comnb__padchar(context, dest);
 }
 
 template <class Text>
-CS_RETCODE write_varying(const Text &text, __CONSTANT *dest) noexcept {
+[[gnu::always_inline]] inline CS_RETCODE write_varying(const Text &text,
+                                                       __CONSTANT *dest) noexcept {
   const CS_INT length = text.length();
-  dest->len = std::min(dest->maxlen, length);
   if (dest->maxlen < length) [[unlikely]]
-    return CS_CONV_OVERFLOW;
+    return without_room(length, dest);
+  dest->len = length;
   text.write(reinterpret_cast<CS_CHAR *>(dest->value));
   return CS_SUCCEED;
 }
@@ -244,9 +252,14 @@ struct FromMoney : Number<FromMoney<S>> {
   }
 };
 
-// A bit that is one is a tiny integer.
+// A bit that is one is a tiny integer, whose text is its digit.
 struct FromBit {
   using Tinyint = FromInteger<integer::i1>;
+  struct Digit {
+    static constexpr CS_INT length() noexcept { return 1; }
+    void write(CS_CHAR *dest) const noexcept { *dest = static_cast<CS_CHAR>('0' + bit); }
+    CS_BYTE bit;
+  };
   static bool is_bit(const __CONSTANT *src) noexcept { return src->value[0] <= 1; }
 
   static CS_RETCODE to_bit(COMNB_PARAMETERS) noexcept {
@@ -269,10 +282,10 @@ struct FromBit {
     return is_bit(src) ? Tinyint::to_num(context, src, dest, where) : CS_CONV_DOMAIN;
   }
   static CS_RETCODE to_char(COMNB_PARAMETERS) noexcept {
-    return is_bit(src) ? Tinyint::to_char(context, src, dest) : CS_CONV_DOMAIN;
+    return is_bit(src) ? write_whole(context, Digit{src->value[0]}, dest) : CS_CONV_DOMAIN;
   }
   static CS_RETCODE to_varchar(COMNB_PARAMETERS) noexcept {
-    return is_bit(src) ? Tinyint::to_varchar(context, src, dest) : CS_CONV_DOMAIN;
+    return is_bit(src) ? write_varying(Digit{src->value[0]}, dest) : CS_CONV_DOMAIN;
   }
 };
 

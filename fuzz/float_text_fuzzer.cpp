@@ -106,7 +106,7 @@ void check_text(zrvfuzz::TextSets &sets, CS_FLOAT value) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   if (size < 1 || size > 1024)
     return 0;
-  zrvfuzz::TextSets sets;
+  static zrvfuzz::TextSets sets;
   zrvfuzz::TextSet &set = sets[data[0]];
   std::string ascii;
   for (size_t i = 1; i < size; ++i)

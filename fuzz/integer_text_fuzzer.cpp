@@ -46,9 +46,9 @@ void check(const char *type, int (*parser)(char *, int, Integer *, CHAR_ATTRIB *
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   if (size < 1 || size > 256)
     return 0;
-  zrvtest::TestCharset sets[] = {zrvtest::TestCharset::one_byte(),
-                                 zrvtest::TestCharset::double_byte(),
-                                 zrvtest::TestCharset::four_byte(), zrvtest::TestCharset::utf8()};
+  static zrvtest::TestCharset sets[] = {
+      zrvtest::TestCharset::one_byte(), zrvtest::TestCharset::double_byte(),
+      zrvtest::TestCharset::four_byte(), zrvtest::TestCharset::utf8()};
   zrvtest::TestCharset &set = sets[data[0] % 4];
   std::string ascii;
   for (size_t i = 1; i < size; ++i)

@@ -10,7 +10,9 @@ Matrix::Matrix() {
     throw std::bad_alloc();
 }
 
-Context::Context() {
+Context::Context(const std::string &locale, const std::string &charset) : started(locale) {
+  if (!charset.empty())
+    started.use_charset(charset);
   if (com_conv_init(get()) == CS_SUCCEED && com_null_init(get()) == CS_SUCCEED)
     return;
   com_null_free(get());

@@ -26,7 +26,9 @@ private:
 // text ask for one.
 class Context {
 public:
-  Context();
+  // With a locale of the installation, and with a character set in place of the locale's unless that
+  // is empty.
+  explicit Context(const std::string &locale = "default", const std::string &charset = "");
   ~Context();
   Context(const Context &) = delete;
   Context &operator=(const Context &) = delete;
@@ -37,7 +39,7 @@ public:
   CS_CONV_FUNC conversion(CS_INT from, CS_INT to) { return com_conv_func(get(), from, to); }
 
 private:
-  Started started{"default"};
+  Started started;
 };
 
 } // namespace zrvtool

@@ -45,8 +45,9 @@ CS_DATAFMT make_format(const Type &type) {
 } // namespace
 
 Converter::Converter(const Type &from_type, const Type &to_type, CS_INT format,
-                     std::optional<CS_INT> maxlength)
-    : from(from_type), to(to_type), reader(nullptr),
+                     std::optional<CS_INT> maxlength, const std::string &locale,
+                     const std::string &charset)
+    : context(locale, charset), from(from_type), to(to_type), reader(nullptr),
       member(context.conversion(from_type.code(), to_type.code())),
       printer(context.conversion(to_type.code(), CS_TYPE_CHAR)),
       takes_hex(from_type.layout() == Layout::text &&

@@ -25,9 +25,11 @@ struct Outcome {
 
 class Converter {
 public:
-  // `format` has CS_DFMT_ bits; `maxlength` is the capacity, if not the type's own. Throws
-  // UsageError where the library has no conversion for the pair or reads no such source.
-  Converter(const Type &from, const Type &to, CS_INT format, std::optional<CS_INT> maxlength);
+  // `format` has CS_DFMT_ bits; `maxlength` is the capacity, if not the type's own. All texts, the
+  // values and the results, are of the locale, and in its character set or in another (see Context).
+  // Throws UsageError where the library has no conversion for the pair or reads no such source.
+  Converter(const Type &from, const Type &to, CS_INT format, std::optional<CS_INT> maxlength,
+            const std::string &locale, const std::string &charset);
 
   Outcome convert(std::string_view value);
 

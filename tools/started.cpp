@@ -1,6 +1,7 @@
 // The start and the end of a context with its installation.
 #include "started.h"
 
+#include "charset_names.h"
 #include "errors.h"
 #include "identifiers.h"
 #include "visible.h"
@@ -100,6 +101,33 @@ CsLocCache *Started::required(const std::string &name) {
     throw StreamError("cannot load the locale " + in_quotes(name) + ": " + why_not +
                       " (zrvcomn locale list shows all names)");
   return cache;
+}
+
+// Only what reads and writes texts asks for a set: characters by ctype, dates by time.
+void Started::use_charset(const std::string &name) {
+  std::string charset = find_charset(name).name;
+  CsOID *oid = nullptr;
+  CS_INT oidclass = COM_OID_CHARSET;
+  comn_globalid(&context, COM_NAME_TO_OID, &oid, &oidclass, CS_UNUSED, charset.data(),
+                static_cast<CS_INT>(charset.size()), nullptr, nullptr);
+  CsLocCache loaded{};
+  loaded.charname = charset.data();
+  loaded.charnamelen = static_cast<CS_INT>(charset.size());
+  CS_CHAR file[1025] = "";
+  context.ctxintlerr = 0;
+  const CS_RETCODE status =
+      oid == nullptr ? CS_FAIL : comn__intl_load_charset(&context, oid, &loaded, file, sizeof file);
+  if (status != CS_SUCCEED)
+    throw StreamError("cannot load the character set " + charset + ": " + file + ": " +
+                      failure_text(status, context));
+  const auto derive = [&](CS_VOID *&pointer, CsLocCache &derived) {
+    derived = *static_cast<CsLocCache *>(pointer);
+    derived.locname = nullptr;
+    derived.locchardesc = loaded.locchardesc;
+    pointer = &derived;
+  };
+  derive(context.ctxlocale->ctypeptr, ctype_cache);
+  derive(context.ctxlocale->timeptr, time_cache);
 }
 
 std::string Started::convert(const std::string &text, CS_VOID *cache) {

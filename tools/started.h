@@ -24,6 +24,10 @@ public:
   // The cache of a name, or null: why not then says what was wrong with which file.
   CsLocCache *load(const std::string &name, std::string &why_not);
 
+  // From now on texts are in a character set, whatever the locale has. Throws UsageError when there is no
+  // such set, and StreamError.
+  void use_charset(const std::string &name);
+
   // UTF-8 in the character set of a category's cache.
   std::string convert(const std::string &text, CS_VOID *cache);
 
@@ -34,6 +38,7 @@ private:
 
   CS_CONTEXT context{};
   CsCtxGlobals globals{};
+  CsLocCache ctype_cache{}, time_cache{}; // of the locale, but for the set; unused without one
 };
 
 // The names that the environment selects for the categories, by number from 1 on.

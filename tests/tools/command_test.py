@@ -224,6 +224,47 @@ class Command(unittest.TestCase):
         row = fields(convert("int", "char", "--plain", "--maxlength", "0", "5"))[0]
         self.assertEqual(row[1:], ["", "0", "CS_CONV_OVERFLOW"])
 
+    # ---- the locale of the texts ----
+
+    def test_locale(self):
+        self.check(convert("char", "datetime", "--plain", "2 March 1999", "02/03/1999"), 0,
+                   "2 March 1999\tMar  2 1999 12:00AM\t8\tCS_SUCCEED\n"
+                   "02/03/1999\tFeb  3 1999 12:00AM\t8\tCS_SUCCEED\n")
+        # Names, the order of the numbers, and the style of the result.
+        self.check(convert("char", "datetime", "--plain", "--locale", "fr_FR.UTF-8",
+                           "14 juillet 1989", "02/03/1999"), 0,
+                   "14 juillet 1989\t14/07/89\t8\tCS_SUCCEED\n"
+                   "02/03/1999\t02/03/99\t8\tCS_SUCCEED\n")
+        row = fields(convert("char", "int", "--plain", "--locale", "fr_FR.UTF-8", "12"))[0]
+        self.assertEqual(row[1:], ["12", "4", "CS_SUCCEED"])
+        self.check(convert("int", "int", "--locale", "no_SUCH", "1", ZARVEK=str(self.scratch)), 1, "",
+                   convert("int", "int", "1", ZARVEK=str(self.scratch)).err)
+        missing = convert("int", "int", "--locale", "no_SUCH", "1")
+        self.assertEqual((missing.code, missing.out), (1, ""))
+        self.assertIn("cannot load the locale 'no_SUCH'", missing.err)
+
+    def test_charset(self):
+        # A text is cut between its characters, and its wide digits are digits.
+        three = "東京都".encode("shift_jis")
+        row = fields(convert("char", "char(5)", "--plain", "--hex", "--charset", "Shift_JIS", three))[0]
+        self.assertEqual(row[2:], ["4", three[:4].hex(), "CS_CONV_TRUNCATED"])
+        row = fields(convert("char", "char(5)", "--plain", "--hex", three.decode("shift_jis")))[0]
+        self.assertEqual(row[2:], ["3", "e69db1", "CS_CONV_TRUNCATED"])
+        row = fields(convert("char", "int", "--plain", "--charset", "sjis",
+                             "５６".encode("shift_jis")))[0]
+        self.assertEqual(row[1:], ["56", "4", "CS_SUCCEED"])
+        # In place of the locale's own set; the names of its dates are still those of the locale.
+        march = "2 März 1999"
+        for words, text in ((["--charset", "latin1"], march.encode("latin-1")), ([], march.encode())):
+            row = fields(convert("char", "datetime", "--plain", "--locale", "de_DE.UTF-8", *words,
+                                 text))[0]
+            self.assertEqual(row[1:], ["02/03/99", "8", "CS_SUCCEED"])
+        row = fields(convert("char", "datetime", "--plain", "--locale", "de_DE.UTF-8",
+                             march.encode("latin-1")))[0]
+        self.assertEqual(row[1:], ["", "0", "CS_CONV_SYNTAX"])
+        self.check_usage(convert("int", "int", "--charset", "utf9", "1"), "'utf9'", "utf8")
+        self.check_usage(convert("int", "int", "--charset", "", "1"), "--charset names no set")
+
     # Nothing of an earlier value shows where a failed conversion wrote nothing.
     def test_no_leftovers(self):
         rows = fields(convert("int", "char(1)", "--plain", "--hex", "7", "12"))

@@ -24,7 +24,7 @@ struct Options {
   std::string from, to, format, csv, column;
   int maxlength = 0;
   bool has_maxlength = false, hex = false, json = false, plain = false, total = false;
-  std::string delimiter = ",";
+  std::string delimiter = ",", locale = "default", charset;
   std::vector<std::string> words;
   Values values;
 };
@@ -182,7 +182,8 @@ int run(const Options &options) {
   check_uses(from, to, format, options.has_maxlength);
   Converter converter(from, to, format,
                       options.has_maxlength ? std::optional<CS_INT>(options.maxlength)
-                                            : std::nullopt);
+                                            : std::nullopt,
+                      options.locale, options.charset);
 
   Writer out(STDOUT_FILENO);
   Rows rows(out,
@@ -265,6 +266,12 @@ Subcommand::Run add(CLI::App &app) {
                        "numbers, joined by commas")
             ->type_name("BITS"),
         format_names());
+  app.add_option("--locale", options->locale,
+                 "The locale of the texts, for names and order of dates and the character set")
+      ->type_name("NAME");
+  CLI::Option *const charset =
+      app.add_option("--charset", options->charset, "The character set of the texts, if another")
+          ->type_name("SET");
   constexpr CS_INT longest = 16 * 1024 * 1024;
   CLI::Option *const maxlength = add_number(app, "--maxlength", options->maxlength, 0, longest,
                                             "BYTES", "Capacity of the result in bytes");
@@ -299,8 +306,11 @@ Subcommand::Run add(CLI::App &app) {
       "  seq 1000 | zrvcomn convert --from int --to 'binary(4)' --json -\n"
       "  zrvcomn convert --from bigint --to smallint --csv countries.csv --column population\n"
       "  zrvcomn convert --from 'numeric(9,2)' --to 'numeric(20,2)' --total 0.10 0.20\n"
+      "  zrvcomn convert --from char --to datetime --locale fr_FR.UTF-8 '14 juillet 1989'\n"
       "\nExit codes: 0 all values converted, 1 some failed, 2 wrong usage.");
-  return [options, maxlength, csv](const std::vector<std::string> &more_values) {
+  return [options, maxlength, csv, charset](const std::vector<std::string> &more_values) {
+    if (charset->count() > 0 && options->charset.empty())
+      throw UsageError("--charset names no set");
     options->has_maxlength = maxlength->count() > 0;
     if (csv->count() == 0) {
       options->values =

@@ -53,6 +53,9 @@ extern ZRV_PRIVATE const CS_STRINGS Msgfailures[5];
 /* The origin whose texts are those of intl_errstr: the number is a negated status of the reader. */
 #define COM_ERRORIGIN_INTL 5
 
+/* A library that is opened at run time cannot be had; the parameter is the function that failed. */
+#define COM_ERR_LOADLIB 17040906
+
 /* ---- records ---- */
 
 /* A message file in use: what ctxcomerrhan points at for comnlib.loc. */

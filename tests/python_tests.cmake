@@ -38,6 +38,7 @@ file(
   \"zrvcomn\": \"$<TARGET_FILE:zrvcomn>\",
   \"zrvintl\": \"$<TARGET_FILE:zrvintl>\",
   \"zrvunic\": \"$<TARGET_FILE:zrvunic>\",
+  \"velcrypto\": \"$<TARGET_FILE:velcrypto>\",
   \"velssfs\": \"$<TARGET_FILE:velssfs>\"
 }
 ")

@@ -24,7 +24,8 @@ class Reproducible(unittest.TestCase):
                 "-DZRV_TOOLS=OFF",
                 "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON")  # the optimiser's warnings too, at no cost
             run(build.cmake, "--build", binary)
-            for library in (build.zrvcomn, build.zrvintl, build.zrvunic, build.velssfs):
+            for library in (build.zrvcomn, build.zrvintl, build.zrvunic, build.velcrypto,
+                            build.velssfs):
                 again = binary / "lib" / Path(library).name
                 self.assertTrue(again.read_bytes() == Path(library).read_bytes(), again.name)
 

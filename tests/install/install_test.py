@@ -41,12 +41,15 @@ class Install(unittest.TestCase):
             self.assertTrue((self.libdir / f"{name}.so.{target}").is_file())
             self.assertEqual(os.readlink(self.libdir / f"{name}.so.{link}"), f"{name}.so.{target}")
             self.assertEqual(os.readlink(self.libdir / f"{name}.so"), f"{name}.so.{link}")
-        # Opened by this name, so it has no other.
-        self.assertTrue((self.libdir / "libvelssfs.so").is_file())
-        self.assertFalse((self.libdir / "libvelssfs.so").is_symlink())
+        # These are opened by their names, so they have no other.
+        for name in ("libvelcrypto.so", "libvelssfs.so"):
+            self.assertTrue((self.libdir / name).is_file())
+            self.assertFalse((self.libdir / name).is_symlink())
         headers = self.prefix / build.include_dir / "zrvcomn"
         tracked = project.tracked_files("include/*.h", "platform/zrvintl/zrvintl.h",
-                                        "platform/zrvunic/zrvunic.h", "platform/velssfs/velssfs.h")
+                                        "platform/zrvunic/zrvunic.h",
+                                        "platform/velcrypto/velcrypto.h",
+                                        "platform/velssfs/velssfs.h")
         self.assertEqual(sorted(path.name for path in headers.iterdir()),
                          sorted(path.name for path in tracked))
         self.assertFalse([path for path in headers.iterdir() if path.is_symlink()])
@@ -70,7 +73,8 @@ class Install(unittest.TestCase):
 
     # The libraries find their neighbours beside themselves.
     def test_run_path(self):
-        for name in ("libzrvcomn.so", "libzrvintl.so", "libzrvunic.so", "libvelssfs.so"):
+        for name in ("libzrvcomn.so", "libzrvintl.so", "libzrvunic.so", "libvelcrypto.so",
+                     "libvelssfs.so"):
             dynamic = run(build.readelf, "--dynamic", "--wide", self.libdir / name)
             self.assertEqual(re.findall(r"\((?:RUNPATH|RPATH)\).*\[(.*)\]", dynamic), ["$ORIGIN"], name)
 

@@ -1451,6 +1451,119 @@ class Command(unittest.TestCase):
         self.assertIn(b"interrupted", err)
         self.assertEqual(echoed, b"")
 
+    # ---- key ----
+
+    aes_key = "603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4"
+    aes_iv = "000102030405060708090a0b0c0d0e0f"
+
+    def openssl(self, *words, stdin=b""):
+        done = subprocess.run(["openssl", *words], input=stdin, capture_output=True, cwd=self.scratch)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return done.stdout
+
+    def key_files(self):
+        key, iv = self.scratch / "key", self.scratch / "iv"
+        key.write_text(self.aes_key + "\n")
+        iv.write_text(self.aes_iv.upper() + "\r\n")
+        return key, iv
+
+    def test_key_create(self):
+        first, second = zrvcomn("key", "create"), zrvcomn("key", "create")
+        for result in (first, second):
+            self.assertEqual((result.code, result.err), (0, ""))
+            self.assertRegex(result.out, r"\A[0-9a-f]{64}\n\Z")
+        self.assertNotEqual(first.out, second.out)
+        file = self.scratch / "new.key"
+        self.check(zrvcomn("key", "create", "--out", file), 0, "")
+        self.assertRegex(file.read_text(), r"\A[0-9a-f]{64}\n\Z")
+        self.assertEqual(file.stat().st_mode & 0o777, 0o600)
+        before = file.read_text()
+        self.assertIn("File exists", zrvcomn("key", "create", "--out", file).err)
+        self.assertEqual(file.read_text(), before)
+
+    def test_key_and_openssl_read_each_other(self):
+        key, iv = self.key_files()
+        for text in (b"", b"x", b"sixteen bytes...", bytes(range(256)) * 1000):
+            cipher = self.openssl("enc", "-aes-256-cbc", "-K", self.aes_key, "-iv", self.aes_iv, stdin=text)
+            ours = zrvcomn("key", "encrypt", "--key", key, "--iv", iv, stdin=text)
+            self.assertEqual((ours.code, ours.err, ours.raw), (0, "", cipher))
+            back = zrvcomn("key", "decrypt", "--key", key, "--iv", iv, stdin=cipher)
+            self.assertEqual((back.code, back.err, back.raw), (0, "", text))
+
+    def test_key_draws_a_vector_for_each_text(self):
+        key, _ = self.key_files()
+        ciphers = [zrvcomn("key", "encrypt", "--key", key, stdin=b"text").raw for _ in range(2)]
+        self.assertEqual([len(cipher) for cipher in ciphers], [32, 32])
+        self.assertNotEqual(ciphers[0], ciphers[1])
+        for cipher in ciphers:
+            self.check(zrvcomn("key", "decrypt", "--key", key, stdin=cipher), 0, "text")
+
+    def test_key_from_standard_input(self):
+        lines = f"{self.aes_key}\n{self.aes_iv}\n".encode()
+        cipher = zrvcomn("key", "encrypt", "--key", "-", "--iv", "-", stdin=lines + b"a\nb")
+        self.assertEqual((cipher.code, len(cipher.raw)), (0, 16))
+        self.check(zrvcomn("key", "decrypt", "--key=-", "--iv=-", stdin=lines + cipher.raw), 0, "a\nb")
+
+    def test_key_refuses(self):
+        key, iv = self.key_files()
+        cipher = zrvcomn("key", "encrypt", "--key", key, "--iv", iv, stdin=b"text").raw
+        bad = self.scratch / "bad"
+        bad.write_text(self.aes_key[:-1] + "g\n")
+        for words, stdin, message in (
+                (("decrypt", "--key", key, "--iv", iv), cipher[:-1], "damaged"),
+                (("decrypt", "--key", key), b"short", "no initialisation vector"),
+                (("decrypt", "--key", key, "--iv", key), cipher, "32 hexadecimal digits"),
+                (("encrypt", "--key", bad), b"", "64 hexadecimal digits"),
+                (("encrypt", "--key", self.scratch / "none"), b"", "No such file"),
+                (("encrypt", "--key", "-"), b"", "standard input ended before the key")):
+            with self.subTest(message):
+                result = zrvcomn("key", *words, stdin=stdin)
+                self.assertEqual((result.code, result.raw), (1, b""))
+                self.assertRegex(result.err, r"\Azrvcomn key: [^\n]+\n\Z")
+                self.assertIn(message, result.err)
+                self.assertNotIn(self.aes_key[:16], result.err)
+
+    def test_key_without_a_provider_for_fips(self):
+        if subprocess.run(["openssl", "list", "-providers", "-provider", "fips"],
+                          capture_output=True).returncode == 0:
+            self.skipTest("this machine has a FIPS kernel")
+        result = zrvcomn("key", "create", ZRVNCL_FIPS_MODE="0")
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertIn("ZRVNCL_FIPS_MODE", result.err)
+
+    # Nothing secret comes from the arguments, and what is there is not repeated.
+    def test_key_usage(self):
+        for words in (("create", "hunter2"), ("encrypt", "--key", "-", "--", "hunter2")):
+            result = zrvcomn("key", *words)
+            self.check_usage(result, "standard input")
+            self.assertNotIn("hunter2", result.err)
+        self.check_usage(zrvcomn("key"))
+        self.check_usage(zrvcomn("key", "break"), "create, encrypt, decrypt and pair")
+        self.check_usage(zrvcomn("key", "encrypt"), "--key")
+        self.check_usage(zrvcomn("key", "create", "--key", "x"), "--key")
+        self.check_usage(zrvcomn("key", "pair", "--out", "x"), "--out")
+        self.check_usage(zrvcomn("key", "create", "--bits", "2048"), "--bits")
+        for bits in ("1024", "2049", "16392"):
+            self.check_usage(zrvcomn("key", "pair", "--bits", bits), "2048 to 16384")
+
+    def test_key_pair(self):
+        process = subprocess.Popen([command, "key", "pair", "--bits", "2048"], stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        pem = b""
+        while not pem.endswith(b"-----END RSA PUBLIC KEY-----\n"):
+            line = process.stdout.readline()
+            self.assertTrue(line)
+            pem += line
+        (self.scratch / "public1.pem").write_bytes(pem)
+        self.openssl("rsa", "-RSAPublicKey_in", "-in", "public1.pem", "-pubout", "-out", "public.pem")
+        ciphers = [self.openssl("pkeyutl", "-encrypt", "-pubin", "-inkey", "public.pem", "-pkeyopt",
+                                "rsa_padding_mode:oaep", stdin=text) for text in (b"one", b"two")]
+        lines = [ciphers[0].hex(), "0" * 512, "short", ciphers[1].hex().upper()]
+        out, err = process.communicate("\n".join(lines).encode() + b"\n", timeout=60)
+        self.assertEqual((out, process.returncode), (b"one\ntwo\n", 1))
+        self.assertEqual(err.decode(), "zrvcomn key: line 2: was not encrypted for this key: CS_FAIL\n"
+                                       "zrvcomn key: line 3: has not 512 hexadecimal digits: CS_FAIL\n")
+
     # ---- store ----
 
     def store(self, *words, stdin=b""):

@@ -273,7 +273,9 @@ int pair(Provider &provider, const Options &options) {
                   comn_keypair_get_public_key_length(keys.get()));
   out.flush();
   const size_t size = static_cast<size_t>(options.bits) / 8;
-  const std::unique_ptr<Input> lines = lines_input([] {});
+  Values values;
+  values.are_lines = true;
+  const std::unique_ptr<Input> lines = values_input(values, [] {});
   int code = exit_success;
   for (InputValue line; lines->next(line);) {
     std::vector<CS_BYTE> cipher, plain(size);

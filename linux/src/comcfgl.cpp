@@ -344,4 +344,5 @@ void cfg__clearbuf(CfgParseInfo *info) noexcept {
   info->lasttok->offset = 0;
   info->tokenstart -= dropped;
   info->buflen -= dropped;
+  info->dropped += dropped;
 }

@@ -976,7 +976,98 @@ class Command(unittest.TestCase):
         row = json.loads(result.out.splitlines()[0])
         self.assertEqual((row["path"], row["is"]), (None, "COM_INTL_ERROR"))
         self.check_usage(zrvcomn("config", "nonsense"), "nonsense")
-        self.check_usage(zrvcomn("config"), "topic")
+        self.check_usage(zrvcomn("config"), "action")
+
+    sample = ("[defaults]\ntimeout = 30\nserver = d\n"
+              "[pay roll]\ninclude = defaults\nserver = \"a = 1\"\nserver = b\n")
+
+    def config_file(self, text, name="app.cfg"):
+        path = self.scratch / name
+        path.write_bytes(text.encode() if isinstance(text, str) else text)
+        return str(path)
+
+    def test_config_get(self):
+        path = self.config_file(self.sample)
+        self.check(zrvcomn("config", "get", path, "defaults", "timeout"), 0, "30\n")
+        # All values, those of included sections behind the section's own.
+        self.check(zrvcomn("config", "get", path, "pay roll", "server"), 0, "a = 1\nb\nd\n")
+        result = zrvcomn("config", "get", path, "pay roll", "server", "--json")
+        self.assertEqual([json.loads(line) for line in result.out.splitlines()],
+                         [{"section": "pay roll", "entry": "server", "value": value}
+                          for value in ("a = 1", "b", "d")])
+        long = "x" * 5000
+        path = self.config_file(f"[a]\nk = 1\nk = {long}\nk = 3\n")
+        self.check(zrvcomn("config", "get", path, "a", "k"), 0, f"1\n{long}\n3\n")
+
+    def test_config_get_without_a_value(self):
+        path = self.config_file(self.sample)
+        self.check(zrvcomn("config", "get", path, "defaults", "nothing"), 1, "",
+                   "zrvcomn config: there is no entry 'nothing' for section 'defaults'\n")
+        self.check(zrvcomn("config", "get", path, "none", "timeout"), 1, "",
+                   f'zrvcomn config: {path}: There is no usable section "none".\n')
+        missing = str(self.scratch / "missing")
+        self.check(zrvcomn("config", "get", missing, "a", "k"), 1, "",
+                   f'zrvcomn config: {missing}: The file "{missing}" cannot be opened.\n')
+        # What is wrong with a file is told, and what is right is found.
+        path = self.config_file("[a]\nk = 1\n[b]\nbad line\n")
+        self.check(zrvcomn("config", "get", path, "a", "k"), 0, "1\n",
+                   f'zrvcomn config: {path}:4: There is a syntax error in line 4 near "line".\n')
+
+    def test_config_list(self):
+        path = self.config_file(self.sample)
+        self.check(zrvcomn("config", "list", path), 0, "defaults\npay roll\n")
+        self.check(zrvcomn("config", "list", path, "pay roll"), 0,
+                   "include = defaults\nserver = a = 1\nserver = b\n")
+        self.check(zrvcomn("config", "list", path, "none"), 1, "",
+                   "zrvcomn config: there is no section 'none'\n")
+        result = zrvcomn("config", "list", path, "--json")
+        self.assertEqual([json.loads(line) for line in result.out.splitlines()],
+                         [{"section": "defaults"}, {"section": "pay roll"}])
+        result = zrvcomn("config", "list", path, "defaults", "--json")
+        self.assertEqual([json.loads(line) for line in result.out.splitlines()],
+                         [{"section": "defaults", "entry": "server", "value": "d"},
+                          {"section": "defaults", "entry": "timeout", "value": "30"}])
+
+    # The file of the installation, which is found without a variable and loads.
+    def test_config_of_the_installation(self):
+        environment = {"ZARVEK": str(project.source_dir / "home")}
+        result = zrvcomn("config", "list", **environment)
+        self.assertEqual((result.code, result.err), (0, ""))
+        self.assertIn("NAMED_APP_DEFAULT\n", result.out)
+        self.check(zrvcomn("config", "get", "nobody", "login_timeout", **environment), 0, "30\n")
+        self.check(zrvcomn("config", "get", "payroll", "login_timeout", **environment), 0, "10\n30\n")
+        result = zrvcomn("config", "list", "payroll", **environment)
+        self.assertIn("server = db1.example, port = 5000\n", result.out)
+        self.check(zrvcomn("config", "check", str(project.source_dir / "home/config/ncl.cfg")), 0, "")
+
+    def test_config_check(self):
+        path = self.config_file(self.sample)
+        self.check(zrvcomn("config", "check", path), 0, "")
+        # Places are told in characters; what a line shows for a tab is two of them.
+        path = self.config_file("[a]\r\nbad\tl\xe4ne here\r\n\r\n\r\n\r\n[b]\ninclude = zz\nl = \"x\n")
+        self.check(zrvcomn("config", "check", path, LC_ALL="en_US.UTF-8"), 1,
+                   f'{path}:2:5: There is a syntax error in line 2 near "l\xe4ne".\n'
+                   "  bad\\tl\xe4ne here\n"
+                   "       ^\n"
+                   f'{path}:3:1: There is a syntax error in line 3 near "\\r\\n".\n'
+                   "  \n"
+                   "  ^\n"
+                   f'{path}:7:11: There is no usable section "zz".\n'
+                   "  include = zz\n"
+                   "            ^\n"
+                   f'{path}:9:1: There is a syntax error in line 9 near "".\n'
+                   "  \n"
+                   "  ^\n")
+        path = self.config_file("; c\n" * 2000 + "[a]\nk = 1 = 2\n")
+        result = zrvcomn("config", "check", path, "--json")
+        self.assertEqual((result.code, [json.loads(line) for line in result.out.splitlines()]),
+                         (1, [{"file": path, "line": 2002, "column": 7,
+                               "text": 'There is a syntax error in line 2002 near "=".'}]))
+
+    def test_config_usage(self):
+        for words in (["paths", "x"], ["check"], ["check", "a", "b"], ["get"], ["get", "a"],
+                      ["get", "a", "b", "c", "d"], ["list", "a", "b", "c"]):
+            self.check_usage(zrvcomn("config", *words), words[0] + " takes")
 
     # ---- date ----
 
@@ -1314,7 +1405,7 @@ class Command(unittest.TestCase):
         symbols = run(build.readelf, "--dyn-syms", "--wide", command)
         self.assertIn("@ZRVCOMN_16", symbols)
         self.assertEqual(set(re.findall(r"(\w+)@+ZRVCOMN_PRIVATE", symbols)),
-                         {"Com__WeekDay", "Comdeferrs", "Comlocsections", "com__bigdate_add",
+                         {"Application_global", "Com__WeekDay", "Comdeferrs", "Comlocsections", "com__bigdate_add",
                           "com__bigdatediff", "com__bigdatename", "com__bigdatepart",
                           "com__bigdatetimefromchar_mb", "com__bigdatetimetochar",
                           "com__bigtimefromchar_mb", "com__date4fromchar_mb", "com__date4todt",

@@ -1,18 +1,26 @@
-// zrvcomn config: where the library looks for the files of an installation.
+// zrvcomn config: where the library looks for the files of an installation, and what configuration files
+// have to say.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <pwd.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "arguments.h"
+#include "config_file.h"
 #include "output.h"
 #include "status_names.h"
 #include "subcommand.h"
+#include "visible.h"
 #include "zrvcomn/comnlib.h"
 
 namespace {
@@ -173,7 +181,7 @@ void print_json(std::string &out, const std::vector<Found> &all) {
   }
 }
 
-int run(bool json) {
+int show_paths(bool json) {
   std::vector<Found> all;
   bool failed = false;
   for (const Place &place : places) {
@@ -189,23 +197,218 @@ int run(bool json) {
   return failed ? exit_failure : exit_success;
 }
 
+// ---- configuration files ----
+
+// What is wrong with a file, for a command that needs what is in it.
+void tell_faults(ConfigFile &file) {
+  for (const Fault &fault : file.take_faults())
+    std::cerr << "zrvcomn config: " << file.path()
+              << (fault.line > 0 ? ":" + std::to_string(fault.line) : "") << ": " << fault.text
+              << '\n';
+}
+
+// A value as it stands, on a terminal such that it commands nothing.
+void append_value(Writer &out, const std::string &value) {
+  if (out.is_terminal())
+    append_visible(out.text, value);
+  else
+    out.text += value;
+}
+
+std::string json_of(const nlohmann::ordered_json &object) {
+  return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+int get(const std::string &path, const std::string &section, const std::string &entry, bool json) {
+  ConfigFile file(path);
+  tell_faults(file);
+  if (!file.is_loaded())
+    return exit_failure;
+  CS_RETCODE status = CS_FAIL;
+  const std::vector<std::string> values = file.get(section, entry, status);
+  Writer out(STDOUT_FILENO);
+  for (const std::string &value : values) {
+    if (json) {
+      out.text += json_of({{"section", section}, {"entry", entry}, {"value", value}});
+    } else {
+      append_value(out, value);
+      out.text += '\n';
+    }
+    out.settle();
+  }
+  out.flush();
+  tell_faults(file);
+  if (status != CS_END_DATA)
+    return exit_failure;
+  if (values.empty())
+    std::cerr << "zrvcomn config: there is no entry " << in_quotes(entry) << " for section "
+              << in_quotes(section) << '\n';
+  return values.empty() ? exit_failure : exit_success;
+}
+
+int list_sections(ConfigFile &file, bool json) {
+  Writer out(STDOUT_FILENO);
+  for (const std::string &section : file.sections()) {
+    if (json) {
+      out.text += json_of({{"section", section}});
+    } else {
+      append_value(out, section);
+      out.text += '\n';
+    }
+    out.settle();
+  }
+  out.flush();
+  return exit_success;
+}
+
+int list_entries(ConfigFile &file, const std::string &section, bool json) {
+  const auto entries = file.entries(section);
+  if (!entries) {
+    std::cerr << "zrvcomn config: there is no section " << in_quotes(section) << '\n';
+    return exit_failure;
+  }
+  Writer out(STDOUT_FILENO);
+  for (const NamedValues &entry : *entries)
+    for (const std::string &value : entry.values) {
+      if (json) {
+        out.text += json_of({{"section", section}, {"entry", entry.name}, {"value", value}});
+      } else {
+        append_value(out, entry.name);
+        out.text += " = ";
+        append_value(out, value);
+        out.text += '\n';
+      }
+      out.settle();
+    }
+  out.flush();
+  return exit_success;
+}
+
+int list(const std::string &path, const std::optional<std::string> &section, bool json) {
+  ConfigFile file(path);
+  tell_faults(file);
+  if (!file.is_loaded())
+    return exit_failure;
+  return section ? list_entries(file, *section, json) : list_sections(file, json);
+}
+
+// The line of a file in which a place is, and the bytes of it in front of the place.
+std::pair<std::string, std::string> line_around(const std::string &bytes, size_t place) {
+  const size_t at = std::min(place, bytes.size());
+  const size_t before = at == 0 ? std::string::npos : bytes.rfind('\n', at - 1);
+  const size_t begin = before == std::string::npos ? 0 : before + 1;
+  const size_t end = std::min(bytes.find('\n', at), bytes.size());
+  return {bytes.substr(begin, end - begin), bytes.substr(begin, at - begin)};
+}
+
+std::string visible(const std::string &bytes) {
+  std::string text;
+  append_visible(text, bytes);
+  return text;
+}
+
+int check(const std::string &path, bool json) {
+  ConfigFile file(path);
+  const std::vector<Fault> faults = file.take_faults();
+  std::ifstream stream(path, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+  Writer out(STDOUT_FILENO);
+  for (const Fault &fault : faults) {
+    const bool has_place = fault.offset >= 0 && stream.is_open();
+    auto [line, before] = has_place ? line_around(bytes, static_cast<size_t>(fault.offset))
+                                    : std::pair<std::string, std::string>();
+    if (line.ends_with('\r'))
+      line.pop_back();
+    const size_t column = count_characters(before) + 1;
+    const size_t indent = count_characters(visible(before));
+    if (json) {
+      nlohmann::ordered_json object = {{"file", path}, {"line", nullptr}, {"column", nullptr}};
+      if (has_place) {
+        object["line"] = fault.line;
+        object["column"] = column;
+      }
+      object["text"] = fault.text;
+      out.text += json_of(object);
+    } else {
+      out.text += path + ":";
+      if (has_place)
+        out.text += std::to_string(fault.line) + ":" + std::to_string(column) + ":";
+      out.text += " ";
+      append_visible(out.text, fault.text);
+      out.text += "\n";
+      if (has_place)
+        out.text += "  " + visible(line) + "\n  " + std::string(indent, ' ') + "^\n";
+    }
+    out.settle();
+  }
+  out.flush();
+  return faults.empty() && file.is_loaded() ? exit_success : exit_failure;
+}
+
+struct Options {
+  std::string action;
+  std::vector<std::string> words;
+  bool json = false;
+};
+
+int run(const Options &options) {
+  const auto &[action, words, json] = options;
+  const auto refuse = [&](const std::string &what) -> int {
+    throw UsageError(action + " takes " + what);
+  };
+  if (action == "paths")
+    return words.empty() ? show_paths(json) : refuse("no words");
+  if (action == "check")
+    return words.size() == 1 ? check(words[0], json) : refuse("one file");
+  if (action == "get") {
+    if (words.size() == 2)
+      return get("", words[0], words[1], json);
+    return words.size() == 3 ? get(words[0], words[1], words[2], json)
+                             : refuse("a section and an entry, and a file before them");
+  }
+  switch (words.size()) {
+  case 0:
+    return list("", std::nullopt, json);
+  case 1:
+    // A section of ncl.cfg, unless there is a file of that name.
+    return access(words[0].c_str(), F_OK) == 0 ? list(words[0], std::nullopt, json)
+                                               : list("", words[0], json);
+  case 2:
+    return list(words[0], words[1], json);
+  }
+  return refuse("a file and a section");
+}
+
 Subcommand::Run add(CLI::App &app) {
-  const auto topic = std::make_shared<std::string>();
-  const auto json = std::make_shared<bool>(false);
-  app.add_option("topic", *topic, "What to show: paths")->required();
-  app.add_flag("--json", *json, "Print one JSON object for each place");
-  app.footer("paths: where each file of the installation is looked for, whether it is there, and\n"
-             "the variable or rule that decided.\n\n"
-             "Examples:\n"
-             "  zrvcomn config paths\n"
-             "  ZARVEK=/opt/zarvek zrvcomn config paths --json");
-  return [topic, json](const std::vector<std::string> &) {
-    if (*topic != "paths")
-      throw UsageError("nothing to show about '" + *topic + "', only about paths");
-    return run(*json);
+  const auto options = std::make_shared<Options>();
+  add_choice(app, "action", options->action, "ACTION", {"check", "get", "list", "paths"},
+             "check, get, list or paths")
+      ->required();
+  app.add_option("words", options->words,
+                 "check: FILE; get: [FILE] SECTION ENTRY; list: [FILE] [SECTION]")
+      ->type_name("WORD");
+  app.add_flag("--json", options->json, "Print JSON Lines");
+  app.footer(
+      "check: what is wrong with a configuration file, each fault with its line and place.\n"
+      "get: all values of an entry, each on a line, included sections after the section itself.\n"
+      "list: the sections of a file, or the entries of one with its own values. A word alone is\n"
+      "a file if there is one of that name, else a section of ncl.cfg.\n"
+      "paths: where each file of the installation is looked for, whether it is there, and\n"
+      "the variable or rule that decided.\n"
+      "\nWithout FILE it is ncl.cfg of the installation. Files are read in the character set of\n"
+      "the environment's locale.\n"
+      "\nExamples:\n"
+      "  zrvcomn config get payroll server\n"
+      "  zrvcomn config list ./app.cfg payroll\n"
+      "  zrvcomn config check ./app.cfg\n"
+      "  ZARVEK=/opt/zarvek zrvcomn config paths --json\n"
+      "\nExit codes: 0 found and nothing wrong, 1 no value or something wrong, 2 wrong usage.");
+  return [options](const std::vector<std::string> &more) {
+    options->words.insert(options->words.end(), more.begin(), more.end());
+    return run(*options);
   };
 }
 
-const Subcommand config("config", "Show where the files of the installation are", add);
+const Subcommand config("config", "Show configuration files and where files are", add);
 
 } // namespace

@@ -254,6 +254,11 @@ TEST(LegacyFloat, TextLongerThanItsBuffer) {
         run_member(legacy_member("flt8", shape), value, 8, 300, expected.bytes.size(), options);
     EXPECT_EQ(got, expected) << shape;
   }
+  // Not without a limit either.
+  EXPECT_EQ(run_member(legacy_member("flt8", "char"), value, 8, -1, 1, options),
+            (Shaped{overflow, "*"}));
+  EXPECT_EQ(run_member(legacy_member("flt8", "string"), value, 8, 0, 2, options),
+            (Shaped{overflow, "*\0"s}));
   format = "%255g";
   EXPECT_EQ(run_member(legacy_member("flt8", "char"), value, 8, 255, 255, options).result, 255);
   format = "%256g";

@@ -123,20 +123,25 @@ inline void copy(CS_BYTE *dest, const void *bytes, CS_INT length) noexcept {
   std::memmove(dest, bytes, static_cast<size_t>(length));
 }
 
-// A number, whole or as a star: `write` writes its `length` bytes.
-template <class Shape, class Write>
-CS_INT write_number(const Shape &shape, CS_INT length, Write write) noexcept {
-  if (length <= shape.room) [[likely]] {
-    write(chars(shape.text));
-    shape.finish(length);
-    return length;
-  }
-  // Where not even the star has room, only what ends the text is written.
+// What stands for a number without room. Where not even the star has any, only what ends the text is
+// written.
+template <class Shape>
+[[gnu::cold]] CS_INT write_star(const Shape &shape) noexcept {
   const CS_INT star = std::min(shape.room, 1);
   if (star != 0)
     *shape.text = '*';
   shape.finish(star);
   return COM_OLD_OVERFLOW;
+}
+
+// A number, whole or as a star: `write` writes its `length` bytes.
+template <class Shape, class Write>
+CS_INT write_number(const Shape &shape, CS_INT length, Write write) noexcept {
+  if (length > shape.room) [[unlikely]]
+    return write_star(shape);
+  write(chars(shape.text));
+  shape.finish(length);
+  return length;
 }
 
 template <class Shape>

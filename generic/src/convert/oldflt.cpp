@@ -101,7 +101,9 @@ CS_INT float_text(CS_FLOAT value, CS_BYTE *dest, CS_INT destlen, const char *for
     return write_number(shape, text.data(), text.length());
   }
   const FormattedFloat text(format, value);
-  return write_number(shape, text.data(), text.fits() ? text.length() : comn::legacy::unlimited);
+  // What exceeds the buffer is too long for any room.
+  return text.fits() ? write_number(shape, text.data(), text.length())
+                     : comn::legacy::write_star(shape);
 }
 
 } // namespace

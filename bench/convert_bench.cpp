@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "comparison.h"
 #include "convert_peers.h"
 #include "inputs.h"
+#include "legacy_members.h"
 #include "zrvcomn/charset.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/datetime.h"
@@ -532,6 +534,120 @@ void compare_dates() {
        {{"com__datefromchar_mb alone", 1.5, convert_texts({parse_date, srcfmt, destfmt}, texts)}}});
 }
 
+// ---- callers without a context ----
+
+// Calls of a member on one value, with what its signature takes behind the destination.
+template <class... Extra>
+Pass repeat_legacy(void *address, const std::string &value, CS_INT srclen, CS_INT destlen,
+                   Extra... extra) {
+  using Function = CS_INT (*)(CS_BYTE *, CS_INT, CS_BYTE *, CS_INT, Extra...);
+  const auto function = reinterpret_cast<Function>(address);
+  return [=, copy = value]() mutable {
+    for (size_t i = 0; i < input_count; ++i) {
+      const CS_INT length = function(reinterpret_cast<CS_BYTE *>(copy.data()), srclen,
+                                     reinterpret_cast<CS_BYTE *>(result), destlen, extra...);
+      benchmark::DoNotOptimize(length);
+      benchmark::ClobberMemory();
+    }
+  };
+}
+
+constexpr CS_INT legacy_room = 40;
+
+Pass legacy_pass(const zrvtest::LegacyMember &member, const std::string &value, CS_INT srclen) {
+  void *const address = member.address();
+  CS_CHAR **const names = nullptr;
+  if (member.destination == "num")
+    return repeat_legacy(address, value, srclen, legacy_room, CS_INT{18}, CS_INT{4});
+  if (member.is_from_text() && member.is_to_date())
+    return repeat_legacy(address, value, srclen, legacy_room, names, names, -1);
+  if (member.is_to_text() && (member.source == "flt4" || member.source == "flt8"))
+    return repeat_legacy(address, value, srclen, legacy_room, static_cast<char *>(nullptr));
+  if (member.is_to_text() && member.is_from_date())
+    return repeat_legacy(address, value, srclen, legacy_room, names);
+  return repeat_legacy(address, value, srclen, legacy_room);
+}
+
+// The matrix's conversion of the same value into the same shape, as far as it has it.
+void compare_legacy() {
+  const auto bytes_of = [](auto value) {
+    return std::string(reinterpret_cast<const char *>(&value), sizeof value);
+  };
+  const auto record_of = [&](const std::string &bytes) {
+    std::string record = bytes_of(static_cast<CS_SMALLINT>(bytes.size())) + bytes;
+    record.resize(sizeof(CS_VARCHAR));
+    return record;
+  };
+  struct Type {
+    CS_INT code;
+    std::string value;
+  };
+  const std::map<std::string, Type> types = {
+      {"i1", {CS_TYPE_TINYINT, bytes_of(CS_TINYINT{123})}},
+      {"i2", {CS_TYPE_SMALLINT, bytes_of(CS_SMALLINT{123})}},
+      {"i4", {CS_TYPE_INT, bytes_of(CS_INT{123})}},
+      {"bit", {CS_TYPE_BIT, bytes_of(CS_BIT{1})}},
+      {"flt4", {CS_TYPE_REAL, bytes_of(CS_REAL{123.5F})}},
+      {"flt8", {CS_TYPE_FLOAT, bytes_of(CS_FLOAT{123.5})}},
+      {"money", {CS_TYPE_MONEY, bytes_of(CS_MONEY{0, 1235000})}},
+      {"mny4", {CS_TYPE_MONEY4, bytes_of(CS_MONEY4{1235000})}},
+      {"num", {CS_TYPE_NUMERIC, {}}},
+      {"char", {CS_TYPE_CHAR, "123"}},
+      {"varychar", {CS_TYPE_VARCHAR, record_of("123")}},
+      {"bin", {CS_TYPE_BINARY, "\1\2\3\4\5\6\7\x08"}},
+      {"varybin", {CS_TYPE_VARBINARY, record_of("\1\2\3\4\5\6\7\x08")}},
+      {"datetime", {CS_TYPE_DATETIME, {}}},
+      {"date", {CS_TYPE_DATETIME, bytes_of(CS_DATETIME{36894, 14584537})}},
+      {"date4", {CS_TYPE_DATETIME4, bytes_of(CS_DATETIME4{36894, 810})}},
+      {"string", {CS_TYPE_CHAR, {}}},
+      {"ntbstring", {CS_TYPE_CHAR, {}}},
+      {"binary", {CS_TYPE_BINARY, {}}},
+  };
+  std::string number(sizeof(CS_NUMERIC), '\0');
+  com_chartonum(reinterpret_cast<CS_BYTE *>(const_cast<char *>("123.5")), 5,
+                reinterpret_cast<CS_BYTE *>(number.data()), 35, 18, 4);
+  const std::map<std::string, CS_INT> pads = {{"char", CS_DFMT_PADBLANK},
+                                              {"string", CS_DFMT_PADBLANK | CS_DFMT_NULLTERM},
+                                              {"ntbstring", CS_DFMT_NULLTERM},
+                                              {"binary", CS_DFMT_PADNULL},
+                                              {"bin", CS_DFMT_PADNULL}};
+  for (const zrvtest::LegacyMember &member : zrvtest::legacy_members()) {
+    const auto source = types.find(member.source), destination = types.find(member.destination);
+    if (source == types.end() || destination == types.end() || member.multi_byte || member.styled ||
+        member.spelled_with_digit || member.destination == "date")
+      continue;
+    const CS_CONV_FUNC matrix =
+        com_conv_func(&context, source->second.code, destination->second.code);
+    if (matrix == nullptr)
+      continue;
+    std::string value = member.source == "num" ? number : source->second.value;
+    if (member.is_to_date() && member.is_from_text())
+      value = member.source == "char" ? "Jan 5 2001" : record_of("Jan 5 2001");
+    const auto length = static_cast<CS_INT>(
+        member.source == "varychar" ? (member.is_to_date() ? 10U : 3U) : value.size());
+    const auto pad = pads.find(member.destination);
+    CS_DATAFMT srcfmt = make_format(source->second.code, static_cast<CS_INT>(value.size()));
+    CS_DATAFMT destfmt =
+        make_format(destination->second.code, legacy_room, pad == pads.end() ? 0 : pad->second);
+    destfmt.precision = member.destination == "num" ? 18 : 0;
+    destfmt.scale = member.destination == "num" ? 4 : 0;
+    compare({"without a context, to " + member.destination,
+             member.name(),
+             "one value",
+             input_count,
+             legacy_pass(member, value, length),
+             {{"the matrix", 1.3, [=, copy = value]() mutable {
+                 CS_INT written = 0;
+                 for (size_t i = 0; i < input_count; ++i) {
+                   const CS_RETCODE status =
+                       matrix(&context, &srcfmt, copy.data(), &destfmt, result, &written);
+                   benchmark::DoNotOptimize(status);
+                   benchmark::ClobberMemory();
+                 }
+               }}}});
+  }
+}
+
 } // namespace
 
 void register_comparisons() {
@@ -566,6 +682,7 @@ void register_comparisons() {
     compare_text_to_text(two_bytes, true, bytes);
   }
   compare_dates();
+  compare_legacy();
 
   compare_lookup();
 

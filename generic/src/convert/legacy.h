@@ -191,6 +191,16 @@ CS_INT copy_bytes(const Shape &shape, const CS_BYTE *bytes, CS_INT length) noexc
   return count < length ? COM_OLD_OVERFLOW : count;
 }
 
+// The same for so many bytes as a type has.
+template <CS_INT Width, class Shape>
+CS_INT copy_value(const Shape &shape, const CS_BYTE *value) noexcept {
+  if (Width > shape.room) [[unlikely]]
+    return copy_bytes(shape, value, Width);
+  std::memmove(shape.bytes, value, Width);
+  shape.finish(Width);
+  return Width;
+}
+
 // ---- types of one width ----
 
 // A conversion of the matrix between two of them, without its checks.

@@ -14,12 +14,15 @@ CS_RETCODE checked(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept 
 
 template <class Shape>
 CS_INT bit_text(CS_BIT value, CS_BYTE *dest, CS_INT destlen) noexcept {
-  return value > 1 ? COM_OLD_DOMAIN : comn::legacy::integer_text<Shape>(value, dest, destlen);
+  if (value > 1)
+    return COM_OLD_DOMAIN;
+  return comn::legacy::write_number(
+      Shape(dest, destlen), 1, [=](CS_CHAR *text) { *text = static_cast<CS_CHAR>('0' + value); });
 }
 
 template <class Shape>
 CS_INT bit_bytes(const Shape &shape, const CS_BYTE *src) noexcept {
-  return *src > 1 ? COM_OLD_DOMAIN : comn::legacy::copy_bytes(shape, src, sizeof(CS_BIT));
+  return *src > 1 ? COM_OLD_DOMAIN : comn::legacy::copy_value<sizeof(CS_BIT)>(shape, src);
 }
 
 } // namespace

@@ -35,7 +35,7 @@ constexpr CS_INT with_milliseconds = 9;
   COMN_OLD_TO_TEXT(source, date_text, ,                                                            \
                    (kinds::source{}, src, dest, destlen, shortmonths, with_milliseconds),          \
                    char **shortmonths)                                                             \
-  COMN_OLD_TO_BYTES(source, copy_bytes, src, sizeof(kinds::source::Value))
+  COMN_OLD_TO_BYTES(source, copy_value<sizeof(kinds::source::Value)>, src)
 
 COMN_OLD_DATE_UNIT(date)
 COMN_OLD_DATE_UNIT(date4)

@@ -120,7 +120,7 @@ CS_INT float_text(CS_FLOAT value, CS_BYTE *dest, CS_INT destlen, const char *for
   COMN_OLD_TO_FIXED(source, mny4, to_money<source, CS_MONEY4>)                                     \
   COMN_OLD_TO_TEXT(source, float_text, , (comn::load<type>(src), dest, destlen, fltfmt),           \
                    char *fltfmt)                                                                   \
-  COMN_OLD_TO_BYTES(source, copy_bytes, src, sizeof(type))
+  COMN_OLD_TO_BYTES(source, copy_value<sizeof(type)>, src)
 
 using namespace comn::floating;
 COMN_OLD_FLOAT_UNIT(flt4, CS_REAL)

@@ -28,7 +28,7 @@ CS_RETCODE to_integer(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
   COMN_OLD_ALIAS(com_##source##tomny, com_##source##tomoney)                                       \
   COMN_OLD_TO_FIXED(source, mny4, comn::integer::to_money<comn::integer::source, CS_MONEY4>)       \
   COMN_OLD_TO_TEXT(source, integer_text, , (comn::load<type>(src), dest, destlen))                 \
-  COMN_OLD_TO_BYTES(source, copy_bytes, src, sizeof(type))
+  COMN_OLD_TO_BYTES(source, copy_value<sizeof(type)>, src)
 
 COMN_OLD_INTEGER_UNIT(i1, CS_TINYINT)
 COMN_OLD_INTEGER_UNIT(i2, CS_SMALLINT)

@@ -32,7 +32,7 @@ CS_INT money_text(Money value, CS_BYTE *dest, CS_INT destlen) noexcept {
   COMN_OLD_ALIAS(com_##source##tomny, com_##source##tomoney)                                       \
   COMN_OLD_TO_FIXED(source, mny4, to_money<source, mny4>)                                          \
   COMN_OLD_TO_TEXT(source, money_text, , (comn::load<type>(src), dest, destlen))                   \
-  COMN_OLD_TO_BYTES(source, copy_bytes, src, sizeof(type))
+  COMN_OLD_TO_BYTES(source, copy_value<sizeof(type)>, src)
 
 using namespace comn::money_family;
 COMN_OLD_MONEY_UNIT(money, CS_MONEY)

@@ -3,6 +3,7 @@
 #include "binary.h"
 #include "comloc.h"
 #include "legacy.h"
+#include "number.h"
 #include "types.h"
 
 namespace {
@@ -78,6 +79,19 @@ CS_INT text_to_num(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT precision,
   return to_num<Convert, Code>(src, srclen, dest, precision, scale, locale.get());
 }
 
+template <class Source>
+CS_INT bytes_to_num(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT precision,
+                    CS_INT scale) noexcept {
+  const Side from(CS_TYPE_BINARY, srclen);
+  Side to(CS_TYPE_NUMERIC, numeric_length);
+  to.format.precision = precision;
+  to.format.scale = scale;
+  CS_INT length = 0;
+  const CS_RETCODE status =
+      comn::binary::to_num(Source(&from.format, src), &to.format, dest, &length);
+  return result_of(status, length);
+}
+
 // An empty record, which the matrix takes for a fault, is a null value.
 bool is_empty(const CS_BYTE *record) noexcept {
   return comn::load<CS_SMALLINT>(record) <= 0;
@@ -103,25 +117,15 @@ CS_INT num_text(CS_BYTE *src, CS_BYTE *dest, CS_INT destlen) noexcept {
   return result_of(status, length);
 }
 
-// The sign and the digits, without the shape.
+// The sign and the digits, without the shape. Deliberate: a cut is the code of the matrix, but in a
+// record, of which the matrix has one with room for every value.
 template <class Shape>
-Converted num_bytes(const Shape &shape, CS_BYTE *src) noexcept {
-  Side from(CS_TYPE_NUMERIC, numeric_length), to(CS_TYPE_BINARY, shape.room);
-  const Converted converted = convert<comn_numtobin>(from, src, to, shape.bytes);
-  if (converted.status == CS_SUCCEED || converted.status == CS_CONV_TRUNCATED)
-    shape.finish(converted.length);
-  return converted;
-}
-
-CS_INT to_binary(const AsBinary &shape, CS_BYTE *src) noexcept {
-  const auto [status, length] = num_bytes(shape, src);
-  return result_of(status, length);
-}
-
-// A record of the matrix has room for every value, so here a cut is what it is of other bytes.
-CS_INT to_binary(const AsVarybin &shape, CS_BYTE *src) noexcept {
-  const auto [status, length] = num_bytes(shape, src);
-  return status == CS_CONV_TRUNCATED ? COM_OLD_OVERFLOW : result_of(status, length);
+CS_INT to_bytes(const Shape &shape, const CS_BYTE *src) noexcept {
+  if (!comn::exact::is_valid(*reinterpret_cast<const CS_NUMERIC *>(src))) [[unlikely]]
+    return COM_OLD_DOMAIN;
+  const CS_INT length =
+      copy_value<sizeof(CS_NUMERIC::array)>(shape, src + offsetof(CS_NUMERIC, array));
+  return length < 0 && std::is_same_v<Shape, AsBinary> ? CS_CONV_TRUNCATED : length;
 }
 
 } // namespace
@@ -130,12 +134,6 @@ CS_INT to_binary(const AsVarybin &shape, CS_BYTE *src) noexcept {
 #define COMN_OLD_TO_NUM(source, member, code)                                                      \
   COMN_OLD(com_##source##tonum,                                                                    \
            (to_num<comn_##member##tonum, code>(src, srclen, dest, precision, scale)),              \
-           COMN_OLD_SHAPE)
-#define COMN_OLD_RECORD_TO_NUM(source, member, code)                                               \
-  COMN_OLD(com_##source##tonum,                                                                    \
-           (is_empty(src)                                                                          \
-                ? nothing                                                                          \
-                : to_num<comn_##member##tonum, code>(src, srclen, dest, precision, scale)),        \
            COMN_OLD_SHAPE)
 
 COMN_OLD_TO_NUM(i1, i1, CS_TYPE_TINYINT)
@@ -147,8 +145,12 @@ COMN_OLD_TO_NUM(money, money, CS_TYPE_MONEY)
 COMN_OLD_TO_NUM(mny4, mny4, CS_TYPE_MONEY4)
 COMN_OLD_TO_NUM(bit, bit, CS_TYPE_BIT)
 COMN_OLD_TO_NUM(num, num, CS_TYPE_NUMERIC)
-COMN_OLD_TO_NUM(bin, bin, CS_TYPE_BINARY)
-COMN_OLD_RECORD_TO_NUM(varybin, varbin, CS_TYPE_VARBINARY)
+COMN_OLD(com_bintonum, (bytes_to_num<comn::binary::bin>(src, srclen, dest, precision, scale)),
+         COMN_OLD_SHAPE)
+COMN_OLD(com_varybintonum,
+         (is_empty(src) ? nothing
+                        : bytes_to_num<comn::binary::varbin>(src, srclen, dest, precision, scale)),
+         COMN_OLD_SHAPE)
 
 #define COMN_OLD_TEXT_TO_NUM(prefix, chatr, ...)                                                   \
   COMN_OLD(                                                                                        \
@@ -177,4 +179,4 @@ COMN_OLD_NUM_TO(money, CS_TYPE_MONEY)
 COMN_OLD_ALIAS(com_numtomny, com_numtomoney)
 COMN_OLD_NUM_TO(mny4, CS_TYPE_MONEY4)
 COMN_OLD_TO_TEXT(num, num_text, , (src, dest, destlen))
-COMN_OLD_TO_BYTES(num, to_binary, src)
+COMN_OLD_TO_BYTES(num, to_bytes, src)

@@ -658,7 +658,7 @@ ZRV_PRIVATE CS_RETCODE comn__escchar(CS_CHAR *src, CS_DATAFMT *srcfmt, CS_CHAR *
                                      CS_DATAFMT *destfmt, CS_INT *destlen, struct char_attrib *ca,
                                      CS_INT escape) ZRV_NOEXCEPT;
 
-/* What all numbers convert to; 16-bit text is not there yet. */
+/* What all numbers convert to; 16-bit text stands with its own family. */
 #define ZRV_NUMBER_CONVS(source)                                                                   \
   ZRV_CONV(comn_##source##tobit);                                                                  \
   ZRV_CONV(comn_##source##toi1);                                                                   \
@@ -946,6 +946,180 @@ ZRV_CONV(comn_bigtimetobigdatetime);
 ZRV_CONV(comn_bigtimetobigtime);
 ZRV_CONV(comn_bigtimetobin);
 ZRV_CONV(comn_bigtimetovarbin);
+
+/*
+ * ---- 16-bit text ----
+ *
+ * unichar serves 25 and 29: UTF-16 in host order, at any address, all lengths in bytes. Every member goes
+ * through UTF-8: a format of its own, whose locale is a copy of the caller's with the fixed UTF-8
+ * character set in the place of its own (comn__init_utf8_datafmt_and_locale), stands on one side of the
+ * member for text. What is converted must not overlap `dest`.
+ *
+ * CS_CONV_BADCHAR      the 16-bit text is invalid: an odd count of bytes, or 0xFFFE or 0xFFFF; what stands
+ *                      before it was converted where the member has text on both sides, else nothing
+ *                      is written and `*destlen` is 0
+ * CS_CONV_TRUNCATED    the text does not fit `dest` (what fits is there) or the area between the two
+ *                      (nothing is there, and `*destlen` is 0)
+ *
+ * Towards 16-bit text `format` works as told at comn__padunichar, in units: with CS_DFMT_NULLTERM and no
+ * room for the terminator the last whole unit of maxlength is 0 and the result CS_CONV_TRUNCATED.
+ * CS_CONV_PADCONFLICT.
+ *
+ * from 16-bit text to a value
+ *     An empty source is fatal. The text goes through an area: 64 bytes for integers, 1,024 for floats,
+ *     79 for numerics, 24 for money, 2,048 for dates; for a bit the area is allocated: CS_MEM_ERROR. So
+ *     70 digits are CS_CONV_TRUNCATED, no overflow. The rest is as told at the member from char, with
+ *     srcfmt->locale for all but the character set. datetime is for 12 and 35, timea for 28 and 36.
+ *     unichartoi8 stands for type 20 in the matrix as well, but serves 30 alone: 20 is fatal.
+ * from a value to 16-bit text
+ *     What the member to char makes of so many bytes (384 for a bit); its failures are the result and
+ *     leave `dest` alone, `*destlen` 0. The precision and scale of destfmt are not looked at: money has two
+ *     decimals.
+ * unichar to char
+ *     Converted to the character set of destfmt; CS_CONV_TRUNCATED, cut at a character. Into UTF-8 without
+ *     CS_DFMT_ESCQUOTE directly: a text that was cut loses its last byte to the NUL of CS_DFMT_NULLTERM,
+ *     even if that splits a character, and one that fits without its terminator is CS_CONV_OVERFLOW. Else
+ *     through an allocated area (CS_MEM_ERROR) and comn_chartochar. Bit 64 of destfmt->format lets
+ *     0xFFFE and 0xFFFF pass.
+ * char to unichar
+ *     From UTF-8 directly, else through comn_chartochar and an allocated area: CS_MEM_ERROR.
+ * unichar to unichar, bin to unichar, image to unichar
+ *     Copied; of the units none is refused. image is for 5 alone.
+ * unichar to bin
+ *     Copied in whole units, then padded by comn__padbin.
+ * unichar to image
+ *     Copied with no look at maxlength: `dest` must have room for the whole source, also for an odd one.
+ * unichar to varchar and to varbin
+ *     As to char and to bin, into the record with a room of 256 bytes; `*destlen` is 258 whatever the
+ *     result, the length in the record that of the text.
+ * varchar to unichar
+ *     Through an area of the larger of the two maxlength, CS_MEM_ERROR. No more of the record than
+ *     srcfmt->maxlength bytes comes along: CS_CONV_TRUNCATED.
+ * varbin to unichar
+ *     As from bin.
+ */
+#define ZRV_UNICHAR_CONVS(value)                                                                   \
+  ZRV_CONV(comn_unicharto##value);                                                                 \
+  ZRV_CONV(comn_##value##tounichar)
+
+ZRV_UNICHAR_CONVS(i1);
+ZRV_UNICHAR_CONVS(i2);
+ZRV_UNICHAR_CONVS(i4);
+ZRV_UNICHAR_CONVS(i8);
+ZRV_UNICHAR_CONVS(ui2);
+ZRV_UNICHAR_CONVS(ui4);
+ZRV_UNICHAR_CONVS(ui8);
+ZRV_UNICHAR_CONVS(flt4);
+ZRV_UNICHAR_CONVS(flt8);
+ZRV_UNICHAR_CONVS(num);
+ZRV_UNICHAR_CONVS(mny4);
+ZRV_UNICHAR_CONVS(money);
+ZRV_UNICHAR_CONVS(date4);
+ZRV_UNICHAR_CONVS(datetime);
+ZRV_UNICHAR_CONVS(datea);
+ZRV_UNICHAR_CONVS(timea);
+ZRV_UNICHAR_CONVS(bit);
+ZRV_UNICHAR_CONVS(char);
+ZRV_UNICHAR_CONVS(varchar);
+ZRV_UNICHAR_CONVS(bin);
+ZRV_UNICHAR_CONVS(varbin);
+ZRV_UNICHAR_CONVS(image);
+ZRV_CONV(comn_unichartounichar);
+
+/* The length in bytes, not in units, of 16-bit text up to its zero unit. Null is fatal, 0. */
+ZRV_API CS_INT comn_unistrlen(CS_UNICHAR *s) ZRV_NOEXCEPT;
+
+/*
+ * Makes a format of UTF-8 text that has all other conventions of a locale.
+ *
+ * user_loc       in   the locale, or null for ctxlocale
+ * utf8_datafmt   out  all zero but for the datatype, CS_TYPE_CHAR, and the locale, `utf8_locale`
+ * utf8_locale    out  a copy of the locale whose ctypeptr is cmg_utf8_ctypeptr; `utf8_datafmt` borrows it
+ *
+ * Returns CS_SUCCEED. Another null pointer, no locale and no ctxglobals are fatal, CS_FAIL.
+ */
+ZRV_PRIVATE CS_RETCODE comn__init_utf8_datafmt_and_locale(CS_CONTEXT *context, CS_LOCALE *user_loc,
+                                                          CS_DATAFMT *utf8_datafmt,
+                                                          CS_LOCALE *utf8_locale) ZRV_NOEXCEPT;
+
+/* True when text of a format is UTF-8: the character set of its locale, else of ctxlocale, is
+ * cmg_utf8_charset. A null argument, no locale, one without ctypeptr and no ctxglobals are fatal, 0. */
+ZRV_PRIVATE CS_BOOL charset_in_datafmt_equals_utf8(CS_CONTEXT *context,
+                                                   CS_DATAFMT *datafmt) ZRV_NOEXCEPT;
+
+/*
+ * The transcoders beneath the members; their text stands at any address.
+ *
+ * src             in   the text, `srclen` bytes; a negative length counts as 0
+ * dest            out  the text in the other form, `dest_size` or destfmt->maxlength bytes; must not
+ *                      overlap the source
+ * destfmt         in   what ends 16-bit text
+ * destlen         out  the bytes written, whatever the result
+ * validity_check  in   true refuses 0xFFFE and 0xFFFF
+ *
+ * Return CS_SUCCEED; CS_CONV_BADCHAR and CS_CONV_TRUNCATED as told for the members, and
+ * CS_CONV_PADCONFLICT from comn__convert_from_utf8_to_utf16, which ends its text as they do. UTF-8 is
+ * neither terminated nor padded. Null is fatal, CS_FAIL.
+ */
+ZRV_PRIVATE CS_RETCODE comn__convert_from_utf16_to_utf8(CS_VOID *src, CS_INT srclen, CS_VOID *dest,
+                                                        CS_INT dest_size, CS_INT *destlen,
+                                                        CS_BOOL validity_check) ZRV_NOEXCEPT;
+ZRV_PRIVATE CS_RETCODE comn__convert_from_utf8_to_utf16(CS_VOID *src, CS_INT srclen,
+                                                        CS_DATAFMT *destfmt, CS_VOID *dest,
+                                                        CS_INT *destlen,
+                                                        CS_BOOL validity_check) ZRV_NOEXCEPT;
+
+/*
+ * ---- locators ----
+ *
+ * A record is valid by its tag: a default value (com_null_get, Comv_CS_LOCATOR) or what one of these
+ * functions has written. It owns its blocks, all of them of comn_calloc, and who attaches chunks of his own
+ * allocates them so too:
+ *
+ *     CS_LOCATOR                    CsBlobChunk          CsBlobChunk
+ *     locator ------> token         pnext -------------> pnext ------> null
+ *     locatorlen      of so many    len  of so many      len
+ *     prefetchdata ---------------> data ------> bytes   data ------> bytes
+ *
+ * A chunk may be empty, its `data` then null. Who holds a record gives its blocks back with
+ * comn__locator_clean; a copy of its bytes is no second owner.
+ *
+ * comn_locatortochar     the token as hexadecimal text, as comn_bintochar makes it
+ * comn_chartolocator     the token from hexadecimal text (comn_chartobin), half as many bytes as there are
+ *                        digits, rounded up. `dest` is emptied first: CS_FAIL without a valid record, also
+ *                        for null, which is no failed check here. Its type is destfmt->datatype, and
+ *                        `*destlen` and locatorlen are the decoded length. CS_CONV_OVERFLOW above 65,535
+ *                        bytes; CS_MEM_ERROR; what comn_chartobin returns: the record then keeps an empty
+ *                        token in a block, and destfmt is left as CS_TYPE_BINARY of the token's length
+ * comn_locatortolocator  a copy with blocks of its own. `dest` is emptied first: CS_FAIL without a valid
+ *                        record, null included, and between different datatypes. `*destlen` is the length
+ *                        of the token. CS_MEM_ERROR: `dest` is empty, or without the prefetched data. A
+ *                        record onto itself stays as it is
+ *
+ * The prefetched data; without any, `*destlen` is 0 and the result CS_SUCCEED:
+ *
+ * comn_locatortotext     chunk behind chunk through comn_chartochar, up to the first that fails, whose
+ *                        result is returned. The bits of `format` act on the last chunk alone, so a text
+ *                        cut before it has no terminator. A chunk that finds no room is CS_CONV_TRUNCATED.
+ *                        Without data the first byte is 0
+ * comn_locatortoimage    the bytes, but every chunk at the start of `dest`: several lie over one another, and
+ *                        `*destlen` is the sum of their lengths. CS_CONV_TRUNCATED at the chunk that
+ *                        exceeds what of maxlength the sum has left. CS_DFMT_PADNULL fills behind the sum
+ * comn_locatortounitext  as to text, the first chunk through comn_unichartounichar. A second one is fatal,
+ *                        the check of comn_chartochar. Without data the first unit is 0
+ *
+ * destfmt is changed while comn_chartolocator, comn_locatortotext and comn_locatortounitext run.
+ */
+ZRV_CONV(comn_locatortochar);
+ZRV_CONV(comn_chartolocator);
+ZRV_CONV(comn_locatortolocator);
+ZRV_CONV(comn_locatortotext);
+ZRV_CONV(comn_locatortoimage);
+ZRV_CONV(comn_locatortounitext);
+
+/* Empties a record: releases its token, its chunks and their data. Only the tag stays. Returns 1, or 0 for
+ * null and for a record without the tag, which is left as it is. */
+ZRV_PRIVATE CS_INT comn__locator_clean(CS_LOCATOR *locator) ZRV_NOEXCEPT;
 
 /* ---- the time of day ---- */
 

@@ -159,9 +159,8 @@ typedef struct _cs_thread {
  *
  * Returns CS_SUCCEED or one of the CS_CONV_ statuses, which may come with a usable result. A null
  * pointer or a datatype that the function does not serve is fatal: the check reports it and raises
- * signal 6; CS_FAIL if the application catches the signal. No conversion sends a message or
- * allocates memory (the locators aside). Each returns through the return-code trace, the
- * conversions from integers aside.
+ * signal 6; CS_FAIL if the application catches the signal. No conversion sends a message. Each
+ * returns through the return-code trace, the conversions from integers aside.
  */
 typedef CS_RETCODE (*CS_CONV_FUNC)(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,
                                    CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen);

@@ -87,6 +87,7 @@ public:
     context.ctxglobals = &globals;
     context.ctxlocale = &iso_1.locale;
     globals.cmg_utf8_charset = &utf8.charset;
+    globals.cmg_utf8_ctypeptr = &utf8.cache;
   }
 
   // The source stands alone, with poison behind it; of a record the format says nothing of the length.

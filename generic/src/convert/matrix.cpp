@@ -3,10 +3,7 @@
 // Rows and columns fall into groups, so the table is built from one set of members for each source
 // and the exceptions beside it.
 #include "comnlib.h"
-#include "pending.h"
 #include "table.h"
-
-using namespace comn::pending;
 
 namespace {
 

@@ -27,6 +27,21 @@ bool has_open_length(Layout layout) {
   return layout == Layout::text || layout == Layout::binary || layout == Layout::unitext;
 }
 
+bool is_locator(const Type &type) {
+  return type.code() >= CS_TYPE_TEXTLOCATOR && type.code() <= CS_TYPE_UNITEXTLOCATOR;
+}
+
+// The room for any result of `length` bytes: between text and 16-bit text a byte may become two, and two
+// bytes three.
+CS_INT open_capacity(CS_INT length) {
+  constexpr CS_INT longest = std::numeric_limits<CS_INT>::max() / 2;
+  return std::max(default_capacity, 2 * std::min(length, longest));
+}
+
+bool takes_any_text(Layout layout) {
+  return has_open_length(layout) || layout == Layout::varchar || layout == Layout::varbinary;
+}
+
 template <class Value>
 Value load(const char *bytes) {
   Value value;
@@ -53,6 +68,8 @@ Converter::Converter(const Type &from_type, const Type &to_type, CS_INT format,
       takes_hex(from_type.layout() == Layout::text &&
                 (to_type.layout() == Layout::binary || to_type.layout() == Layout::varbinary)),
       capacity(maxlength ? maxlength : to_type.length) {
+  if (is_locator(from) || is_locator(to))
+    throw UsageError("the command converts no locators, which own blocks of the library's memory");
   if (member == nullptr)
     throw UsageError(std::string("this release has no conversion from ") + from.info->name +
                      " to " + to.info->name);
@@ -115,6 +132,10 @@ CS_RETCODE Converter::read(std::string_view value) {
       reader(context.get(), &text_format, length > 0 ? text : source_bytes.data(), &source_format,
              source, &read_length);
   source_format.maxlength = read_length;
+  // Nor is an empty 16-bit text a value.
+  if (from.layout() == Layout::unitext && read_length == 0 && is_success(status) &&
+      !takes_any_text(to.layout()))
+    return CS_CONV_SYNTAX;
   return status;
 }
 
@@ -150,6 +171,10 @@ void Converter::show(std::string_view bytes) {
     if (printer != nullptr) {
       CS_INT length = 0;
       shown_format.maxlength = static_cast<CS_INT>(bytes.size());
+      // 16-bit text may be longer than any value; a unit has at most three bytes of UTF-8.
+      if (to.layout() == Layout::unitext)
+        printed_bytes.resize(std::max(scratch_bytes, 2 * bytes.size()));
+      printed_format.maxlength = static_cast<CS_INT>(printed_bytes.size());
       if (printer(context.get(), &shown_format, dest_bytes.data(), &printed_format,
                   printed_bytes.data(), &length) == CS_SUCCEED) {
         shown.assign(printed_bytes.data(), static_cast<size_t>(length));
@@ -190,8 +215,10 @@ Outcome Converter::convert(std::string_view value) {
     outcome.was_read = false;
     return outcome;
   }
-  dest_format.maxlength =
-      capacity ? *capacity : std::max(default_capacity, source_format.maxlength);
+  dest_format.maxlength = capacity ? *capacity
+                          : from.layout() == Layout::unitext || to.layout() == Layout::unitext
+                              ? open_capacity(source_format.maxlength)
+                              : std::max(default_capacity, source_format.maxlength);
   // One byte more than the capacity: a default value that a user set is followed by a NUL.
   const size_t needed = std::max(static_cast<size_t>(dest_format.maxlength) + 1, scratch_bytes);
   if (dest_bytes.size() < needed)

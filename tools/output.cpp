@@ -68,6 +68,13 @@ constexpr size_t batch_bytes = 256 * 1024;
 // A longer cell sticks out rather than to push all others aside.
 constexpr size_t widest_column = 40;
 
+void append_bytes(std::string &out, const Row &row) {
+  if (row.is_units)
+    append_hex_units(out, row.bytes);
+  else
+    append_hex(out, row.bytes);
+}
+
 const std::string titles[] = {"value", "result", "length", "hex", "status"};
 constexpr size_t hex_column = 3;
 
@@ -95,7 +102,7 @@ void Rows::add(const Row &row) {
   if (row.result) {
     append_visible(cells.result, *row.result);
     if (with_hex)
-      append_hex(cells.hex, row.bytes);
+      append_bytes(cells.hex, row);
   }
   if (row.length)
     cells.length = std::to_string(*row.length);
@@ -168,7 +175,7 @@ void Rows::add_plain(const Row &row) {
   if (with_hex) {
     out.text += '\t';
     if (row.result)
-      append_hex(out.text, row.bytes);
+      append_bytes(out.text, row);
   }
   out.text += '\t';
   out.text += status_name(row.status);
@@ -212,7 +219,7 @@ void Rows::add_json(const Row &row) {
   out.text += ",\"length\":" + (row.length ? std::to_string(*row.length) : "null");
   if (with_hex && row.result) {
     out.text += ",\"hex\":\"";
-    append_hex(out.text, row.bytes);
+    append_bytes(out.text, row);
     out.text += '"';
   } else if (with_hex) {
     out.text += ",\"hex\":null";

@@ -49,6 +49,7 @@ struct Row {
   std::optional<CS_INT> length;
   std::string_view bytes; // of the result
   CS_RETCODE status;
+  bool is_units = false;  // the bytes are those of 16-bit text
   bool is_number = false; // the result is one, and stands in JSON as such
 };
 

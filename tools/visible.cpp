@@ -64,6 +64,16 @@ void append_hex(std::string &out, std::string_view bytes) {
   }
 }
 
+void append_hex_units(std::string &out, std::string_view bytes) {
+  for (size_t i = 0; i < bytes.size(); i += 2) {
+    if (i > 0)
+      out += ' ';
+    if (i + 1 < bytes.size())
+      append_hex(out, {&bytes[i + 1], 1});
+    append_hex(out, {&bytes[i], 1});
+  }
+}
+
 void append_visible(std::string &out, std::string_view bytes) {
   while (!bytes.empty()) {
     const auto plain =

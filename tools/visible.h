@@ -17,6 +17,9 @@ std::string in_quotes(std::string_view bytes);
 
 void append_hex(std::string &out, std::string_view bytes);
 
+// 16-bit units in host order, each as four digits, a blank between.
+void append_hex_units(std::string &out, std::string_view bytes);
+
 // The number of characters of a UTF-8 text.
 size_t count_characters(std::string_view text);
 

@@ -294,8 +294,55 @@ class Command(unittest.TestCase):
 
     # A recognised pair without a function; this one never gets any.
     def test_no_conversion(self):
-        self.check_usage(convert("int", "textlocator", "1"),
-                         "this release has no conversion from int to textlocator")
+        self.check_usage(convert("int", "long", "1"),
+                         "this release has no conversion from int to long")
+
+    # A record that owns memory is nothing to show.
+    def test_no_locators(self):
+        for source, destination in (("char", "textlocator"), ("imagelocator", "char"),
+                                    ("unitextlocator", "unitextlocator")):
+            self.check_usage(convert(source, destination, "1"), "converts no locators")
+
+    # 16-bit text shows as text, and its bytes as units; its length is in bytes.
+    def test_unichar(self):
+        self.check(convert("char", "unichar(20)", "--hex", "h\u00e9\u20ac", "\U0001F600",
+                           "elf characters"), 1,
+                   "value           result      length  hex                                       status\n"
+                   "h\u00e9\u20ac             h\u00e9\u20ac         6       0068 00e9 20ac                            CS_SUCCEED\n"
+                   "\U0001F600               \U0001F600           4       d83d de00                                 CS_SUCCEED\n"
+                   "elf characters  elf charac  20      0065 006c 0066 0020 0063 0068 0061 0072 0061 0063  CS_CONV_TRUNCATED\n",
+                   "zrvcomn convert: value 3: 'elf characters': CS_CONV_TRUNCATED\n")
+
+    def test_unichar_back(self):
+        text = "h\u00e9\u20ac\U0001F600"
+        self.check(convert("unichar", "char", "--plain", "--hex", text), 0,
+                   f"{text}\t{text}\t10\t{text.encode().hex()}\tCS_SUCCEED\n")
+        self.check(convert("unitext", "int", "--plain", " 42 "), 0, " 42 \t42\t4\tCS_SUCCEED\n")
+        self.check(convert("money", "unichar", "--plain", "--hex", "1.5"), 0,
+                   "1.5\t1.50\t8\t0031 002e 0035 0030\tCS_SUCCEED\n")
+        self.check(convert("unichar(4)", "char", "--plain", "ab", "abc"), 1,
+                   "ab\tab\t2\tCS_SUCCEED\nabc\t\t\tCS_CONV_TRUNCATED\n",
+                   "zrvcomn convert: value 2: 'abc' does not fit unichar(4): CS_CONV_TRUNCATED\n")
+
+    # An empty text is no value.
+    def test_unichar_empty(self):
+        self.check(convert("unichar", "int", "--plain", "", "7"), 1,
+                   "\t\t\tCS_CONV_SYNTAX\n7\t7\t4\tCS_SUCCEED\n",
+                   "zrvcomn convert: value 1: '' is no unichar: CS_CONV_SYNTAX\n")
+        self.check(convert("unichar", "char", "--plain", ""), 0, "\t\t0\tCS_SUCCEED\n")
+
+    def test_unichar_json(self):
+        self.check(convert("char", "unitext", "--json", "--hex", "ab"), 0,
+                   '{"line":1,"value":"ab","result":"ab","length":4,"hex":"0061 0062",'
+                   '"status":"CS_SUCCEED","code":1}\n')
+
+    # Without a length there is room for every text, both ways.
+    def test_unichar_of_any_length(self):
+        text = "\u20ac" * 5000
+        self.check(convert("char", "unichar", "--plain", text), 0,
+                   f"{text}\t{text}\t10000\tCS_SUCCEED\n")
+        self.check(convert("unichar", "text", "--plain", text), 0,
+                   f"{text}\t{text}\t15000\tCS_SUCCEED\n")
 
     # ---- wrong usage ----
 

@@ -223,6 +223,7 @@ int run(const Options &options) {
       const bool is_good = is_success(outcome.status);
       if (!options.total) {
         Row row{value.line, value.text, {}, {}, outcome.bytes, outcome.status};
+        row.is_units = to.layout() == Layout::unitext;
         if (outcome.was_read)
           row.length = outcome.length;
         if (outcome.is_usable)
@@ -305,6 +306,7 @@ Subcommand::Run add(CLI::App &app) {
       "  zrvcomn convert --from int --to 'char(8)' --format nullterm,padblank --hex 12345\n"
       "  seq 1000 | zrvcomn convert --from int --to 'binary(4)' --json -\n"
       "  zrvcomn convert --from bigint --to smallint --csv countries.csv --column population\n"
+      "  zrvcomn convert --from char --to 'unichar(20)' --hex abc\n"
       "  zrvcomn convert --from 'numeric(9,2)' --to 'numeric(20,2)' --total 0.10 0.20\n"
       "  zrvcomn convert --from char --to datetime --locale fr_FR.UTF-8 '14 juillet 1989'\n"
       "\nExit codes: 0 all values converted, 1 some failed, 2 wrong usage.");

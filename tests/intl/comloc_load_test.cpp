@@ -498,6 +498,23 @@ TEST_F(Load, ACacheWithoutSortName) {
   EXPECT_EQ(derive(COM_LOCTYPE_LANGUAGE, "german", cache), cache);
 }
 
+// Caches that others have put on the list may lack what is compared.
+TEST_F(Load, ACacheWithoutObjectsIsNotFound) {
+  CsLocCache *const old = family.loaded("de_DE");
+  CsLocCache bare{};
+  bare.locnext = old;
+  family.globals.cmg_lcache = &bare;
+  for (const bool has_set : {false, true}) {
+    bare.locchardesc = has_set ? old->locchardesc : nullptr;
+    EXPECT_EQ(derive(COM_LOCTYPE_LANGUAGE, "german", old), old);
+  }
+  bare.locmessage = old->locmessage;
+  MutableText name("other");
+  bare.sortname = name;
+  EXPECT_EQ(derive(COM_LOCTYPE_LANGUAGE, "german", old), old); // there is no sort order either
+  family.globals.cmg_lcache = old;
+}
+
 TEST_F(Load, ANameWithoutIdentifier) {
   CsLocCache *const old = family.loaded("de_DE");
   for (const CS_INT type : {COM_LOCTYPE_LANGUAGE, COM_LOCTYPE_CHARSET, COM_LOCTYPE_SORTORDER}) {
@@ -546,6 +563,30 @@ TEST_F(Load, DerivingFailsWithEachAllocation) {
   }
 }
 
+// The name that another takes the place of goes, too.
+TEST(DerivedCaches, LeaveNothingBehind) {
+  const Installation installation;
+  const AllocationProbe probe;
+  {
+    Family family;
+    family.start("de_DE");
+    CS_VOID *const old = family.default_locale.timeptr;
+    const std::pair<CS_INT, const char *> rows[] = {{COM_LOCTYPE_LANGUAGE, "english"},
+                                                    {COM_LOCTYPE_CHARSET, "set2"},
+                                                    {COM_LOCTYPE_SORTORDER, "binary"}};
+    for (const auto &[type, name] : rows) {
+      CS_VOID *cache = nullptr;
+      EXPECT_EQ(comn_intl_load_zrvtypes(&family.context, type, MutableText(name),
+                                        static_cast<CS_INT>(std::strlen(name)), nullptr, 0, old,
+                                        &cache),
+                CS_SUCCEED);
+      EXPECT_NE(cache, old);
+    }
+    EXPECT_EQ(family.caches(), 4U);
+  }
+  EXPECT_EQ(probe.live_blocks(), 0U);
+}
+
 TEST_F(Load, DerivingRefusesWrongArguments) {
   MutableText name("german");
   CsLocCache *const old = family.loaded("de_DE");
@@ -557,6 +598,8 @@ TEST_F(Load, DerivingRefusesWrongArguments) {
   for (const CS_INT type : {7, 11})
     EXPECT_ASSERTION(unit, CS_FAIL, derive_from(&family.context, type, name, old, &cache));
   EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL, derive_from(nullptr, 8, name, old, &cache));
+  CS_CONTEXT without_globals{};
+  EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL, derive_from(&without_globals, 8, name, old, &cache));
   EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL, derive_from(&family.context, 8, nullptr, old, &cache));
   EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL, derive_from(&family.context, 8, name, nullptr, &cache));
   EXPECT_NULL_POINTER_CHECK(unit, CS_FAIL, derive_from(&family.context, 8, name, old, nullptr));

@@ -760,6 +760,22 @@ TEST(TextSteps, Conv2Ascii) {
   EXPECT_EQ(com__conv2ascii(upper, 2, dest, 4, nullptr), 2);
   EXPECT_EQ(dest[0], 'a'); // the built-in set reduces to lower case
   EXPECT_EQ(com__conv2ascii(upper, -1, dest, 4, nullptr), 0);
+  EXPECT_EQ(com__conv2ascii(upper, 2, dest, -1, nullptr), 0);
+  // Each byte of the built-in set by itself, in every room.
+  CS_BYTE all[256];
+  std::string reduced;
+  for (int c = 0; c < 256; ++c) {
+    all[c] = static_cast<CS_BYTE>(c);
+    const CS_BYTE ascii = comn_to_ascii(nullptr, &all[c]);
+    reduced += static_cast<char>(ascii != 0 ? ascii : all[c]);
+  }
+  for (CS_INT room = 0; room <= 257; ++room) {
+    GuardedBuffer bytes(static_cast<size_t>(room));
+    const CS_INT count = std::min(room, 256);
+    EXPECT_EQ(com__conv2ascii(all, 256, bytes.data(), room, nullptr), count);
+    EXPECT_EQ(bytes.contents(static_cast<size_t>(count)),
+              reduced.substr(0, static_cast<size_t>(count)));
+  }
   EXPECT_NULL_POINTER_CHECK("com_text.cpp", 0, com__conv2ascii(nullptr, 1, dest, 4, nullptr));
   EXPECT_NULL_POINTER_CHECK("com_text.cpp", 0, com__conv2ascii(upper, 1, nullptr, 4, nullptr));
 }

@@ -1370,7 +1370,7 @@ class Command(unittest.TestCase):
         self.assertEqual(self.complete(["zrvcomn", "charset", "ma"]), ["matrix"])
         self.assertEqual(self.complete(["zrvcomn", "date", "--part", "iso-w"]),
                          ["iso-week", "iso-weekday"])
-        self.assertEqual(self.complete(["zrvcomn", "date", "--style", "14"]), ["14", "140"])
+        self.assertEqual(self.complete(["zrvcomn", "date", "--style", "14"]), ["14", "140", "141"])
         self.assertEqual(self.complete(["zrvcomn", "completion", "z"]), ["zsh"])
         self.assertIn("bashcompinit", zrvcomn("completion", "ZSH").out)
         fish = zrvcomn("completion", "fish").out

@@ -19,6 +19,14 @@ struct Reduced {
 // not fit any more ends the text.
 inline Reduced reduce(const CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,
                       const CHAR_ATTRIB &set) noexcept {
+  // One look into a table for each byte, where a set has no other characters.
+  if (is_plain(set)) {
+    const CHAR_MAP *const plane = set.cs_type_map->chmap;
+    const CS_INT count = std::clamp<CS_INT>(srclen, 0, std::max<CS_INT>(destlen, 0));
+    for (CS_INT i = 0; i < count; ++i)
+      dest[i] = plane[src[i]].char_lower != 0 ? plane[src[i]].char_lower : src[i];
+    return {count, count >= srclen};
+  }
   const CS_BYTE *const end = src + std::max<CS_INT>(srclen, 0);
   CS_BYTE *out = dest;
   while (src < end) {

@@ -253,8 +253,8 @@ struct _cfgparse {
   CS_INT lastcode;          /* the code of the newest token, CFG_END before the first */
   CS_BOOL in_string;        /* the scanner is in a string */
   CS_BOOL ended;            /* the end of the input was delivered */
-  CS_BOOL damaged;         /* the input ended before the file did */
-  CS_BIGINT dropped;       /* bytes of the file in front of `buffer` */
+  CS_BOOL damaged;          /* the input ended before the file did */
+  CS_BIGINT dropped;        /* bytes of the file in front of `buffer` */
 };
 
 /*

@@ -254,6 +254,7 @@ struct _cfgparse {
   CS_BOOL in_string;        /* the scanner is in a string */
   CS_BOOL ended;            /* the end of the input was delivered */
   CS_BOOL damaged;          /* the input ended before the file did */
+  CS_BYTE shown[256];       /* of each byte that is a character of its own; 0 where not known yet */
   CS_BIGINT dropped;        /* bytes of the file in front of `buffer` */
 };
 

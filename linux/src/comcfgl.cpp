@@ -56,11 +56,14 @@ constexpr bool ends_line(CS_INT c) {
 // ---- characters ----
 
 constexpr CS_INT buffer_step = 1024;
+constexpr CS_INT usual_room = 4; // for a character, before its length is known
 
-// Makes room for a character of so many bytes. False without memory, which a message tells.
-bool reserve(CS_CONFIG *cfg, CfgParseInfo *info, CS_INT length) noexcept {
-  if (info->buflen + length <= info->maxbuflen)
-    return true;
+CS_BYTE first_byte(const CfgParseInfo *info) noexcept {
+  return static_cast<CS_BYTE>(info->buffer[info->buflen]);
+}
+
+// Makes the buffer larger. False without memory, which a message tells.
+[[gnu::noinline]] bool grow(CS_CONFIG *cfg, CfgParseInfo *info) noexcept {
   // One pool word more than is used: a pool counts the header of a block as part of it and takes what
   // reaches into the last word for done.
   const auto wanted =
@@ -76,20 +79,25 @@ bool reserve(CS_CONFIG *cfg, CfgParseInfo *info, CS_INT length) noexcept {
   return true;
 }
 
+// Makes room for a character of so many bytes.
+bool reserve(CS_CONFIG *cfg, CfgParseInfo *info, CS_INT length) noexcept {
+  return info->buflen + length <= info->maxbuflen || grow(cfg, info);
+}
+
+[[gnu::noinline]] void report_read(CS_CONFIG *cfg, CfgParseInfo *info) noexcept {
+  report(cfg->cfg_ctx, COM_CFGERR_OPEN, in_init, data_of(cfg)->cfgname);
+  info->damaged = 1;
+}
+
 bool read_bytes(CS_CONFIG *cfg, CfgParseInfo *info, CS_CHAR *bytes, CS_INT count) noexcept {
   const int read = intl_iocsfread(bytes, 1, static_cast<size_t>(count), info->iocs);
-  if (read < 0) {
-    report(cfg->cfg_ctx, COM_CFGERR_OPEN, in_init, data_of(cfg)->cfgname);
-    info->damaged = 1;
-  }
+  if (read < 0) [[unlikely]]
+    report_read(cfg, info);
   return read == count;
 }
 
-// Reads the next character behind `buflen`: its length in bytes, 0 at the end of the input.
+// Reads what belongs to the byte behind `buflen`: the length of the character, 0 when the input ends in it.
 CS_INT read_character(CS_CONFIG *cfg, CfgParseInfo *info, const CHAR_ATTRIB &set) noexcept {
-  constexpr CS_INT usual_room = 4;
-  if (!reserve(cfg, info, usual_room) || !read_bytes(cfg, info, info->buffer + info->buflen, 1))
-    return 0;
   CS_INT length = 1, whole;
   // In a set with characters of four bytes the second byte has a say in the length.
   const auto bytes = [info] { return reinterpret_cast<CS_BYTE *>(info->buffer + info->buflen); };
@@ -116,20 +124,38 @@ CS_INT shown(const CHAR_ATTRIB &set, const CfgParseInfo *info, CS_INT length) no
   return ascii != 0 ? ascii : no_ascii;
 }
 
+// Reads a character that may be of several bytes, or of one that has not been seen yet.
+[[gnu::noinline]] void read_any_character(CS_CONFIG *cfg, CfgParseInfo *info) noexcept {
+  const CHAR_ATTRIB &set = comn::charset_or_builtin(info->attr);
+  const CS_INT length = read_character(cfg, info, set);
+  if (length == 0) {
+    info->ended = 1;
+    return;
+  }
+  info->last_char_len[0] = length;
+  info->last_char[0] = shown(set, info, length);
+  ++info->ascii_count;
+  if (length == 1)
+    info->shown[first_byte(info)] = static_cast<CS_BYTE>(info->last_char[0]);
+}
+
 CS_INT get_character(CS_CONFIG *cfg, CfgParseInfo *info) noexcept {
   info->buflen += info->last_char_len[0];
   if (info->last_char[0] == '\n')
     ++info->line;
   info->last_char[1] = info->last_char[0];
   info->last_char_len[1] = info->last_char_len[0];
-  const CHAR_ATTRIB &set = comn::charset_or_builtin(info->attr);
-  const CS_INT length = read_character(cfg, info, set);
-  info->last_char_len[0] = length;
-  info->last_char[0] = length > 0 ? shown(set, info, length) : CFG_END;
-  if (length > 0)
-    ++info->ascii_count;
-  else
+  info->last_char[0] = CFG_END;
+  info->last_char_len[0] = 0;
+  if (!reserve(cfg, info, usual_room) || !read_bytes(cfg, info, info->buffer + info->buflen, 1)) {
     info->ended = 1;
+  } else if (const CS_BYTE known = info->shown[first_byte(info)]; known != 0) {
+    info->last_char[0] = known;
+    info->last_char_len[0] = 1;
+    ++info->ascii_count;
+  } else {
+    read_any_character(cfg, info);
+  }
   return info->last_char[0];
 }
 
@@ -148,13 +174,18 @@ public:
 private:
   // The character that lies so many behind the token.
   CS_INT peek(CS_INT ahead = 0) noexcept {
+    const CS_INT behind = info->ascii_count - taken - ahead;
+    // The end stands in line like a character.
+    return behind > 0 ? info->last_char[behind - 1 + info->ended] : read_up_to(ahead);
+  }
+
+  [[gnu::noinline]] CS_INT read_up_to(CS_INT ahead) noexcept {
     while (info->ascii_count <= taken + ahead) {
       if (info->ended != 0)
         return CFG_END;
       get_character(cfg, info);
     }
-    // The end stands in line like a character.
-    return info->last_char[info->ascii_count - 1 - taken - ahead + info->ended];
+    return info->last_char[0];
   }
 
   void take(CS_INT count = 1) noexcept { taken += count; }

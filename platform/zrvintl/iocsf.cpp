@@ -44,6 +44,18 @@ size_t take(INTL_IOCS &iocs, char *buffer, size_t wanted) noexcept {
   return taken;
 }
 
+[[gnu::noinline]] int read_items(void *buffer, size_t size, size_t count,
+                                 INTL_IOCS *iocs) noexcept {
+  if (buffer == nullptr || iocs == nullptr)
+    return ZRVINTL_EINVAL;
+  if (size == 0 || count == 0)
+    return 0;
+  if (count > INT_MAX / size)
+    return ZRVINTL_EINVAL;
+  const size_t items = take(*iocs, static_cast<char *>(buffer), size * count) / size;
+  return items == 0 && iocs->failed != 0 ? ZRVINTL_EREAD : static_cast<int>(items);
+}
+
 } // namespace
 
 INTL_IOCS *intl_iocsfopen(const char *path, int mode) noexcept {
@@ -63,19 +75,13 @@ INTL_IOCS *intl_iocsfopen(const char *path, int mode) noexcept {
 }
 
 int intl_iocsfread(void *buffer, size_t size, size_t count, INTL_IOCS *iocs) noexcept {
-  if (buffer == nullptr || iocs == nullptr)
-    return ZRVINTL_EINVAL;
   // A byte at a time is what the reader of configuration files asks for.
-  if (size == 1 && count == 1 && iocs->next < iocs->end) {
+  if (size == 1 && count == 1 && buffer != nullptr && iocs != nullptr && iocs->next < iocs->end)
+      [[likely]] {
     *static_cast<char *>(buffer) = iocs->bytes[iocs->next++];
     return 1;
   }
-  if (size == 0 || count == 0)
-    return 0;
-  if (count > INT_MAX / size)
-    return ZRVINTL_EINVAL;
-  const size_t items = take(*iocs, static_cast<char *>(buffer), size * count) / size;
-  return items == 0 && iocs->failed != 0 ? ZRVINTL_EREAD : static_cast<int>(items);
+  return read_items(buffer, size, count, iocs);
 }
 
 int intl_iocsfclose(INTL_IOCS *iocs) noexcept {

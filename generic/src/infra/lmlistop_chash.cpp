@@ -76,13 +76,21 @@ CS_RETCODE chash_insert(LM_HANDLE *handle, CHashInfo *info, const Request &reque
   return CS_SUCCEED;
 }
 
+// Whether the last bytes are the same, which those of names with a common beginning seldom are.
+bool ends_alike(const DLinkNode *node, const Request &request) noexcept {
+  const CS_INT last = request.key_size - 1;
+  return last < 0 ||
+         static_cast<const char *>(node->key)[last] == static_cast<const char *>(request.key)[last];
+}
+
 CS_RETCODE chash_search(LM_HANDLE *handle, CHashInfo *info, const Request &request,
                         CS_UINT &home) noexcept {
   const CS_RETCODE result = find_home(info, request, home);
   if (result != CS_SUCCEED)
     return result;
   for (DLinkNode *node = clean_chain(handle, info, home); node != nullptr; node = node->next) {
-    if (node->key_size == request.key_size && begins_with(node, request)) {
+    if (node->key_size == request.key_size && ends_alike(node, request) &&
+        begins_with(node, request)) {
       handle->cur_ptr = node;
       return CS_SUCCEED;
     }

@@ -78,9 +78,9 @@ CS_RETCODE chash_insert(LM_HANDLE *handle, CHashInfo *info, const Request &reque
 
 // Whether the last bytes are the same, which those of names with a common beginning seldom are.
 bool ends_alike(const DLinkNode *node, const Request &request) noexcept {
-  const CS_INT last = request.key_size - 1;
-  return last < 0 ||
-         static_cast<const char *>(node->key)[last] == static_cast<const char *>(request.key)[last];
+  const CS_INT size = request.key_size;
+  return size <= 0 || static_cast<const char *>(node->key)[size - 1] ==
+                          static_cast<const char *>(request.key)[size - 1];
 }
 
 CS_RETCODE chash_search(LM_HANDLE *handle, CHashInfo *info, const Request &request,

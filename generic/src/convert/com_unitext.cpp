@@ -2,6 +2,8 @@
 // take UTF-8.
 #include "unitext.h"
 
+#include <cstddef>
+#include <cstring>
 #include <limits>
 
 #include "any_address.h"
@@ -65,7 +67,9 @@ CS_RETCODE comn::prepare_utf8(CS_CONTEXT *context, CS_LOCALE *user_locale, CS_DA
   COMN_CHECK_PTR(user, CS_FAIL);
   *locale = *user;
   locale->ctypeptr = context->ctxglobals->cmg_utf8_ctypeptr;
-  *format = {};
+  // All but the name, which is most of the record and which no conversion reads.
+  constexpr size_t described = offsetof(CS_DATAFMT, namelen);
+  std::memset(reinterpret_cast<CS_BYTE *>(format) + described, 0, sizeof *format - described);
   format->datatype = CS_TYPE_CHAR;
   format->locale = locale;
   return CS_SUCCEED;
@@ -76,6 +80,7 @@ CS_RETCODE comn__init_utf8_datafmt_and_locale(CS_CONTEXT *context, CS_LOCALE *us
                                               CS_LOCALE *utf8_locale) noexcept {
   COMN_CHECK_PTR(utf8_datafmt, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(utf8_locale, COMN_TRACE(CS_FAIL));
+  *utf8_datafmt = {};
   return COMN_TRACE(comn::prepare_utf8(context, user_loc, utf8_datafmt, utf8_locale));
 }
 

@@ -11,7 +11,7 @@ constexpr CS_INT any_unit = 64;
 
 // Hidden, so that a call needs no table of addresses.
 #pragma GCC visibility push(hidden)
-// comn__init_utf8_datafmt_and_locale without its trace, and the transcoders without checks and trace.
+// comn__init_utf8_datafmt_and_locale without its trace and without the name of the format, and the transcoders without checks and trace.
 CS_RETCODE prepare_utf8(CS_CONTEXT *context, CS_LOCALE *user_locale, CS_DATAFMT *format,
                         CS_LOCALE *locale) noexcept;
 CS_RETCODE utf16_to_utf8(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT room, CS_INT *destlen,

@@ -32,8 +32,12 @@ Span<Byte> span_of(void *text, int length) noexcept {
 // Fixed loops, which the compiler turns into vector instructions.
 constexpr int block = 16;
 
-bool is_ascii_block(const CS_BYTE *text) noexcept {
-  return ((load<std::uint64_t>(text) | load<std::uint64_t>(text + 8)) & 0x8080808080808080) == 0;
+template <int count>
+bool is_ascii(const CS_BYTE *text) noexcept {
+  std::uint64_t seen = 0;
+  for (int i = 0; i < count; i += 8)
+    seen |= load<std::uint64_t>(text + i);
+  return (seen & 0x8080808080808080) == 0;
 }
 
 bool is_ascii_block_of_units(const CS_BYTE *text) noexcept {
@@ -43,12 +47,12 @@ bool is_ascii_block_of_units(const CS_BYTE *text) noexcept {
   return (seen & 0xFF80FF80FF80FF80) == 0;
 }
 
-template <class From, class To>
+template <class From, class To, int count = block>
 void copy_block(const CS_BYTE *from, CS_BYTE *to) noexcept {
-  From in[block];
-  To out[block];
+  From in[count];
+  To out[count];
   std::memcpy(in, from, sizeof in);
-  for (int i = 0; i < block; ++i)
+  for (int i = 0; i < count; ++i)
     out[i] = static_cast<To>(in[i]);
   std::memcpy(to, out, sizeof out);
 }
@@ -97,15 +101,23 @@ bool is_continuation(CS_BYTE byte) noexcept {
   return invalid;
 }
 
+// Widens so many characters at once, if they are there, fit and are ASCII.
+template <int count>
+[[gnu::always_inline]] inline bool widen_ascii(Source &source, Room &room) noexcept {
+  if (source.left() < count || room.left() < count * unit_size || !is_ascii<count>(source.at))
+    return false;
+  copy_block<CS_BYTE, CS_USHORT, count>(source.at, room.at);
+  source.at += count;
+  room.at += count * unit_size;
+  return true;
+}
+
 int utf8_to_utf16(Source &source, Room &room, bool refuses_noncharacters) noexcept {
   while (source.left() > 0) {
     if (*source.at < 0x80) {
-      while (source.left() >= block && room.left() >= block * unit_size &&
-             is_ascii_block(source.at)) {
-        copy_block<CS_BYTE, CS_USHORT>(source.at, room.at);
-        source.at += block;
-        room.at += block * unit_size;
+      while (widen_ascii<block>(source, room)) {
       }
+      widen_ascii<8>(source, room); // numbers have no more
       while (source.left() > 0 && *source.at < 0x80) {
         if (room.left() < unit_size)
           return COM_FOU_OVERFLOW;

@@ -60,7 +60,7 @@ class Docs(unittest.TestCase):
         environment |= {"PATH": f"{command.parent}:{os.environ['PATH']}", "LC_ALL": "C"}
         count = 0
         for name, line, printed in shown_commands():
-            if " mine." in line:  # a file of the reader's own
+            if "mine." in line:  # a file of the reader's own
                 continue
             with self.subTest(f"{name}: {line}"):
                 done = subprocess.run(["bash", "-c", line], cwd=source_dir, env=environment,

@@ -250,7 +250,8 @@ int run(const Options &options) {
                    in_quotes(value.text).c_str(), status_name(result.status).c_str());
       code = exit_failure;
     }
-    Row row{value.line, value.text, {}, {}, {}, result.status, is_number};
+    Row row{value.line, value.text, {}, {}, {}, result.status};
+    row.is_number = is_number;
     if (result.status == CS_SUCCEED) {
       row.result = result.text;
       row.length = static_cast<CS_INT>(result.text.size());

@@ -133,8 +133,6 @@ private:
         pop();
         if (leaves_base)
           base = at;
-        if (at != nullptr)
-          at->child = nullptr;
         continue;
       }
       // An earlier section of the same name can be included by one that the later one includes.

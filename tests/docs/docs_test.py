@@ -48,6 +48,12 @@ class Docs(unittest.TestCase):
                           conversions.split("## The styles of dates\n")[1], re.M)
         self.assertEqual(told, [tuple(line.split("\t", 1)) for line in printed.splitlines()])
 
+    # docs/names.md is what its generator makes of the headers.
+    def test_names(self):
+        made = subprocess.run(["python3", source_dir / "script" / "support" / "name_index.py",
+                               build.c_compiler], capture_output=True, text=True, check=True).stdout
+        self.assertEqual((source_dir / "docs" / "names.md").read_text(), made)
+
     def test_row_program(self):
         program, printed = (source_dir / "examples" / "row.c").read_text().split("/* prints:\n")
         self.assertIn("```c\n" + program.rstrip() + "\n```", conversions)

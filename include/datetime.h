@@ -355,21 +355,17 @@ struct com__datecrack {
  * number counts as microseconds. A CS_DATETIME takes milliseconds, rounded half up; 1000 of them are
  * 999.
  *
- * dtp, parts  out     the value; where an entry point fails it may be partly written
- * origcp      in      the text, not NUL-terminated
- * origlen     in      its length in bytes; below 1 the text is empty
- * partonly    in      0 the whole value; 1 a date is wanted and 2 a time, so that with a date what is
- *                     left over does not count; 3 a time and nothing else
- * style       in      for three numbers, as below
- * order       in      1 mdy, 2 dmy, 3 ymd, 4 ydm, 5 myd, 6 dym
- * mths        in      12 names of months, NUL-terminated, in the character set of the text; of up to
- *                     30 bytes; null, as for shortmths, when no name is known
- * shortmths   in      12 short names, likewise
- * chatr       in      the character set; null for the built-in one. Names compare as its reduction to
- *                     ASCII does, and as a whole
- * dt_type     in      CS_TYPE_BIGDATETIME or CS_TYPE_BIGTIME for a fraction in microseconds, any
- *                     other for milliseconds
- * truncated   out     1 when milliseconds lost digits of the fraction, else 0; may be null
+ * dtp        out  the value; where an entry point fails it may be partly written
+ * origcp     in   the text, not NUL-terminated
+ * origlen    in   its length in bytes; below 1 the text is empty
+ * style      in   for three numbers, as below
+ * order      in   1 mdy, 2 dmy, 3 ymd, 4 ydm, 5 myd, 6 dym
+ * mths       in   12 names of months, NUL-terminated, in the character set of the text; of up to
+ *                 30 bytes; null, as for shortmths, when no name is known
+ * shortmths  in   12 short names, likewise
+ * chatr      in   the character set; null for the built-in one. Names compare as its reduction to
+ *                 ASCII does, and as a whole
+ * truncated  out  1 when milliseconds lost digits of the fraction, else 0; may be null
  *
  *   style                       order                                   year of four digits
  *   0, 9                        `order`; 3 if the year is the first     taken if there is one
@@ -420,8 +416,16 @@ ZRV_PRIVATE int com__timefromchar_mb(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT o
                                      CS_CHAR **shortmths, CS_ATTRIB *chatr,
                                      CS_BOOL *truncated) ZRV_NOEXCEPT;
 
-/* Beneath them: the values without their ranges, and the fields, where DT_NO_DATE is a result and
- * dateyear stays as it was without a date. The fields of a date are not judged. */
+/*
+ * Beneath them: the values without their ranges, and the fields, where DT_NO_DATE is a result and
+ * dateyear stays as it was without a date. The fields of a date are not judged.
+ *
+ * parts     out  the fields; partly written, maybe, after a failure
+ * partonly  in   0 the whole value; 1 a date is wanted and 2 a time, so that with a date what is left
+ *                over does not count; 3 a time and nothing else
+ * dt_type   in   CS_TYPE_BIGDATETIME or CS_TYPE_BIGTIME for a fraction in microseconds, any other for
+ *                milliseconds
+ */
 ZRV_PRIVATE int xdatefromchar(CS_DATETIME *dtp, CS_CHAR *origcp, CS_INT origlen, int partonly,
                               CS_INT style, CS_INT order, CS_CHAR **mths, CS_CHAR **shortmths,
                               CS_ATTRIB *chatr, CS_BOOL *truncated) ZRV_NOEXCEPT;

@@ -328,6 +328,7 @@ ZRV_API CS_RETCODE comn_mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOE
 ZRV_API CS_RETCODE comn_mnydivide(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCEPT;
 ZRV_API CS_RETCODE comn_mnyscale(CS_MONEY *mp, CS_UINT mpier, CS_INT add) ZRV_NOEXCEPT;
 
+/* The same of CS_MONEY4. */
 ZRV_API CS_RETCODE comn_mny4copy(CS_MONEY4 *mp1, CS_MONEY4 *mp2) ZRV_NOEXCEPT;
 ZRV_API CS_RETCODE comn_mny4minus(CS_MONEY4 *imp, CS_MONEY4 *omp) ZRV_NOEXCEPT;
 ZRV_API CS_RETCODE comn_mny4add(CS_MONEY4 *add1p, CS_MONEY4 *add2p, CS_MONEY4 *sump) ZRV_NOEXCEPT;
@@ -335,6 +336,7 @@ ZRV_API CS_RETCODE comn_mny4sub(CS_MONEY4 *minp, CS_MONEY4 *subp, CS_MONEY4 *dif
 ZRV_API CS_RETCODE comn_mny4mul(CS_MONEY4 *m1, CS_MONEY4 *m2, CS_MONEY4 *m3) ZRV_NOEXCEPT;
 ZRV_API CS_RETCODE comn_mny4divide(CS_MONEY4 *m1, CS_MONEY4 *m2, CS_MONEY4 *m3) ZRV_NOEXCEPT;
 
+/* The internal ones. */
 ZRV_PRIVATE int com__mnycopy(CS_MONEY *mp1, CS_MONEY *mp2) ZRV_NOEXCEPT;
 ZRV_PRIVATE int com__mnyminus(CS_MONEY *imp, CS_MONEY *omp) ZRV_NOEXCEPT;
 ZRV_PRIVATE int com__mnyinc(CS_MONEY *mp) ZRV_NOEXCEPT;
@@ -346,6 +348,7 @@ ZRV_PRIVATE int com__mnydiv(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCE
 ZRV_PRIVATE int com__mnyrem(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3) ZRV_NOEXCEPT;
 ZRV_PRIVATE int com__mnyscale(CS_MONEY *mp, CS_UINT mpier, CS_INT add) ZRV_NOEXCEPT;
 
+/* The internal ones of CS_MONEY4. */
 ZRV_PRIVATE int com__mnyminus4(CS_MONEY4 *imp, CS_MONEY4 *omp) ZRV_NOEXCEPT;
 ZRV_PRIVATE int com__mnyadd4(CS_MONEY4 *add1p, CS_MONEY4 *add2p, CS_MONEY4 *sump) ZRV_NOEXCEPT;
 ZRV_PRIVATE int com__mnysub4(CS_MONEY4 *minp, CS_MONEY4 *subp, CS_MONEY4 *difp) ZRV_NOEXCEPT;

@@ -22,6 +22,7 @@ It needs the Python module icu (Debian: python3-icu).
 """
 
 import argparse
+import string
 import sys
 import unicodedata
 from functools import lru_cache
@@ -33,27 +34,35 @@ import charset_mappings
 import generate_objectid
 
 # Orders of languages: the locale of the collation, and letters without which a set does not serve the
-# language.
+# language. A set that has a letter in its forms at the ends and in the middle of words has the letter.
 NATIONAL = {
+    "arabic": ("ar", "ءآأؤئابةتثجحخدذرزسشصضطظعغفقكلمنهوىي"),
+    "bulgarian": ("bg", "абвгдежзийклмнопрстуфхцчшщъьюя"),
     "croatian": ("hr", "čćđšž"),
     "czech": ("cs", "áčďéěíňóřšťúůýž"),
     "danish": ("da", "æøå"),
     "estonian": ("et", "äõöüšž"),
     "finnish": ("fi", "äöå"),
     "german_phonebook": ("de@collation=phonebook", "äöüß"),
+    "greek": ("el", "αάβγδεέζηήθιίκλμνξοόπρσςτυύφχψωώ"),
+    "hebrew": ("he", "אבגדהוזחטיךכלםמןנסעףפץצקרשת"),
     "hungarian": ("hu", "áéíóöőúüű"),
     "icelandic": ("is", "áðéíóúýþæö"),
     "kazakh": ("kk", "әғқңөұүһі"),
     "latvian": ("lv", "āčēģīķļņšūž"),
     "lithuanian": ("lt", "ąčęėįšųūž"),
     "norwegian": ("nb", "æøå"),
+    "persian": ("fa", "آپچژکگه"),
     "polish": ("pl", "ąćęłńóśźż"),
     "romanian": ("ro", "ăâî"),
+    "russian": ("ru", "абвгдеёжзийклмнопрстуфхцчшщъыьэюя"),
     "serbian": ("sr", "ђјљњћџ"),
     "slovak": ("sk", "áäčďéíĺľňóôŕšťúýž"),
     "slovenian": ("sl", "čšž"),
+    "spanish": ("es", "áéíñóúü"),
     "spanish_traditional": ("es@collation=traditional", "áéíñóúü"),
     "swedish": ("sv", "äöå"),
+    "thai": ("th", "กขฃคฅฆงจฉชซฌญฎฏฐฑฒณดตถทธนบปผฝพฟภมยรลวศษสหฬอฮะัาำิีึืุูเแโใไ็่้๊๋์"),
     "turkish": ("tr", "çğıöşü"),
     "ukrainian": ("uk", "ґєії"),
     "vietnamese": ("vi", "ăâđêôơư"),
@@ -86,11 +95,6 @@ class Collation:
             if upper_first:
                 collator.setAttribute(icu.UCollAttribute.CASE_FIRST, icu.UCollAttributeValue.UPPER_FIRST)
             self.collators.append(collator)
-        self.pairs = {}  # primary key: the pairs of ASCII letters that have it
-        for first in "abcdefghijklmnopqrstuvwxyz":
-            for second in "abcdefghijklmnopqrstuvwxyz":
-                if not self.is_contraction(first, second):
-                    self.pairs[self.key(first + second, self.PRIMARY)] = first + second
 
     @lru_cache(maxsize=None)
     def key(self, text, level):
@@ -111,9 +115,13 @@ class Collation:
         return self.key(text, self.TERTIARY) == self.key("", self.TERTIARY)
 
     @lru_cache(maxsize=None)
-    def letters_of(self, text):
-        """The two letters that a ligature sorts as; None of what is no ligature."""
-        return self.pairs.get(self.key(text, self.PRIMARY)) if len(text) == 1 else None
+    def pairs(self, letters):
+        """Pairs of the letters, by their primary keys."""
+        result = {}
+        for first in letters:
+            for second in letters:
+                result.setdefault(self.key(first + second, self.PRIMARY), []).append(first + second)
+        return result
 
 
 @lru_cache(maxsize=None)
@@ -166,17 +174,18 @@ class Order:
     def find_ligatures(self, by_text):
         """Slots, (codes, letters, word); those that sort equal first, for a slot that sorts after its
         letters moves what follows."""
+        level = self.tied_level
+        pairs = self.pairs(by_text)
         slots = {}
         for code, text in self.texts.items():
-            letters = self.rules.letters_of(text)
-            if letters is None or code in (b" ", b"="):
+            if len(text) != 1 or code in (b" ", b"="):
                 continue
-            # Behind the letters in either case, where it comes after both of them.
-            level = self.tied_level
+            # Behind the last of the pairs that it does not come before.
             own = self.rules.key(text, level)
-            base = max((form for form in (letters, letters.upper()) if self.rules.key(form, level) <= own),
-                       key=lambda form: self.rules.key(form, level), default=None)
-            if base is None or not all(letter in by_text for letter in base):
+            base = max((pair for pair in pairs.get(self.key(Collation.PRIMARY)(code), ())
+                        if self.rules.key(pair, level) <= own and not self.rules.is_contraction(*pair)),
+                       key=lambda pair: self.rules.key(pair, level), default=None)
+            if base is None:
                 continue
             bases = b"".join(by_text[letter] for letter in base)
             is_after = self.rules.key(base, level) < own
@@ -187,6 +196,21 @@ class Order:
             codes.sort(key=lambda code: (self.rules.key(self.texts[code], Collation.TERTIARY), code))
             result += [(codes[i:i + 10], bases, "after" if is_after else "equal")
                        for i in range(0, len(codes), 10)]
+        return result
+
+    def pairs(self, by_text):
+        """Pairs of letters by their primary keys: letters of ASCII in one case, and those that have no case.
+        None of them is a ligature itself."""
+        primary = lambda text: self.rules.key(text, Collation.PRIMARY)
+        letters = sorted(text for text in by_text if len(text) == 1 and primary(text) != primary(""))
+        result = {}
+        for alphabet in ([letter for letter in letters if letter in string.ascii_lowercase],
+                         [letter for letter in letters if letter in string.ascii_uppercase],
+                         [letter for letter in letters if unicodedata.category(letter) in ("Lo", "Mn")]):
+            pairs = self.rules.pairs(tuple(alphabet))
+            ligatures = {letter for letter in alphabet if primary(letter) in pairs}
+            for key, texts in pairs.items():
+                result.setdefault(key, []).extend(text for text in texts if ligatures.isdisjoint(text))
         return result
 
     def find_doubles(self, by_text, ligature_codes):
@@ -220,8 +244,6 @@ class Order:
             yield line
 
 
-
-
 def decode_of(name):
     if name in BUILT_IN:
         return {bytes([code]): chr(code) for code in range(BUILT_IN[name])}
@@ -241,7 +263,8 @@ def orders_of(name):
     yield "nocase", Order(decode, root, Collation.SECONDARY), False
     yield "noaccent", Order(decode, root, Collation.PRIMARY), False
     yield "nocasepref", Order(decode, root_upper, Collation.SECONDARY), True
-    letters = set("".join(decode.values()))
+    texts = "".join(decode.values())
+    letters = {*texts, *unicodedata.normalize("NFKC", texts)}
     for order, (locale, needed) in NATIONAL.items():
         if letters.issuperset(needed):
             yield order, Order(decode, collation(locale), Collation.TERTIARY), False

@@ -15,20 +15,31 @@ LEVELS = {"noaccent": icu.Collator.PRIMARY, "nocase": icu.Collator.SECONDARY,
 DIGRAPHS = {"croatian": ("dž", "lj", "nj"), "czech": ("ch",), "danish": ("aa",),
             "hungarian": ("cs", "dz", "gy", "ly", "ny", "sz", "ty", "zs"), "norwegian": ("aa",),
             "slovak": ("ch",), "spanish_traditional": ("ch", "ll")}
+# Letters that a ligature of some order stands for, and others behind them. Files give a mark that has no
+# primary weight in the collation one of its own.
+STRINGS = ("ae", "AE", "oe", "OE", "ss", "TM", "No", "וו", "וז", "וי", "יי", "ءا", "ءب", "าํ")
+
+
+def keys_of(locale, strength):
+    collator = icu.Collator.createInstance(icu.Locale(locale))
+    collator.setStrength(strength)
+    return collator.getSortKey
 
 
 def ranks(charset, order):
     locale = generator.NATIONAL[order][0] if order in generator.NATIONAL else "und"
-    collator = icu.Collator.createInstance(icu.Locale(locale))
-    collator.setStrength(LEVELS.get(order, icu.Collator.TERTIARY))
+    primary = keys_of(locale, icu.Collator.PRIMARY)
+    tertiary = keys_of(locale, icu.Collator.TERTIARY)
+    key = keys_of(locale, LEVELS.get(order, icu.Collator.TERTIARY))
     decode = {code: text for code, text in generator.decode_of(charset).items() if code != b"\0"}
     codes = {text: code for code, text in decode.items()}
     for digraph in DIGRAPHS.get(order, ()):
         for form in (digraph, digraph.capitalize(), digraph.upper()):
             decode[codes[form[0]] + codes[form[1]]] = form
-    ignored = icu.Collator.createInstance(icu.Locale(locale))
-    keys = {code: collator.getSortKey(text) for code, text in decode.items()
-            if ignored.getSortKey(text) != ignored.getSortKey("")}
+    for text in STRINGS:
+        if codes.keys() >= set(text) and all(primary(letter) != primary("") for letter in text):
+            decode[b"".join(codes[letter] for letter in text)] = text
+    keys = {code: key(text) for code, text in decode.items() if tertiary(text) != tertiary("")}
     rank = {key: number for number, key in enumerate(sorted(set(keys.values())))}
     return {code: rank[key] for code, key in keys.items()}
 

@@ -854,6 +854,9 @@ class Command(unittest.TestCase):
         self.check_sorted(["cuz", "chz", "da", "ca"], ["ca", "chz", "cuz", "da"])
         self.check_sorted(["cuz", "chz", "da", "ca"], ["ca", "cuz", "chz", "da"],
                           "--order=spanish_traditional")
+        self.check_sorted(["ñu", "chz", "oso", "nz", "cuz"], ["chz", "cuz", "nz", "ñu", "oso"],
+                          "--order=spanish")
+        self.check_sorted(["ñu", "nz", "nu"], ["nu", "ñu", "nz"])
         self.check_sorted(["ö", "z", "o", "å"], ["o", "z", "å", "ö"], "--order=swedish")
         # The same bytes, in the set in which they mean something else.
         self.check_sorted(["\x81", "v", "u"], ["u", "\x81", "v"], "--charset=cp850")

@@ -65,7 +65,7 @@ struct intl_iocs;
  * ctx             in   a context of version COM_CFG_MIN_CTXVERSION or later, else fatal. The handle
  *                      comes from ctxmalloc, which must not be null, and goes through comn_free, so the
  *                      two must agree; the rest comes from comn_malloc
- * configname      in   the path; not read for the default file
+ * configname      in   the path; not looked at for the default file and for a length that is too short
  * confignamelen   in   its length in bytes; CS_LEN_NULLTERM for a NUL-terminated one; CS_UNUSED for the
  *                      default file, "config/ncl.cfg" below the directory that ZARVEK names, which
  *                      must be set, else fatal

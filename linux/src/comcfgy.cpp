@@ -82,8 +82,15 @@ private:
       if (!expect(CFG_IDENT, name) || !reduce(3))
         return false;
     }
-    return expect(CFG_RBRACKET) && act(cfg__add_section(cfg, name.first)) && clear() && reduce(0) &&
-           entries() && act(cfg__check_section(cfg)) && reduce(7);
+    if (!expect(CFG_RBRACKET) || !act(cfg__add_section(cfg, name.first)) || !clear() || !reduce(0))
+      return false;
+    if (entries())
+      return act(cfg__check_section(cfg)) && reduce(7);
+    // Before the first entry there is no list of entries to recover in. The error costs the section all
+    // the same.
+    info->section_ok = 0;
+    act(cfg__check_section(cfg));
+    return false;
   }
 
   // entries: entry

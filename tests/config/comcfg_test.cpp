@@ -42,8 +42,10 @@ TEST_F(ConfigFiles, LengthOfTheName) {
 
 TEST_F(ConfigFiles, NamesWithoutLengthFail) {
   CS_CONFIG *cfg = nullptr;
-  for (CS_INT length : {0, -1, -8, -10, -99998})
+  for (CS_INT length : {0, -1, -8, -10, -99998}) {
     EXPECT_EQ(init("/dev/null", length, &cfg), CS_FAIL) << length;
+    EXPECT_EQ(comn_init_cfg(&context, nullptr, length, &cfg), CS_FAIL) << length;
+  }
   EXPECT_EQ(cfg, nullptr);
   EXPECT_EQ(Application_global.ag_accesscnt, 0);
   EXPECT_EQ(take_reported(), Values());
@@ -390,7 +392,9 @@ TEST_F(ConfigFiles, VersionOfTheContext) {
 TEST_F(ConfigFiles, ArgumentsAreChecked) {
   CS_CONFIG *cfg = nullptr;
   EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL, comn_init_cfg(nullptr, text("x"), 1, &cfg));
-  EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL, comn_init_cfg(&context, nullptr, 1, &cfg));
+  for (CS_INT length : {1, 512, 513, CS_LEN_NULLTERM})
+    EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL,
+                              comn_init_cfg(&context, nullptr, length, &cfg));
   EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL, comn_init_cfg(&context, text("x"), 1, nullptr));
   EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL, comn_drop_cfg(nullptr, COM_CFG_DROP_NORMAL));
   EXPECT_EQ(Application_global.ag_accesscnt, 0);

@@ -235,11 +235,14 @@ TEST_F(ConfigSyntax, HeadersMayStandAnywhere) {
   EXPECT_EQ(read("[a]k = 1\n"), "a{k=<1>}");
 }
 
-// An error in the first thing behind a header, without even a blank, is one of the list of sections: the
-// section is there already, and nobody takes it away.
+// An error in the first thing behind a header, without even a blank, is one of the list of sections. It
+// costs the section as an error further down does, and with it all up to the next header.
 TEST_F(ConfigSyntax, ErrorRightBehindAHeader) {
-  EXPECT_EQ(read("[a]=\nk = 1\n[b]\n"), "a{} b{} !17039368 1 <=>");
-  EXPECT_EQ(read("[a]k 1\nk = 1\n[b]\n"), "a{} b{} !17039368 1 <1>");
+  EXPECT_EQ(read("[a]=\nk = 1\n[b]\n"), "b{} !17039368 1 <=>");
+  EXPECT_EQ(read("[a]k 1\nk = 1\n[b]\n"), "b{} !17039368 1 <1>");
+  EXPECT_EQ(read("[a]\nl = 1\n[a]=\nk = 1\n"), "a{l=<1>} !17039368 3 <=>");
+  EXPECT_EQ(read("[a]=\n[b]\ninclude = a\n[c]\n"),
+            "c{} !17039368 1 <=> !17039367 cfg__add_include: <a>");
 }
 
 TEST_F(ConfigSyntax, UnfinishedStringFailsTheFile) {

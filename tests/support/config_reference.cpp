@@ -437,6 +437,11 @@ private:
         if (stack.empty())
           return false;
       }
+      // The section in which the error was is off the stack.
+      if (stack.size() < open_section) {
+        file.sections.pop_back();
+        open_section = 0;
+      }
       if (!push({*tables.shift(stack.back().state, "error"), ""}))
         return false;
     }
@@ -468,7 +473,9 @@ private:
     if (p.left == "begin_section") {
       file.sections.push_back({stack[stack.size() - 3].text, {}, {}});
       ok = true;
+      open_section = stack.size();
     } else if (p.left == "section" && p.right.size() > 1) {
+      open_section = 0;
       if (!ok)
         file.sections.pop_back();
     } else if (p.left == "entries" && p.right.size() == 3) {
@@ -521,6 +528,7 @@ private:
   size_t next = 0;
   std::vector<Entry> stack;
   bool ok = false;
+  size_t open_section = 0; // entries on the stack when the section that is read began
   ConfigFile file;
 };
 

@@ -99,11 +99,12 @@ CS_RETCODE default_name(CS_CHAR (&path)[path_size], Name &name) noexcept {
 CS_RETCODE find_name(CS_CHAR (&path)[path_size], Name &name) noexcept {
   if (name.length == CS_UNUSED)
     return default_name(path, name);
-  COMN_CHECK_PTR(name.text, CS_FAIL);
-  if (name.length == CS_LEN_NULLTERM)
-    name.length = static_cast<CS_INT>(strnlen(name.text, INT32_MAX));
-  else if (name.length < 1)
+  const bool is_terminated = name.length == CS_LEN_NULLTERM;
+  if (!is_terminated && name.length < 1)
     return CS_FAIL;
+  COMN_CHECK_PTR(name.text, CS_FAIL);
+  if (is_terminated)
+    name.length = static_cast<CS_INT>(strnlen(name.text, INT32_MAX));
   return CS_SUCCEED;
 }
 

@@ -45,17 +45,14 @@ typedef struct _ssfs_context {
   SSFSAPI_PROVIDER *ssfsp;
 } SSFS_CONTEXT;
 
-/* The message of a library that could not be loaded. Its parameter is the function that failed. */
-#define COM_ERR_SSFS_LOAD 17040906
-
 /*
  * Gives a context its record and loads the library.
  *
  * Returns CS_SUCCEED, also for a context that has a record, whatever became of its library; CS_FAIL
- * without memory for the record; CS_FAIL, with the message COM_ERR_SSFS_LOAD, when the library could
- * not be loaded. The record then stays, with what was loaded, and **a further call succeeds**: who goes
- * on after a failure looks at the entry points. com_ssfscontext_drop releases it in any case. A null
- * context is fatal, CS_FAIL.
+ * without memory for the record; CS_FAIL, with the message COM_ERR_LOADLIB (comerr.h), when the library
+ * could not be loaded. The record then stays, with what was loaded, and **a further call succeeds**:
+ * who goes on after a failure looks at the entry points. com_ssfscontext_drop releases it in any case.
+ * A null context is fatal, CS_FAIL.
  */
 ZRV_API CS_RETCODE com_ssfscontext_alloc(CS_CONTEXT *context) ZRV_NOEXCEPT;
 

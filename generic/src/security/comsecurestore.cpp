@@ -66,7 +66,7 @@ CS_RETCODE com_ssfscontext_alloc(CS_CONTEXT *context) noexcept {
     return COMN_TRACE(CS_SUCCEED);
   CsErrParams parameters;
   com_ep_s(&parameters, const_cast<CS_CHAR *>("comn_ssfslib_load()"));
-  com__error(context, COM_ERR_SSFS_LOAD, &parameters);
+  com__error(context, COM_ERR_LOADLIB, &parameters);
   return COMN_TRACE(CS_FAIL);
 }
 

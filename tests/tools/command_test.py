@@ -1762,8 +1762,9 @@ class Command(unittest.TestCase):
         self.check(self.store("put", "a", stdin=b"x\0y"), 1, "",
                    "zrvcomn store: the value has a NUL byte: it is binary (--binary)\n")
         for words in ((), ("--binary",)):
-            self.check(self.store("put", "a", *words, stdin=b"x" * 1048577), 1, "",
-                       "zrvcomn store: a value has at most 1048576 bytes\n")
+            for length in (1048577, 1048584, 2000000):
+                self.check(self.store("put", "a", *words, stdin=b"x" * length), 1, "",
+                           "zrvcomn store: a value has at most 1048576 bytes\n")
             self.check(self.store("put", "a", *words, stdin=b"x" * 1048576), 0, "")
         self.check(self.store("put", "a b", stdin=b"x"), 1, "",
                    "zrvcomn store: this is no key of a record\n")

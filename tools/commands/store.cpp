@@ -108,7 +108,7 @@ private:
 // All of standard input, in a block that does not move and is wiped.
 class Everything {
 public:
-  Everything() : bytes(new char[capacity]) {
+  Everything() : bytes(new char[capacity + 1]) {
     for (ssize_t got = 1; got != 0 && used < capacity;) {
       got = read(STDIN_FILENO, bytes.get() + used, capacity - used);
       if (got < 0 && errno != EINTR)
@@ -116,7 +116,7 @@ public:
       used += static_cast<size_t>(std::max<ssize_t>(got, 0));
     }
   }
-  ~Everything() { com_secure_memset(bytes.get(), 0, capacity); }
+  ~Everything() { com_secure_memset(bytes.get(), 0, capacity + 1); }
   Everything(const Everything &) = delete;
   Everything &operator=(const Everything &) = delete;
 
@@ -126,7 +126,7 @@ public:
     if (used > 0 && bytes[used - 1] == '\r')
       --used;
   }
-  // Terminated: a byte that is too many for any value has room, and so has what follows it.
+  // Terminated. More than any value has is read, so that one that is too long is told from one that fits.
   char *text() {
     bytes[used] = '\0';
     return bytes.get();

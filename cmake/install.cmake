@@ -1,6 +1,7 @@
 # What `cmake --install` gives: the libraries, the headers under include/zrvcomn, the home tree where
-# the library looks for it, a pkg-config file, and the CMake package zrvcomn with the targets zrv::comn,
-# zrv::intl, zrv::unic and zrv::ssfs. The command installs itself (tools/).
+# the library looks for it, the manual page of the library, a pkg-config file, and the CMake package
+# zrvcomn with the targets zrv::comn, zrv::intl, zrv::unic and zrv::ssfs. The command installs itself and
+# its page (tools/).
 include(CMakePackageConfigHelpers)
 
 set_target_properties(zrvcomn PROPERTIES EXPORT_NAME comn)
@@ -10,6 +11,7 @@ set_target_properties(velssfs PROPERTIES EXPORT_NAME ssfs)
 install(TARGETS zrvintl zrvunic velssfs zrvcomn EXPORT zrvcomn)
 install(FILES ${public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zrvcomn)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/home/ DESTINATION ${ZRV_HOME_DIR})
+install(FILES ${CMAKE_SOURCE_DIR}/docs/libzrvcomn.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zrvcomn)
 install(EXPORT zrvcomn NAMESPACE zrv:: FILE zrvcomn-targets.cmake DESTINATION ${package_dir})

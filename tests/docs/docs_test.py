@@ -2,6 +2,7 @@
 import json
 import os
 import re
+import shutil
 import subprocess
 import unittest
 from pathlib import Path
@@ -53,6 +54,38 @@ class Docs(unittest.TestCase):
         made = subprocess.run(["python3", source_dir / "script" / "support" / "name_index.py",
                                build.c_compiler], capture_output=True, text=True, check=True).stdout
         self.assertEqual((source_dir / "docs" / "names.md").read_text(), made)
+
+    # So is the manual page of the library.
+    def test_library_manual(self):
+        made = subprocess.run(["python3", source_dir / "script" / "support" / "library_manual.py"],
+                              capture_output=True, text=True, check=True).stdout
+        self.assertEqual((source_dir / "docs" / "libzrvcomn.3").read_text(), made)
+
+    def test_manuals_have_no_warning(self):
+        groff = shutil.which("groff")
+        if not groff:
+            self.skipTest("groff is not installed")
+        for name, page in (("zrvcomn.1", zrvcomn("manual")),
+                           ("libzrvcomn.3", (source_dir / "docs" / "libzrvcomn.3").read_text())):
+            with self.subTest(name):
+                done = subprocess.run([groff, "-man", "-ww", "-z", "-Tutf8"], input=page, text=True,
+                                      capture_output=True)
+                self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
+
+    # What the help shows stands in the manual page, each chapter with its own.
+    def test_manual_of_the_command(self):
+        page = (zrvcomn("manual").replace("\\e", "\\").replace("\\-", "-").replace("\\(aq", "'")
+                .replace("\\(dq", '"').replace("\\(ga", "`").replace("\\(ha", "^").replace("\\(ti", "~"))
+        chapters = dict(re.findall(r"^\.SS (\S+)\n(.*?)(?=^\.S[SH])", page, re.M | re.S))
+        commands = re.findall(r"^  (\w+) {2,}\S", zrvcomn("--help").split("Subcommands:")[1], re.M)
+        self.assertEqual(list(chapters), commands)
+        for name in commands:
+            # What is typed in a place of its own, and what the options mean, word by word.
+            told = zrvcomn("help", name).split("Print this help message and exit\n")[1]
+            chapter = " ".join(re.sub(r"^\.\w+ ?|\\&", "", chapters[name], flags=re.M)
+                               .replace('"', " ").split())
+            for word in told.replace('"', " ").replace(",", " ").split():
+                self.assertIn(word, chapter.replace(",", " "), name)
 
     def test_row_program(self):
         program, printed = (source_dir / "examples" / "row.c").read_text().split("/* prints:\n")

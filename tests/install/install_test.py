@@ -53,6 +53,10 @@ class Install(unittest.TestCase):
         self.assertEqual(sorted(path.name for path in headers.iterdir()),
                          sorted(path.name for path in tracked))
         self.assertFalse([path for path in headers.iterdir() if path.is_symlink()])
+        pages = ["man3/libzrvcomn.3"] + (["man1/zrvcomn.1"] if build.has_command else [])
+        manuals = self.prefix / "share" / "man"
+        self.assertEqual(sorted(path.relative_to(manuals).as_posix() for path in manuals.rglob("*.?")),
+                         sorted(pages))
 
     def test_installed_home(self):
         source = project.source_dir / "home"

@@ -586,7 +586,8 @@ class Command(unittest.TestCase):
         (self.scratch / "countries.csv").write_bytes(
             (project.source_dir / "samples" / "countries.csv").read_bytes())
         environment = os.environ | {"PATH": f"{command.parent}:{os.environ['PATH']}"}
-        for words in ([], ["config"], ["convert"], ["date"], ["message"], ["oid"], ["types"], ["completion"]):
+        for words in ([], ["config"], ["convert"], ["date"], ["message"], ["oid"], ["types"], ["completion"],
+                      ["manual"]):
             text = zrvcomn(*words, "--help").out
             lines = re.findall(r"^  ((?:seq|zrvcomn|eval) .*(?:\S))$", text.split("Example")[1], re.M)
             self.assertTrue(lines)
@@ -597,7 +598,7 @@ class Command(unittest.TestCase):
 
     def test_full_device(self):
         for words in (["convert", "--from", "int", "--to", "int", "1"], ["types"], ["--help"],
-                      ["completion", "bash"], ["config", "paths"], ["oid", "list"]):
+                      ["completion", "bash"], ["config", "paths"], ["oid", "list"], ["manual"]):
             with open("/dev/full", "wb") as full:
                 done = subprocess.run([command, *words], stdout=full, stderr=subprocess.PIPE)
             self.assertEqual(done.returncode, 1)

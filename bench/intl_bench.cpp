@@ -19,6 +19,7 @@
 #include "zrvcomn/charset.h"
 #include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
+#include "zrvcomn/sortordr.h"
 #include "zrvcomn/zrvintl.h"
 
 namespace zrvbench {
@@ -155,15 +156,19 @@ void compare_names(const std::shared_ptr<Loaded> &loaded, CS_INT oidclass, const
              }}}});
 }
 
-// The character set of a name, loaded anew into a context of its own.
+// The character set of a name, loaded anew into a context of its own, with a sort order if one is named.
 struct LoadedCharset {
-  explicit LoadedCharset(std::string name) {
+  explicit LoadedCharset(std::string name, std::string order = {}) {
     context.ctxglobals = &globals;
     CsLocCache cache{};
     cache.charname = name.data();
     cache.charnamelen = static_cast<CS_INT>(name.size());
+    cache.sortname = order.data();
     if (comn__intl_load_charset(&context, &oid, &cache, nullptr, 0) != CS_SUCCEED)
       give_up("cannot load a character set");
+    if (!order.empty() &&
+        comn__intl_load_sortorder(&context, &order_oid, &cache, nullptr, 0) != CS_SUCCEED)
+      give_up("cannot load a sort order");
     set = cache.locchardesc->char_attrib;
   }
   ~LoadedCharset() { com_intl_chardesc_drop(&context); }
@@ -172,7 +177,7 @@ struct LoadedCharset {
 
   CS_CONTEXT context{};
   CsCtxGlobals globals{};
-  CsOID oid{};
+  CsOID oid{}, order_oid{};
   CHAR_ATTRIB *set = nullptr;
 };
 
@@ -219,19 +224,38 @@ void compare_questions() {
   }
 }
 
-// Loading and releasing, beside what reading the values of the same file takes.
-void compare_loading(const char *name) {
-  char path[1025], file[] = "charset.loc";
-  std::string set = name;
-  if (com_path_charfile(nullptr, set.data(), file, nullptr, path, sizeof path) != CS_SUCCEED)
+std::string path_of(std::string set, const char *file, const char *extension) {
+  char path[1025];
+  std::string name = file, suffix = extension;
+  if (com_path_charfile(nullptr, set.data(), name.data(), suffix.empty() ? nullptr : suffix.data(),
+                        path, sizeof path) != CS_SUCCEED)
     give_up("no home directory");
-  const std::string loc = path;
+  return path;
+}
+
+// Loading and releasing, beside what reading the values of the same files takes.
+void compare_loading(const std::string &set) {
+  const std::string loc = path_of(set, "charset.loc", "");
   compare({"load a character set",
            "comn__intl_load_charset",
-           name,
+           set,
            1,
            [set] { benchmark::DoNotOptimize(LoadedCharset(set).set); },
            {{"section reader", 0, [loc] { read_sections(loc.c_str()); }}}});
+}
+
+// The same with the set's order by letters, as a locale of a single-byte set has it.
+void compare_loading_with_order(const std::string &set) {
+  const std::string loc = path_of(set, "charset.loc", ""), srt = path_of(set, "dictionary", "srt");
+  compare({"load a character set with its order",
+           "comn__intl_load_sortorder",
+           set + ", dictionary",
+           1,
+           [set] { benchmark::DoNotOptimize(LoadedCharset(set, "dictionary").set); },
+           {{"section reader", 0, [loc, srt] {
+               read_sections(loc.c_str());
+               read_sections(srt.c_str());
+             }}}});
 }
 
 } // namespace
@@ -250,6 +274,8 @@ void register_comparisons() {
   compare_questions();
   for (const char *const name : {"cp850", "sjis", "utf8"})
     compare_loading(name);
+  for (const char *const name : {"iso_1", "cp850"})
+    compare_loading_with_order(name);
 }
 
 } // namespace zrvbench

@@ -87,12 +87,22 @@ class Docs(unittest.TestCase):
             for word in told.replace('"', " ").replace(",", " ").split():
                 self.assertIn(word, chapter.replace(",", " "), name)
 
-    def test_row_program(self):
-        program, printed = (source_dir / "examples" / "row.c").read_text().split("/* prints:\n")
-        self.assertIn("```c\n" + program.rstrip() + "\n```", conversions)
-        self.assertIn("```\n" + printed.removesuffix("*/\n") + "```", conversions)
+    # A program that is shown is one of the examples, as it stands, and what it prints stands below.
+    def test_programs(self):
+        programs = [path.read_text().split("/* prints:\n")
+                    for path in project.tracked_files("examples/*.c")]
+        count = 0
+        for path in project.tracked_files("docs/*.md", "README.md"):
+            text = path.read_text()
+            for program in re.findall(r"^```c\n(.*?)^```\n", text, re.M | re.S):
+                printed = [told for source, told in programs if source.rstrip() == program.rstrip()]
+                self.assertEqual(len(printed), 1, path.name)
+                told = printed[0].removesuffix("*/\n")
+                self.assertTrue(f"```\n{told}```" in text or f"`{told.rstrip()}`" in text, path.name)
+                count += 1
+        self.assertGreaterEqual(count, 3)
 
-#Commands that are shown print what is shown, on both streams; "..." stands for any number of lines.
+    # Commands that are shown print what is shown, on both streams; "..." stands for any number of lines.
     def test_commands(self):
         environment = {name: value for name, value in os.environ.items()
                        if not name.startswith(("LC_", "ZRVNCL_")) and name not in ("LANG", "ZARVEK")}

@@ -116,8 +116,8 @@ class Install(unittest.TestCase):
                 self.assertEqual(run(program, env=environment), told)
                 valgrind = shutil.which("valgrind")
                 if valgrind and not build.toolchain:
-                    run(valgrind, "-q", "--leak-check=full", "--error-exitcode=9", program,
-                        env=environment)
+                    run(valgrind, "-q", "--leak-check=full", "--error-exitcode=9",
+                        f"--suppressions={here / 'valgrind.supp'}", program, env=environment)
 
     # README shows the first example as it stands.
     def test_readme_program(self):

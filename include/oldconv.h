@@ -54,8 +54,8 @@ ZRV_BEGIN_DECLS
  * precision, scale     in  the shape of a numeric, as comn_i4tonum and its like take them; `dest` has 35
  *                          bytes. What the matrix calls CS_CONV_TRUNCATED comes back as that code
  * fltfmt               in  a printf format with one conversion of a double and no `*` but that of the
- *                          precision, which is 17 then; null for the text of comn_flt8tochar. Any other
- *                          format counts as "%.17g"
+ *                          precision, which is 17 then; null for the text of comn_flt8tochar, but with
+ *                          the sign of a negative zero. Any other format counts as "%.17g"
  * months, shortmonths  in  12 names each; null for the English ones
  * dateorder_id         in  the order of com__datefromchar_mb; negative for the built-in one
  * style                in  the layout of com__datetochar; without one it is 9
@@ -158,7 +158,8 @@ ZRV_BEGIN_DECLS
  *                  behind the header is `srclen` bytes, whatever the header says (but for num)
  * text to floats   what passes floatcheck up to the first NUL, as strtod reads its start. The text must be
  *                  a number there: COM_OLD_SYNTAX leaves `dest` as it was. White space behind it is
- *                  dropped, and nothing is 0. From a character set of more than 512 bytes of text it
+ *                  dropped, and nothing is 0. COM_OLD_UNDERFLOW: zero or a subnormal CS_FLOAT is all that
+ *                  is left of the number, and stored. From a character set of more than 512 bytes of text it
  *                  takes memory; CS_MEM_ERROR, which is COM_OLD_OVERFLOW
  * text to bit      digits and then blanks: 1 unless all digits are 0. After COM_OLD_SYNTAX `dest` is as it
  *                  was. A negative srclen is fatal, 0

@@ -116,6 +116,10 @@ TEST(LegacyText, Floats) {
   EXPECT_EQ(read<CS_FLOAT>("flt8", "-1e999"), (Flt8{overflow, -max}));
   EXPECT_EQ(read<CS_FLOAT>("flt8", "1e-999"), (Flt8{underflow, 0.0}));
   EXPECT_EQ(read<CS_FLOAT>("flt8", "0e-999"), (Flt8{8, 0.0}));
+  // Deliberate: to strtod a subnormal number is a range error. It is stored all the same.
+  EXPECT_EQ(read<CS_FLOAT>("flt8", "2.2250738585072014e-308"), (Flt8{8, 0x1p-1022}));
+  EXPECT_EQ(read<CS_FLOAT>("flt8", "1e-310"), (Flt8{underflow, 1e-310}));
+  EXPECT_EQ(read<CS_FLOAT>("flt8", "-4.9406564584124654e-324"), (Flt8{underflow, -0x1p-1074}));
   EXPECT_EQ(read<CS_FLOAT>("flt8", "1.7976931348623157e308"), (Flt8{8, max}));
   // Deliberate: a shape that passes is read as far as strtod reads it.
   EXPECT_EQ(read<CS_FLOAT>("flt8", "1e"), (Flt8{8, 1.0}));
@@ -133,7 +137,8 @@ TEST(LegacyText, Floats) {
   EXPECT_EQ(read<CS_REAL>("flt4", "3.4028234663852886e38"), (Flt4{4, max4}));
   EXPECT_EQ(read<CS_REAL>("flt4", "3.41e38"), (Flt4{overflow, max4}));
   EXPECT_EQ(read<CS_REAL>("flt4", "-1e999"), (Flt4{overflow, -max4}));
-  EXPECT_EQ(read<CS_REAL>("flt4", "1e-50"), (Flt4{4, 0.0F})); // a double yet
+  EXPECT_EQ(read<CS_REAL>("flt4", "1e-50"), (Flt4{4, 0.0F}));          // a double yet
+  EXPECT_EQ(read<CS_REAL>("flt4", "1e-310"), (Flt4{underflow, 0.0F})); // none any more
   EXPECT_EQ(read<CS_REAL>("flt4", "1e-999"), (Flt4{underflow, 0.0F}));
   EXPECT_EQ(read<CS_REAL>("flt4", "1 1"), (Flt4{syntax, untouched<CS_REAL>()}));
 }

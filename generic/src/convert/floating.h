@@ -181,14 +181,14 @@ CS_RETCODE to_money(CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexcept {
   return CS_SUCCEED;
 }
 
-// The text of a number: never a sign on zero, no zero before a point that comes first, and always
-// a point or an exponent.
+// The text of a number: no sign on zero unless it is wanted, no zero before a point that comes first,
+// and always a point or an exponent.
 class Text {
 public:
-  explicit Text(CS_FLOAT value) noexcept {
+  explicit Text(CS_FLOAT value, bool signs_zero = false) noexcept {
     CS_CHAR printed[longest_double + 1];
     const CS_CHAR *from = printed;
-    CS_INT count = print_double(printed, value == 0.0 ? 0.0 : value);
+    CS_INT count = print_double(printed, value == 0.0 && !signs_zero ? 0.0 : value);
     // Deliberate: a negative number keeps its zero.
     if (printed[0] == '0' && printed[1] == '.') {
       ++from;

@@ -1,5 +1,7 @@
 // Text for callers without a context: on its own and in a record. The com_mb_ members read it in a
 // character set, the others in the built-in one.
+#include <cmath>
+
 #include "character.h"
 #include "legacy.h"
 
@@ -127,7 +129,8 @@ CS_INT read_float(CS_BYTE *text, CS_INT length, CS_BYTE *dest) noexcept {
     if (read.end == chars(text)) // a blank behind the sign
       return COM_OLD_SYNTAX;
     value = read.value;
-    vanished = read.is_out_of_range && value == 0.0;
+    // Deliberate: to strtod a subnormal number is a range error too, which the matrix lets pass.
+    vanished = (read.is_out_of_range && value == 0.0) || std::fpclassify(value) == FP_SUBNORMAL;
   }
   if (std::abs(value) > CS_FLOAT{std::numeric_limits<Float>::max()}) {
     comn::store(dest, comn::text::extreme<Float>(value));

@@ -36,6 +36,8 @@ struct Format {
         takes_precision = *at == '*';
         at += takes_precision ? 1 : std::strspn(at, digits);
       }
+      if (*at == 'l') // means nothing to a double
+        ++at;
       if (*at == '\0' || std::strchr("eEfFgGaA", *at) == nullptr) {
         is_usable = false;
         return;
@@ -97,7 +99,9 @@ template <class Shape>
 CS_INT float_text(CS_FLOAT value, CS_BYTE *dest, CS_INT destlen, const char *format) noexcept {
   const Shape shape(dest, destlen);
   if (format == nullptr) [[likely]] {
-    const comn::floating::Text text(value);
+    // Deliberate: a negative zero shows its sign here, which the matrix takes away.
+    constexpr bool signs_zero = true;
+    const comn::floating::Text text(value, signs_zero);
     return write_number(shape, text.data(), text.length());
   }
   const FormattedFloat text(format, value);

@@ -29,8 +29,6 @@ char32_t first_character(const std::u16string &text) {
 } // namespace
 
 SetConverter::SetConverter(int the_cid, const std::string &name) : cid(the_cid) {
-  if (cid == UNICONV_CID_RCSU)
-    throw UsageError(name + " cannot be cut into blocks, so streams in it are not supported");
   const int status = uniconv_HandleGet(cid, &handle);
   if (status == UNICONV_ENOCONV)
     throw UsageError("there is no converter for " + name);
@@ -71,7 +69,10 @@ Recoder::Recoder(int from_cid, const std::string &from_name, int to_cid, const s
     : from(from_cid, from_name), to(to_cid, to_name), substitute(text_of(the_substitute)),
       on_loss(std::move(the_on_loss)),
       // Where it shifts, the byte is no character.
-      has_shifts(!from.is_wide() && from.decode(std::string(1, shift_out)).text.empty()) {
+      has_shifts(!from.is_wide() && !from.is_compressed() &&
+                 from.decode(std::string(1, shift_out)).text.empty()) {
+  if (from.is_compressed())
+    compressed.emplace();
   if (to.encode(substitute).status != UNICONV_SUCCEED)
     throw UsageError(in_quotes(the_substitute) + " is not in " + to_name);
 }
@@ -91,8 +92,10 @@ SetConverter::Decoded Recoder::decode(std::string_view bytes) const {
   return from.decode((is_shifted ? std::string(1, shift_out) : std::string()) + std::string(bytes));
 }
 
-// The character at the start of a text without NUL.
-Recoder::Character Recoder::read(std::string_view bytes, bool is_end) const {
+// The character at the start of a text without NUL, which rcsu alone may have.
+Recoder::Character Recoder::read(std::string_view bytes, bool is_end) {
+  if (compressed)
+    return compressed->read(bytes, is_end);
   if (has_shifts && (bytes[0] == shift_out || bytes[0] == shift_in))
     return {1, {}, false};
   const size_t step = from.is_wide() ? 2 : 1;
@@ -112,8 +115,35 @@ Recoder::Character Recoder::read(std::string_view bytes, bool is_end) const {
   return {is_end || bytes.size() >= longest_character ? most : 0, {}, true};
 }
 
-void Recoder::append(const std::u16string &text, std::string &out) const {
-  out += to.encode(text).bytes;
+// False, and nothing is appended, where the destination lacks some of it.
+bool Recoder::append(const std::u16string &text, std::string &out) {
+  std::string bytes;
+  bool moved_windows = has_moved_windows;
+  for (size_t at = 0; at < text.size(); ++at) {
+    const size_t nul = std::min(text.find(u'\0', at), text.size());
+    std::u16string part = text.substr(at, nul - at);
+    // What the scheme has set stays set. A blank behind the text leads out of the units, and the next
+    // text begins with the windows where they were at first, as the converter expects them.
+    if (to.is_compressed())
+      part += u' ';
+    SetConverter::Encoded encoded = to.encode(part);
+    if (encoded.status != UNICONV_SUCCEED)
+      return false;
+    if (to.is_compressed())
+      encoded.bytes.pop_back();
+    if (to.is_compressed() && !encoded.bytes.empty()) {
+      if (moved_windows)
+        bytes += RcsuReader::reset();
+      moved_windows = RcsuReader::has_commands(encoded.bytes);
+    }
+    bytes += encoded.bytes;
+    if (nul < text.size())
+      bytes.append(to.is_wide() ? 2 : 1, '\0');
+    at = nul;
+  }
+  out += bytes;
+  has_moved_windows = moved_windows;
+  return true;
 }
 
 // Moves the place behind a text that was read.
@@ -134,7 +164,7 @@ void Recoder::advance(std::string_view bytes, const std::u16string &text) {
   }
 }
 
-// Both convert text without NUL and return the bytes that they took.
+// These convert text without NUL, which rcsu alone may have, and return the bytes that they took.
 size_t Recoder::convert_by_characters(std::string_view piece, bool is_end, std::string &out) {
   std::u16string text;
   size_t taken = 0;
@@ -158,7 +188,29 @@ size_t Recoder::convert_by_characters(std::string_view piece, bool is_end, std::
   return taken;
 }
 
+size_t Recoder::convert_compressed(std::string_view piece, bool is_end, std::string &out) {
+  RcsuReader ahead = *compressed;
+  std::u16string text;
+  size_t taken = 0;
+  bool is_valid = true;
+  while (is_valid && taken < piece.size()) {
+    const Character character = ahead.read(piece.substr(taken), is_end);
+    if (character.bytes == 0)
+      break;
+    is_valid = !character.is_invalid;
+    text += character.text;
+    taken += character.bytes;
+  }
+  if (!is_valid || !append(text, out))
+    return convert_by_characters(piece, is_end, out);
+  compressed = ahead;
+  advance(piece.substr(0, taken), text);
+  return taken;
+}
+
 size_t Recoder::convert_piece(std::string_view piece, bool is_end, std::string &out) {
+  if (compressed)
+    return convert_compressed(piece, is_end, out);
   size_t length = piece.size();
   SetConverter::Decoded decoded = decode(piece);
   // An unfinished character is shorter than the longest.
@@ -168,13 +220,9 @@ size_t Recoder::convert_piece(std::string_view piece, bool is_end, std::string &
     length = piece.size() - cut;
     decoded = decode(piece.substr(0, length));
   }
-  if (decoded.status == UNICONV_SUCCEED) {
-    SetConverter::Encoded encoded = to.encode(decoded.text);
-    if (encoded.status == UNICONV_SUCCEED) {
-      out += encoded.bytes;
-      advance(piece.substr(0, length), decoded.text);
-      return length;
-    }
+  if (decoded.status == UNICONV_SUCCEED && append(decoded.text, out)) {
+    advance(piece.substr(0, length), decoded.text);
+    return length;
   }
   return convert_by_characters(piece, is_end, out);
 }
@@ -186,7 +234,7 @@ bool Recoder::convert(std::string_view bytes, bool is_last, std::string &out) {
   size_t done = 0;
   while (done < pending.size() && !is_stopped) {
     // A NUL would end a text for the converters, so it goes by itself.
-    size_t end = pending.find(nul, done);
+    size_t end = compressed ? std::string::npos : pending.find(nul, done);
     while (end != std::string::npos && (end - done) % unit != 0)
       end = pending.find(nul, end + 1);
     if (end == done) {

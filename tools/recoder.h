@@ -5,9 +5,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "rcsu_reader.h"
 #include "zrvcomn/zrvunic.h"
 
 namespace zrvtool {
@@ -43,6 +45,7 @@ public:
   Encoded encode(const std::u16string &text) const;
 
   bool is_wide() const { return cid == UNICONV_CID_UTF16; }
+  bool is_compressed() const { return cid == UNICONV_CID_RCSU; }
 
 private:
   int cid;
@@ -63,25 +66,24 @@ public:
   bool convert(std::string_view bytes, bool is_last, std::string &out);
 
 private:
-  struct Character {
-    size_t bytes; // 0 when more are needed
-    std::u16string text;
-    bool is_invalid;
-  };
+  using Character = RcsuReader::Element;
 
   std::u16string text_of(const std::string &utf8) const;
   SetConverter::Decoded decode(std::string_view bytes) const;
-  Character read(std::string_view bytes, bool is_end) const;
+  Character read(std::string_view bytes, bool is_end);
+  size_t convert_compressed(std::string_view piece, bool is_end, std::string &out);
   size_t convert_piece(std::string_view piece, bool is_end, std::string &out);
   size_t convert_by_characters(std::string_view piece, bool is_end, std::string &out);
-  void append(const std::u16string &text, std::string &out) const;
+  bool append(const std::u16string &text, std::string &out);
   void advance(std::string_view bytes, const std::u16string &text);
 
   SetConverter from, to;
   std::u16string substitute;
   OnLoss on_loss;
-  bool has_shifts;         // the source's set has shift states
-  bool is_shifted = false; // and is in that of two bytes
+  std::optional<RcsuReader> compressed; // where a source in rcsu stands
+  bool has_moved_windows = false;       // what was written in rcsu may have
+  bool has_shifts;                      // the source's set has shift states
+  bool is_shifted = false;              // and is in that of two bytes
   bool is_stopped = false;
   std::string pending; // an unfinished character
   uint64_t line = 1, column = 1, offset = 0;

@@ -102,6 +102,63 @@ class Recode(unittest.TestCase):
         run = b"\x0e" + ideograph[1:3] * 70000 + b"\x0f"
         self.assertEqual(recode("cp930", "utf8", run), (0, "日".encode() * 70000, ""))
 
+    def test_compressed(self):
+        """The standard's own examples, and what a text without NUL cannot hold."""
+        japanese = ("\u3000\u266a\u30ea\u30f3\u30b4\u53ef\u611b\u3044\u3084\u53ef\u611b\u3044\u3084\u30ea\u30f3\u30b4"
+                    "\u3002\u534a\u4e16\u7d00\u3082\u524d\u306b\u6d41\u884c\u3057\u305f\u300c\u30ea\u30f3\u30b4\u306e"
+                    "\u6b4c\u300d\u304c\u3074\u3063\u305f\u308a\u3059\u308b\u304b\u3082\u3057\u308c\u306a\u3044\u3002")
+        features = "A\u00df\u0401\u015f\u00df\u01df\uf000\U0010ffff"
+        for source, expected in (
+                ("d6 6c 20 66 6c 69 65 df 74", "Öl fließt"),
+                ("12 9c be c1 ba b2 b0", "Москва"),
+                ("08 00 1b 4c ea 16 ca d3 94 0f 53 ef 61 1b e5 84 c4 0f 53 ef 61 1b e5 84 c4 16 ca d3 94 08 02 0f"
+                 "53 4a 4e 16 7d 00 30 82 52 4d 30 6b 6d 41 88 4c e5 97 9f 08 0c 16 ca d3 94 15 ae 0e 6b 4c 08 0d"
+                 "8c b4 a3 9f ca 99 cb 8b c2 97 cc aa 84 08 02", japanese),
+                ("41 df 12 81 03 5f 10 df 1b 03 df 1c 88 80 0b bf ff ff 0d 0a"
+                 "41 10 df 12 81 03 5f 10 df 13 df 14 80 15 ff", features + "\r\n" + features),
+                # Surrogates as units, among bytes and among units; a command as a unit; NUL in characters.
+                ("0e d8 3d 0e de 00 0f d8 3d de 00 f0 d8 3d f0 de 00 d8 3d f0 de 00", "\U0001F600" * 4),
+                ("0f f0 e0 01 00 41 00 20 e0 41 00 42 02 00 0b 00 00 80", "\ue001A A\0B\u0080\U00010000"),
+                ("0f e9 08 85 0f f1 20 01 81 01 00", "\u0405\U00010081\0")):
+            with self.subTest(source):
+                self.assertEqual(recode("rcsu", "utf8", bytes.fromhex(source)), (0, expected.encode(), ""))
+
+    def test_compressed_that_is_none(self):
+        for source, expected, losses in (
+                ("41 0c 42", b"A?B", 1), ("18 00 41", b"?A", 1), ("1a a8 81", "?\u0401".encode(), 1),
+                ("0f f2 4e 00", "?\u4e00".encode(), 1), ("0e de 00 41", b"?A", 1), ("0e d8 00 41", b"?A", 1),
+                ("0e d8 00", b"?", 1), ("0e d8 00 0e de", b"?", 1), ("0e d8", b"?", 1), ("41 01", b"A?", 1),
+                ("0b 00", b"?", 1), ("0f 4e", b"?", 1), ("0f d8 00 4e 00", "?\u4e00".encode(), 1),
+                ("0f d8 00 e1 41", b"?A", 1)):
+            with self.subTest(source):
+                code, out, err = recode("rcsu", "utf8", bytes.fromhex(source), "--on-loss", "report")
+                self.assertEqual((code, out, len(err.splitlines()) - 1), (1, expected, losses), err)
+        self.assertIn(":1:3: byte 3: 0x0e65e5: U+65E5",
+                      recode("rcsu", "cp1251", b"\x12\x81\x82\x0e\x65\xe5\n", "--on-loss", "report")[2])
+
+    # What a command has set holds in the next block, whatever the block's end cuts.
+    def test_compressed_streams(self):
+        pieces = ["plain text, ", "Москва ", "日本語の", "é", "ελληνικά ", "\U0001F600\U00010081", "\0", "日", "ünï\n",
+                  "\ue001\uf2ff", "עברית", "ไทย", "\u3042\u30a2", "\x01\x0f"]
+        generator = random.Random(17)
+        for length in (1, 2, 3, 40, 30000, 60000):
+            text = "".join(generator.choice(pieces) for _ in range(length))
+            with self.subTest(length):
+                code, packed, err = recode("utf8", "rcsu", text.encode())
+                self.assertEqual((code, err), (0, ""))
+                self.assertEqual(recode("rcsu", "utf8", packed), (0, text.encode(), ""))
+                self.assertEqual(recode("rcsu", "rcsu", packed)[0], 0)
+        # One run for each state, longer than a block, its end at each place of a character.
+        for head, one, character in ((b"\x12", b"\x9c", "М"), (b"\x0f", b"\x65\xe5", "日"),
+                                     (b"\x0f", b"\xd8\x3d\xde\x00", "\U0001F600"),
+                                     (b"", b"\x0e\xd8\x3d\x0e\xde\x00", "\U0001F600"), (b"", b"\x03\x9c", "М"),
+                                     (b"\x0b\x60\x01", b"\x81", "\U00010081")):
+            for shift in range(6):
+                source = b"x" * shift + head + one * 70000
+                with self.subTest((one, shift)):
+                    self.assertEqual(recode("rcsu", "utf8", source),
+                                     (0, ("x" * shift + character * 70000).encode(), ""))
+
     def test_places_behind_a_block(self):
         text = ("é" * 99 + "\n").encode() * 1000 + "ab€".encode()
         err = recode("utf8", "iso_1", text, "--on-loss", "report")[2]
@@ -111,7 +168,7 @@ class Recode(unittest.TestCase):
         names = sorted(path.stem for path in (project.source_dir / "home/charsets/unicode").iterdir())
         self.assertGreater(len(names), 90)
         generator = random.Random(5)
-        for name in names + ["utf8", "utf16", "iso_1", "ascii_8"]:
+        for name in names + ["utf8", "utf16", "iso_1", "ascii_8", "rcsu"]:
             data = generator.randbytes(3000)
             with self.subTest(name):
                 code, out, err = recode(name, "utf8", data)
@@ -123,7 +180,7 @@ class Recode(unittest.TestCase):
         for words, fragment in (
                 ((), "--from"), (("--from", "utf8"), "--to"),
                 (("--from", "utf9", "--to", "utf8"), "did you mean 'utf8'?"),
-                (("--from", "utf8", "--to", "rcsu"), "rcsu"), (("--from", "decmcs", "--to", "utf8"), "no converter"),
+                (("--from", "decmcs", "--to", "utf8"), "no converter"),
                 (("--from", "utf8", "--to", "iso_1", "--substitute", "€"), "'€' is not in iso_1"),
                 (("--from", "utf8", "--to", "iso_1", "--on-loss", "ignore"), "--on-loss"),
                 (("--from", "utf8", "--to", "iso_1", "/nonexistent"), "cannot open")):

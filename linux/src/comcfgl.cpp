@@ -303,10 +303,10 @@ private:
     }
   }
 
-  // The end of a file ends its last line. What ends in the middle is no file's end.
+  // The end of the input ends its last line.
   CS_INT match_end() noexcept {
     const bool is_open = info->lastcode != CFG_NEWLINE && info->lastcode != CFG_END;
-    return is_open && info->damaged == 0 ? CFG_NEWLINE : CFG_END;
+    return is_open ? CFG_NEWLINE : CFG_END;
   }
 
   // The length of an end of line so many characters ahead, 0 if there is none.

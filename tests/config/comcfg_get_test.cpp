@@ -335,6 +335,23 @@ TEST_F(ConfigGet, EveryAllocationFails) {
   EXPECT_GT(failed, 2U);
 }
 
+TEST_F(ConfigGet, FailureOfAList) {
+  load("[a]\nk = 1\n");
+  auto *const section = const_cast<CfgSection *>(records<CfgSection>(data(cfg)->sections)[0]);
+  for (CS_VOID **list : {&data(cfg)->sections, &section->entries}) {
+    CS_VOID *const kept = std::exchange(*list, nullptr);
+    char value[8] = "xyz";
+    CS_INT length = -5;
+    CS_VOID *next = nullptr;
+    EXPECT_EQ(comn_get_cfg(cfg, text("a"), 1, text("k"), 1, &next, value, 8, &length), CS_FAIL);
+    EXPECT_EQ(take_reported(), Values{"17040897 comn_get_cfg: list"});
+    EXPECT_EQ(next, nullptr);
+    EXPECT_EQ(length, -5);
+    EXPECT_STREQ(value, "xyz");
+    *list = kept;
+  }
+}
+
 TEST_F(ConfigGet, ArgumentsAreChecked) {
   load("[a]\nk = 1\n");
   char value[8] = "xyz";

@@ -328,13 +328,15 @@ TEST_F(ConfigSyntax, ManySectionsAndEntries) {
 
 // The buffer is as large as the longest entry, whatever the file's size: what is not kept takes no room.
 TEST_F(ConfigSyntax, BufferStaysSmall) {
-  string file = "[a]\n";
-  while (file.size() < 500'000)
-    file += "; " + string(200, 'c') + "\n\n";
-  CS_CONFIG *const cfg = open(file);
-  ASSERT_NE(cfg, nullptr);
-  EXPECT_LT(static_cast<MM_HANDLE *>(data(cfg)->mpool)->mmh_head->mph_totalsize, 20'000);
-  drop(cfg);
+  for (const char *begin : {"", "[a]\n"}) {
+    string file = begin;
+    while (file.size() < 500'000)
+      file += "; " + string(200, 'c') + "\n\n";
+    CS_CONFIG *const cfg = open(file);
+    ASSERT_NE(cfg, nullptr);
+    EXPECT_LT(static_cast<MM_HANDLE *>(data(cfg)->mpool)->mmh_head->mph_totalsize, 20'000);
+    drop(cfg);
+  }
 }
 
 // ---- character sets ----
@@ -480,15 +482,34 @@ TEST_F(ConfigRandom, FilesInMultiByteSets) {
   }
 }
 
+string many(const string &piece, int count) {
+  string pieces;
+  for (int i = 0; i < count; ++i)
+    pieces += piece;
+  return pieces;
+}
+
 TEST_F(ConfigRandom, ManyFaultyHeaders) {
   for (int count = 240; count < 260 && !HasFailure(); ++count)
     for (const char *header : {"[=]\n", "[a =\n", "]\n", "[a]=\n"}) {
-      string file;
-      for (int i = 0; i < count; ++i)
-        file += header;
+      const string file = many(header, count);
       compare(file, com_get_charattrib());
       compare(file + "[a]\nk = \"v\"\n", com_get_charattrib());
     }
+}
+
+// What was read is off the stack, however much it was.
+TEST_F(ConfigRandom, StatesBehindLongEntries) {
+  const auto check = [this](const string &file) {
+    for (int count = 246; count < 251; ++count)
+      compare(file + many("[=]\n", count), com_get_charattrib());
+  };
+  for (const char *piece : {"a ", "1", "\\\n", "\"s\"", "\"\"", "\"s\"\"s\"", "\"\"\"\"",
+                            "\"\\\n\"", "\nk = 1\nk = ", "\ninclude = i\nk = "}) {
+    SCOPED_TRACE(piece);
+    check("[i]\n[e]\nk = " + many(piece, 300) + "1\n");
+  }
+  check("[a" + many(" b", 300) + "]\n");
 }
 
 const char *const small_file = "; c\n[a]\nk = 1\nk = \"x\"\"y\" \\\n z\n[b c]\ninclude = a\nl = 2\n"

@@ -1,14 +1,5 @@
 /* All values of an entry of the installation's configuration file, those of included sections too. */
-#include <zrvcomn/comcfg.h>
-#include <zrvcomn/zrvintl.h>
-
 #include "session.h"
-
-/* Handles go back through comn_free, so they come from there. */
-static CS_VOID *from_heap(CS_CONTEXT *context, CS_UINT size) {
-  (void)context;
-  return comn_malloc(size);
-}
 
 static int print_all(CS_CONFIG *config, const char *section, const char *entry) {
   CS_CHAR value[80];
@@ -28,8 +19,6 @@ int main(void) {
   CS_CONFIG *config = NULL;
   Session session;
   int done = start(&session, "en_US.UTF-8") == CS_SUCCEED && intl_home(path, sizeof path) > 0;
-  session.context.ctxversion = COM_CFG_MIN_CTXVERSION;
-  session.context.ctxmalloc = from_heap;
   if (done) {
     strncat(path, "/config/ncl.cfg", sizeof path - strlen(path) - 1);
     done = comn_init_cfg(&session.context, path, CS_LEN_NULLTERM, &config) == CS_SUCCEED;

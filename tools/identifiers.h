@@ -33,6 +33,12 @@ std::string_view name_of(const CS_STRING_LIST &name);
 // Why the library could not read a file: the status by name, and what its reader says.
 std::string failure_text(CS_RETCODE status, const CS_CONTEXT &context);
 
+// What a user can do about that.
+const char *advice_on(CS_RETCODE status);
+
+// Both, when it was objectid.dat, with the place where that is looked for.
+std::string identifiers_failure(CS_RETCODE status, const CS_CONTEXT &context);
+
 } // namespace zrvtool
 
 #endif

@@ -34,8 +34,7 @@ SetConverter::SetConverter(int the_cid, const std::string &name) : cid(the_cid) 
     throw UsageError("there is no converter for " + name);
   if (status != UNICONV_SUCCEED)
     throw StreamError("cannot load the table of " + name +
-                      " (zrvcomn config paths tells where it"
-                      " should be)");
+                      " (zrvcomn check all tells which file is wrong)");
 }
 
 SetConverter::Decoded SetConverter::decode(std::string bytes) const {

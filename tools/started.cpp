@@ -48,12 +48,11 @@ void Started::start(const std::string &name) {
   CS_RETCODE status = comn_intl_load_globalid(&context, &identifiers);
   globals.ctxoids = identifiers;
   if (status != CS_SUCCEED)
-    throw StreamError("cannot load objectid.dat: " + failure_text(status, context) +
-                      " (zrvcomn config paths tells where it should be)");
+    throw StreamError(identifiers_failure(status, context));
   status = comn_intl_init(&context, file, sizeof file);
   if (status != CS_SUCCEED)
     throw StreamError(std::string("cannot start from ") + file + ": " +
-                      failure_text(status, context) + " (zrvcomn check tells more)");
+                      failure_text(status, context) + ": " + advice_on(status));
   context.ctxdeflocale = static_cast<CS_LOCALE *>(comn_calloc(1, sizeof(CS_LOCALE)));
   if (context.ctxdeflocale == nullptr)
     throw std::bad_alloc();

@@ -625,7 +625,7 @@ class Command(unittest.TestCase):
         self.assertEqual(zrvcomn("types", ZARVEK="/nonexistent").out, zrvcomn("types").out)
         result = zrvcomn("convert", "--from", "int", "--to", "int", "1", ZARVEK="/nonexistent")
         self.assertEqual((result.out, result.code), ("", 1))
-        self.assertIn("cannot load objectid.dat", result.err)
+        self.assertIn("cannot load /nonexistent/config/objectid.dat: ", result.err)
 
     def test_types_filters(self):
         result = zrvcomn("types", "--from", "uint,INT", "--to", "i8", "--to", "long")
@@ -759,12 +759,12 @@ class Command(unittest.TestCase):
     def test_oid_not_loaded(self):
         result = self.oid("[charset]\nx\n", "list")
         self.assertEqual((result.code, result.out), (1, ""))
-        self.assertRegex(result.err, r"\Azrvcomn oid: cannot load objectid.dat: COM_INTL_ERROR, .*\n\Z")
+        self.assertRegex(result.err, r"\Azrvcomn oid: cannot load .*/objectid\.dat: COM_INTL_ERROR, .*\n\Z")
         result = zrvcomn("oid", "list", ZARVEK="/nonexistent")
         self.assertEqual((result.code, result.out), (1, ""))
         self.assertRegex(result.err, r"COM_LOCFILE_ERROR, .*zrvcomn config paths")
         result = self.oid("[charset]\n1 = a\n", "list")
-        self.assertRegex(result.err, r"objectid.dat: CS_FAIL \(")
+        self.assertRegex(result.err, r"objectid\.dat: CS_FAIL: ")
 
     def test_oid_usage(self):
         self.check_usage(zrvcomn("oid"), "action")
@@ -1266,7 +1266,7 @@ class Command(unittest.TestCase):
         self.assertEqual(zrvcomn("locale", "show", "nowhere").code, 1)
         result = zrvcomn("locale", "show", "C", ZARVEK=str(self.scratch))
         self.assertEqual(result.code, 1)
-        self.assertIn("cannot load objectid.dat", result.err)
+        self.assertIn(f"cannot load {self.scratch}/config/objectid.dat", result.err)
 
     def test_check(self):
         result = zrvcomn("check")
@@ -1278,7 +1278,8 @@ class Command(unittest.TestCase):
     def test_check_finds_what_is_wrong(self):
         home = self.scratch / "home"
         shutil.copytree(project.source_dir / "home", home, copy_function=os.symlink)
-        broken = {"locales/message/german/common.loc": None, "locales/message/french/comnlib.loc": "x",
+        broken = {"charsets/unicode/koi8.bin": None, "charsets/unicode/cp437.bin": "x",
+                  "locales/message/german/common.loc": None, "locales/message/french/comnlib.loc": "x",
                   "charsets/iso15/danish.srt": "[other]\n", "charsets/koi8/charset.loc": None}
         for path, text in broken.items():
             (home / path).unlink()
@@ -1292,6 +1293,23 @@ class Command(unittest.TestCase):
                    f"{home}/locales/message/german/common.loc: COM_LOCFILE_ERROR, the file cannot be "
                    "opened: put the file back, and let this user read it\n1 checked, 1 wrong\n")
         self.check(zrvcomn("check", "italian", ZARVEK=str(home)), 0, "1 checked, 0 wrong\n")
+
+    # What is broken is named with its path, even where nothing can start, and no hint leads back here.
+    def test_check_of_what_cannot_start(self):
+        home = self.scratch / "home"
+        for path, text in (("config/objectid.dat", None), ("config/objectid.dat", "x"),
+                           ("charsets/utf8/charset.loc", None), ("charsets/utf8/charset.loc", "x"),
+                           ("locales/locales.dat", None)):
+            with self.subTest(f"{path} {text}"):
+                shutil.copytree(project.source_dir / "home", home, copy_function=os.symlink)
+                (home / path).unlink()
+                if text is not None:
+                    (home / path).write_text(text)
+                result = zrvcomn("check", "all", ZARVEK=str(home))
+                self.assertEqual((result.code, result.out), (1, ""))
+                self.assertRegex(result.err, rf"\Azrvcomn check: [^\n]*{home / path}: COM_\w+, [^\n]*\n\Z")
+                self.assertNotIn("zrvcomn check tells", result.err)
+                shutil.rmtree(home)
 
     def test_date_usage(self):
         self.check_usage(zrvcomn("date", "formt", "2001-01-05"), "formt", "format")

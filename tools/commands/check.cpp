@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "charset_names.h"
 #include "identifiers.h"
 #include "output.h"
 #include "started.h"
@@ -14,6 +15,7 @@
 #include "visible.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
+#include "zrvcomn/zrvunic.h"
 
 namespace {
 
@@ -27,19 +29,14 @@ std::string home() {
   return path;
 }
 
-// What a user can do about a status.
-const char *advice(CS_RETCODE status) {
-  switch (status) {
-  case COM_LOCFILE_ERROR:
-    return "put the file back, and let this user read it";
-  case COM_INTL_ERROR:
-    return "mend the file, or put the shipped one back";
-  case COM_UNKNOWN_NAME:
-    return "give the name an identifier in objectid.dat, or take the directory away";
-  case CS_MEM_ERROR:
-    return "free some memory";
+const char *converter_failure(int failure) {
+  switch (failure) {
+  case UNICONV_ENOTABLE:
+    return "the file cannot be read: put the file back, and let this user read it";
+  case UNICONV_EDAMAGED:
+    return "the file is damaged: put the shipped one back";
   default:
-    return "its contents are not what they must be: put the shipped file back";
+    return "no memory: free some memory";
   }
 }
 
@@ -116,6 +113,22 @@ public:
     }
   }
 
+  // The tables of the converters to and from Unicode.
+  void converters() {
+    for (const CharsetName &set : charset_names()) {
+      if (set.converter == UNICONV_CID_NONE)
+        continue;
+      CVTH converter = nullptr;
+      const int failure = uniconv_HandleGet(set.converter, &converter);
+      uniconv_HandleFree(converter);
+      if (failure == UNICONV_ENOCONV) // there is none for this set
+        continue;
+      ++checked;
+      if (failure != UNICONV_SUCCEED)
+        print(home() + "/charsets/unicode/" + set.name + ".bin: " + converter_failure(failure));
+    }
+  }
+
   int finish() {
     out.text += std::to_string(checked) + " checked, " + std::to_string(problems) + " wrong\n";
     out.flush();
@@ -139,7 +152,7 @@ private:
 
   void report(CS_RETCODE status) {
     if (status != CS_SUCCEED)
-      print(file + ": " + failure_text(status, *started.get()) + ": " + advice(status));
+      print(file + ": " + failure_text(status, *started.get()) + ": " + advice_on(status));
   }
 
   void print(const std::string &problem) {
@@ -169,6 +182,7 @@ int run(const std::string &what) {
       check.language(name);
     for (const std::string &name : sets)
       check.charset(name);
+    check.converters();
     check.locales();
   } else if (has(languages)) {
     check.language(what);
@@ -185,10 +199,10 @@ Subcommand::Run add(CLI::App &app) {
   app.add_option("what", *what, "A language, a character set, or all (the default)")
       ->type_name("LANGUAGE|SET|all");
   app.footer("Loads what is checked: tables and messages of languages, character sets with their\n"
-             "sort orders and, with all, every locale. Each problem is a line: the file, the\n"
-             "status, what to do.\n"
+             "sort orders and, with all, the tables of the converters and every locale. Each\n"
+             "problem is a line: the file, the status, what to do.\n"
              "\nExamples:\n"
-             "  zrvcomn check\n"
+             "  zrvcomn check all\n"
              "  zrvcomn check german\n"
              "  zrvcomn check iso_1\n"
              "\nExit codes: 0 nothing is wrong, 1 something is, 2 wrong usage.");

@@ -87,6 +87,20 @@ class Docs(unittest.TestCase):
             for word in told.replace('"', " ").replace(",", " ").split():
                 self.assertIn(word, chapter.replace(",", " "), name)
 
+    # The page of quirks names tests that there are.
+    def test_quirks(self):
+        tests = {".".join(found) for path in project.tracked_files("tests/*.cpp")
+                 for found in re.findall(r"^TEST(?:_[FP])?\((\w+), (\w+)\)", path.read_text(), re.M)}
+        rows = re.findall(r"^\| (.*) \| (.*) \| (.*) \|$",
+                          (source_dir / "docs" / "quirks.md").read_text(), re.M)
+        rows = [row for row in rows if row[0] != "What"]
+        self.assertGreater(len(rows), 100)
+        for what, why, names in rows:
+            with self.subTest(what):
+                self.assertRegex(why, r"^[SVWFMP](: .+)?$")
+                self.assertRegex(names, r"^`\w+\.\w+`(, `\w+\.\w+`)*$")
+                self.assertEqual(set(re.findall(r"\w+\.\w+", names)) - tests, set())
+
     # A program that is shown is one of the examples, as it stands, and what it prints stands below.
     def test_programs(self):
         programs = [path.read_text().split("/* prints:\n")

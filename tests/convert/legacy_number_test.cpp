@@ -239,6 +239,7 @@ TEST(LegacyFloat, TextInAFormatOfTheCaller) {
   check(0.5, "%lf", ".500000");
   check(-0.0, "%g", "-0");
   check(0.1, "%.*lg", ".10000000000000001");
+  check(0.5, "%+.*g", "+0.5");
   // Anything but one conversion of a double is not used.
   for (const char *format : {"", "text", "%d", "%s", "%n", "%g %g", "%*g", "%llg", "%l", "%Lg", "%",
                              "%.", "%5", "%'g", "100%%", "%1$g", "%g %n", "%.*g %.*g"}) {
@@ -279,6 +280,15 @@ TEST(LegacyFloat, TextKnowsNoLocale) {
   check_number_text("flt8", value_bytes_of(1.5), "1.50", options);
   check_number_text("flt8", value_bytes_of(0.5), ".50", options);
   check_number_text("flt8", value_bytes_of(1.5), "1.5");
+  // What stands around the number stays as it is.
+  for (const auto &[text, expected] : {std::pair{"a,b %.1f,c", "a,b 1.5,c"}, {"%.0f,c", "2,c"}}) {
+    format = text;
+    options.fltfmt = format.data();
+    check_number_text("flt8", value_bytes_of(1.5), expected, options);
+  }
+  format = "%d"; // is not used
+  options.fltfmt = format.data();
+  check_number_text("flt8", value_bytes_of(1.5), "1.5", options);
 }
 
 // ---- money ----

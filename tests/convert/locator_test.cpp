@@ -388,6 +388,15 @@ TEST(LocatorToLocator, DeepCopies) {
   }
 }
 
+TEST(LocatorToLocator, TokenOfOneByte) {
+  TextWorld world;
+  Locator source("x"), dest;
+  CS_INT length = -1;
+  EXPECT_EQ(copy(world, source, dest, &length), CS_SUCCEED);
+  EXPECT_EQ(length, 1);
+  EXPECT_EQ(dest.token(), "x");
+}
+
 TEST(LocatorToLocator, EmptyRecord) {
   TextWorld world;
   AllocationProbe probe;

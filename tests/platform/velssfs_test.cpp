@@ -258,6 +258,14 @@ TEST_F(Velssfs, OtherFilesAreNoRecords) {
   EXPECT_EQ(change_key(generate_key()), RSEC_SSFS_RC_OK);
 }
 
+// As in a store that was brought here without it.
+TEST_F(Velssfs, ListsWithoutTheFileOfTheLock) {
+  EXPECT_EQ(put("a", "v"), RSEC_SSFS_RC_OK);
+  std::filesystem::remove(path / "lock");
+  EXPECT_EQ(list(), Names{"a"});
+  EXPECT_FALSE(std::filesystem::exists(path / "lock"));
+}
+
 // ---- the directory ----
 
 TEST(VelssfsDirectory, DefaultsInTheStateDirectory) {
@@ -398,8 +406,13 @@ TEST_F(Velssfs, EveryByteOfTheKeyFileCounts) {
       EXPECT_EQ(put("b", "x"), RSEC_SSFS_RC_FILE_CORRUPTION) << at;
       EXPECT_EQ(change_key(string(64, '1')), RSEC_SSFS_RC_FILE_CORRUPTION) << at;
     }
+  string text;
+  StoredValue value;
+  EXPECT_EQ(get("a", value, &text), RSEC_SSFS_RC_FILE_CORRUPTION);
+  EXPECT_EQ(text, (path / "key").string() + ": it is damaged");
   write_file(path / "key", string(100000, 'k'));
-  EXPECT_EQ(get("a"), RSEC_SSFS_RC_FILE_CORRUPTION);
+  EXPECT_EQ(get("a", value, &text), RSEC_SSFS_RC_FILE_CORRUPTION);
+  EXPECT_EQ(text, (path / "key").string() + ": this is no key file");
   write_file(path / "key", good);
   EXPECT_EQ(get("a"), RSEC_SSFS_RC_OK);
   EXPECT_EQ(list(), Names{"a"});
@@ -433,6 +446,12 @@ TEST_F(Velssfs, FilesInOneAnothersPlace) {
   EXPECT_EQ(get("a", value, &text), RSEC_SSFS_RC_FILE_CORRUPTION);
   EXPECT_EQ(text,
             file_of("a").string() + ": it is under a master key that the store does not have");
+  // The store has its key: what does not open under it is damaged, and no other key is asked for.
+  write_file(file_of("b"), b);
+  EXPECT_EQ(change_key(generate_key(), &text), RSEC_SSFS_RC_FILE_CORRUPTION);
+  EXPECT_EQ(text,
+            file_of("a").string() + ": it is under a master key that the store does not have");
+  EXPECT_EQ(read_file(path / "key"), key);
   write_file(file_of("a"), a);
   write_file(path / "key", read_file(other / "key"));
   EXPECT_EQ(get("a"), RSEC_SSFS_RC_FILE_CORRUPTION);
@@ -442,9 +461,10 @@ TEST_F(Velssfs, WhatIsNoFile) {
   EXPECT_EQ(put("a", "v"), RSEC_SSFS_RC_OK);
   std::filesystem::create_directory(file_of("directory"));
   ASSERT_EQ(mkfifo(file_of("pipe").c_str(), 0600), 0);
+  ASSERT_EQ(mknod(file_of("socket").c_str(), S_IFSOCK | 0600, 0), 0);
   string text;
   StoredValue value;
-  for (const char *key : {"directory", "pipe"}) {
+  for (const char *key : {"directory", "pipe", "socket"}) {
     EXPECT_EQ(get(key, value, &text), RSEC_SSFS_RC_FILE_CORRUPTION);
     EXPECT_EQ(text, file_of(key).string() + ": this is no record");
   }

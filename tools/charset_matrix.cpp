@@ -75,20 +75,20 @@ const Engines &engines_of(const CharsetName &from, const CharsetName &to) {
 
 } // namespace
 
-void append_charset_matrix(std::string &out, const std::string &only, bool as_json) {
+void append_charset_matrix(std::string &out, const std::string &only, const Listing &listing) {
   const std::vector<CharsetName> sets = charset_names();
   const std::vector<CharsetName> rows =
       only.empty() ? sets : std::vector<CharsetName>{find_charset(only)};
   constexpr size_t name_width = 11;
   for (const CharsetName &from : rows) {
-    if (only.empty() && !as_json)
+    if (only.empty() && !listing.is_for_programs())
       out += from.name + std::string(name_width - std::min(name_width - 1, from.name.size()), ' ');
     for (const CharsetName &to : sets) {
       const Engines &found = engines_of(from, to);
-      if (as_json) {
+      if (listing.is_for_programs()) {
         const nlohmann::ordered_json object = {
             {"from", from.name}, {"to", to.name}, {"engines", found.names}};
-        out += object.dump() + "\n";
+        listing.add(out, object);
       } else if (only.empty()) {
         out += found.mark;
       } else {
@@ -96,7 +96,7 @@ void append_charset_matrix(std::string &out, const std::string &only, bool as_js
                found.words + "\n";
       }
     }
-    if (only.empty() && !as_json)
+    if (only.empty() && !listing.is_for_programs())
       out += "\n";
   }
 }

@@ -4,10 +4,12 @@
 
 #include <string>
 
+#include "listing.h"
+
 namespace zrvtool {
 
 // All pairs as a grid, or those from one set; `only` is empty or one of its names.
-void append_charset_matrix(std::string &out, const std::string &only, bool as_json);
+void append_charset_matrix(std::string &out, const std::string &only, const Listing &listing);
 
 } // namespace zrvtool
 

@@ -36,7 +36,7 @@ CharsetName find_charset(const std::string &name) {
       return set;
     known.insert(known.end(), set.names.begin(), set.names.end());
   }
-  throw UsageError("unknown character set " + in_quotes(name) + suggest(name, known));
+  throw UsageError("there is no character set " + in_quotes(name) + suggest(name, known));
 }
 
 } // namespace zrvtool

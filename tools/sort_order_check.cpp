@@ -2,6 +2,7 @@
 // along by the same rules to tell where, and why.
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -21,7 +22,7 @@ namespace {
 struct SectionFile {
   explicit SectionFile(const std::string &path) {
     if (intl_open(path.c_str(), &file) < 0)
-      throw UsageError("cannot open " + in_quotes(path));
+      throw StreamError("cannot open " + in_quotes(path) + ": " + std::strerror(errno));
   }
   ~SectionFile() { intl_close(&file); }
   SectionFile(const SectionFile &) = delete;

@@ -1,6 +1,8 @@
 // The start and the end of a context with its installation.
 #include "started.h"
 
+#include <algorithm>
+
 #include "charset_names.h"
 #include "errors.h"
 #include "identifiers.h"
@@ -20,6 +22,28 @@ CS_VOID *&category_of(CS_LOCALE &locale, CS_INT category) {
 }
 
 } // namespace
+
+std::vector<std::string> locale_names() {
+  CS_CONTEXT context{};
+  INTL_LOCFILE file;
+  CS_CHAR name[] = "locales.dat", path[1025] = "";
+  const CS_RETCODE status =
+      com__open_locfile(&context, nullptr, nullptr, name, &file, path, sizeof path);
+  if (status != CS_SUCCEED)
+    throw StreamError(std::string(path) + ": " + failure_text(status, context) + ": " +
+                      advice_on(status));
+  int reader = 0;
+  std::vector<std::string> names;
+  while (const char *const section = intl_nextsection(&file, &reader))
+    if (section == std::string_view("linux"))
+      while (intl_nextentry(&file, &reader) != nullptr)
+        if (const char *const value = intl_nextvalue(&file, &reader))
+          names.emplace_back(value);
+  intl_close(&file);
+  if (reader < 0)
+    throw StreamError(std::string(path) + ": " + intl_errstr(reader));
+  return names;
+}
 
 std::string environment_locale(CS_CONTEXT *context, CS_INT category) {
   CS_CHAR name[COM_LOCNAME_SIZE];
@@ -58,7 +82,8 @@ void Started::start(const std::string &name) {
     throw std::bad_alloc();
   for (CS_INT category = CS_LCTYPE_COLLATE; category <= CS_LCTYPE_TIME; ++category)
     category_of(*context.ctxdeflocale, category) =
-        required(name.empty() ? environment_locale(&context, category) : name);
+        name.empty() ? required(environment_locale(&context, category), true)
+                     : required(name, false);
   context.ctxlocale = context.ctxdeflocale;
   context.ctxlocale->ctxptr = &context;
   // A text that is missing shows in the lines themselves.
@@ -93,9 +118,14 @@ CsLocCache *Started::load(const std::string &name, std::string &why_not) {
   return static_cast<CsLocCache *>(cache);
 }
 
-CsLocCache *Started::required(const std::string &name) {
+CsLocCache *Started::required(const std::string &name, bool is_of_environment) {
   std::string why_not;
   CsLocCache *const cache = load(name, why_not);
+  if (cache == nullptr && !is_of_environment)
+    if (const std::vector<std::string> names = locale_names();
+        std::find(names.begin(), names.end(), name) == names.end())
+      throw UsageError("there is no locale " + in_quotes(name) + suggest(name, names) +
+                       "; zrvcomn locale list shows all");
   if (cache == nullptr)
     throw StreamError("cannot load the locale " + in_quotes(name) + ": " + why_not +
                       " (zrvcomn locale list shows all names)");

@@ -3,6 +3,7 @@
 #define ZRVTOOL_STARTED_H
 
 #include <string>
+#include <vector>
 
 #include "zrvcomn/comerr.h"
 #include "zrvcomn/comloc.h"
@@ -12,7 +13,8 @@ namespace zrvtool {
 class Started {
 public:
   // Starts with a locale in all six categories; without a name each category has the one that the
-  // environment selects. Throws StreamError when the installation is not complete.
+  // environment selects. Throws StreamError when the installation is not complete, and UsageError for
+  // a name that locales.dat does not have.
   explicit Started(const std::string &name);
   ~Started();
   Started(const Started &) = delete;
@@ -33,13 +35,16 @@ public:
 
 private:
   void start(const std::string &name);
-  CsLocCache *required(const std::string &name);
+  CsLocCache *required(const std::string &name, bool is_of_environment);
   void end();
 
   CS_CONTEXT context{};
   CsCtxGlobals globals{};
   CsLocCache ctype_cache{}, time_cache{}; // of the locale, but for the set; unused without one
 };
+
+// The names in locales.dat, in its order. Throws StreamError when it cannot be read.
+std::vector<std::string> locale_names();
 
 // The names that the environment selects for the categories, by number from 1 on.
 std::string environment_locale(CS_CONTEXT *context, CS_INT category);

@@ -145,7 +145,7 @@ Type parse_type(const std::string &description) {
   const std::string name = trimmed(std::string_view(text).substr(0, open));
   const TypeInfo *const info = find_type(name);
   if (info == nullptr)
-    throw UsageError("unknown type " + in_quotes(name) + suggest(name, all_type_names()));
+    throw UsageError("there is no type " + in_quotes(name) + suggest(name, all_type_names()));
   Type type{info, std::nullopt, default_precision, default_scale, true};
   if (open != std::string::npos) {
     if (text.back() != ')')

@@ -240,8 +240,7 @@ class Command(unittest.TestCase):
         self.check(convert("int", "int", "--locale", "no_SUCH", "1", ZARVEK=str(self.scratch)), 1, "",
                    convert("int", "int", "1", ZARVEK=str(self.scratch)).err)
         missing = convert("int", "int", "--locale", "no_SUCH", "1")
-        self.assertEqual((missing.code, missing.out), (1, ""))
-        self.assertIn("cannot load the locale 'no_SUCH'", missing.err)
+        self.check_usage(missing, "there is no locale 'no_SUCH'")
 
     def test_charset(self):
         # A text is cut between its characters, and its wide digits are digits.
@@ -279,9 +278,9 @@ class Command(unittest.TestCase):
                          "5\t5  \t3\tCS_SUCCEED\n")
 
     def test_wrong_types(self):
-        self.check_usage(convert("smalint", "int", "1"), "unknown type 'smalint'",
+        self.check_usage(convert("smalint", "int", "1"), "there is no type 'smalint'",
                          "did you mean 'smallint'?")
-        self.check_usage(convert("", "int", "1"), "unknown type ''")
+        self.check_usage(convert("", "int", "1"), "there is no type ''")
         self.check_usage(convert("int", "char(", "1"), "closing parenthesis")
         self.check_usage(convert("int", "char()", "1"), "length of char")
         self.check_usage(convert("int", "char(x)", "1"), "length of char")
@@ -358,7 +357,7 @@ class Command(unittest.TestCase):
         self.check_usage(zrvcomn("types", "--hexx"), "there is no option '--hexx'")
         # Words of the user are cut and command no terminal.
         self.check_usage(convert("\x1b[31m" + 100 * "x", "int", "1"),
-                         "unknown type '\\x1b[31m" + 55 * "x" + "...'")
+                         "there is no type '\\x1b[31m" + 55 * "x" + "...'")
         self.check_usage(convert("varchar(5)", "int", "1"), "varchar takes nothing in parentheses")
         self.check_usage(convert("int", "int"), "no values")
         self.check_usage(convert("int", "int", "--nonsense", "1"), "--nonsense")
@@ -372,10 +371,10 @@ class Command(unittest.TestCase):
         self.check_usage(convert("int", "char", "--format", "1,,4", "1"), "--format")
         self.check_usage(convert("int", "char", "--format", "1,", "1"), "--format")
         self.check_usage(convert("int", "int", "--json", "--plain", "1"), "--plain", "--json")
-        self.check_usage(zrvcomn("types", "--from", "nonsense"), "unknown type")
+        self.check_usage(zrvcomn("types", "--from", "nonsense"), "there is no type")
         self.check_usage(zrvcomn("types", "extra"), "extra")
         # A line feed in what was typed does not make it two lines.
-        self.check_usage(convert("a\nb", "int", "1"), "unknown type")
+        self.check_usage(convert("a\nb", "int", "1"), "there is no type")
 
     # ---- standard input ----
 
@@ -581,6 +580,87 @@ class Command(unittest.TestCase):
             self.assertIn("Usage: zrvcomn", result.out)
             self.assertRegex(result.out, "Examples?:\n  ")
 
+    # One look at all subcommands: the same words for the same options, two examples, the exit codes.
+    def test_help_has_one_shape(self):
+        commands = re.findall(r"^  (\w+) {2,}\S", zrvcomn("--help").out.split("Subcommands:")[1], re.M)
+        self.assertGreater(len(commands), 10)
+        told = {}
+        for name in commands:
+            with self.subTest(name):
+                text = zrvcomn("help", name).out
+                self.assertNotIn("\n\n\n", text.partition("Examples:")[2])
+                self.assertGreaterEqual(len(re.findall(r"^  .*zrvcomn ", text.split("Examples:\n")[1], re.M)), 2)
+                self.assertRegex(text, r"\nExit codes: 0 [^:]*[ \n]2\swrong usage\.\n\Z")
+                # What an option takes is written in capitals, what it does begins with one.
+                for option, takes, does in re.findall(
+                        r"^  (?:-\w,)?(--[\w-]+)((?: [^ \n]+)*?)(?: {2,}|\n {20,})(\S.*)$", text, re.M):
+                    takes = re.sub(r" (?:REQUIRED|\.\.\.|(?:Needs|Excludes):.*)", "", takes)
+                    self.assertRegex(takes, r"^( [A-Z|]+)?$", option)
+                    self.assertRegex(does, r"^([a-z]+(, [a-z]+)*: |--\w+: )?\S", option)
+                    if ":" not in does:
+                        self.assertRegex(does, r"^[A-Z]", option)
+                    told.setdefault(option, set()).add((takes, re.sub(r"^[a-z, ]+: ", "", does)))
+        self.assertEqual({does for _, does in told["--plain"]},
+                         {"Print columns with tabs between, without a header"})
+        self.assertEqual([does for _, does in told["--json"]
+                          if not does.startswith("Print one JSON object")], [])
+        for option, takes in (("--csv", " FILE"), ("--column", " NAME"), ("--delimiter", " CHARACTER"),
+                              ("--charset", " SET"), ("--locale", " NAME"), ("--out", " FILE")):
+            self.assertEqual({each for each, _ in told[option]}, {takes}, option)
+
+    # What --plain prints are the fields of --json: a list by commas, "-" for what there is not.
+    def test_listings(self):
+        def column(value):
+            if isinstance(value, dict):
+                return [cell for each in value.values() for cell in column(each)]
+            if isinstance(value, list):
+                return [",".join(value) or "-"]
+            return ["-" if value is None else str(value)]
+
+        for words in (["charset", "list"], ["charset", "matrix", "cp850"], ["locale", "list"],
+                      ["oid", "list", "natlang"], ["oid", "find", "utf-8"], ["config", "paths"],
+                      ["types", "--from", "int,char"], ["types", "--wire"]):
+            with self.subTest(words):
+                objects = [json.loads(line) for line in zrvcomn(*words, "--json").out.splitlines()]
+                rows = fields(zrvcomn(*words, "--plain"))
+                self.assertGreater(len(rows), 0)
+                self.assertEqual(len({len(row) for row in rows}), 1)
+                for row, each in zip(rows, objects, strict=True):
+                    if words[-1] == "--wire":
+                        each = {name: {"a": None, "b": None, "c": None} if value is None else value
+                                for name, value in each.items()}
+                    self.assertEqual(row, column(each))
+                self.check_usage(zrvcomn(*words, "--plain", "--json"), "excludes")
+        shown = json.loads(zrvcomn("locale", "show", "fr_CA", "--json").out)
+        self.assertEqual(fields(zrvcomn("locale", "show", "fr_CA", "--plain")),
+                         [[name, *column(str(value).lower() if isinstance(value, bool) else value)]
+                          for name, value in shown.items()])
+        for words in (["charset", "show", "koi8"], ["config", "list"], ["config", "get", "payroll", "server"]):
+            self.check_usage(zrvcomn(*words, "--plain"), "--plain is for")
+
+    # A word of the command line that names nothing is wrong usage, whatever it would select; what was
+    # looked for and is not there, or a file that is wrong, is a failure.
+    def test_exit_codes_side_by_side(self):
+        for words in (["convert", "--from", "none", "--to", "int", "1"],
+                      ["convert", "--from", "int", "--to", "int", "--charset", "none", "1"],
+                      ["convert", "--from", "int", "--to", "int", "--locale", "none", "1"],
+                      ["convert", "--from", "int", "--to", "int", "--csv", "/none", "--column", "a"],
+                      ["date", "format", "--locale", "none", "2001-01-05"], ["charset", "show", "none"],
+                      ["charset", "matrix", "none"], ["check", "none"], ["completion", "none"],
+                      ["locale", "show", "none"], ["message", "17040898", "--language", "none"],
+                      ["oid", "list", "none"], ["recode", "--from", "none", "--to", "utf8"],
+                      ["recode", "--from", "utf8", "--to", "utf8", "/none"], ["sort", "--order", "none"],
+                      ["sort", "--charset", "none"], ["sort", "--csv", "/none", "--column", "a"],
+                      ["key", "encrypt", "--key", "/none"], ["types", "--from", "none"]):
+            with self.subTest(words):
+                self.check_usage(zrvcomn(*words))
+        for words in (["oid", "find", "none"], ["config", "get", "none", "none"], ["config", "check", "/none"],
+                      ["config", "list", "none"], ["message", "999"], ["sort", "--check", "/none"],
+                      ["store", "get", "none", "--directory", str(self.scratch)], ["date", "format", "none"],
+                      ["convert", "--from", "int", "--to", "int", "none"]):
+            with self.subTest(words):
+                self.assertEqual(zrvcomn(*words).code, 1)
+
     # The examples of the help work as they stand.
     def test_help_examples(self):
         (self.scratch / "countries.csv").write_bytes(
@@ -673,7 +753,7 @@ class Command(unittest.TestCase):
             self.check(zrvcomn("message", "17040898", "f", "--language", name), 0,
                        "f: gemeinsame Bibliothek: Konfiguration: Der Speicher ist erschöpft.\n")
         result = zrvcomn("message", "17040898", "--language", "klingon")
-        self.check(result, 1, "", "zrvcomn message: no language is known as 'klingon'\n")
+        self.check_usage(result, "there is no language 'klingon'")
 
     def test_message_json(self):
         result = zrvcomn("message", "17040899", "f", "a.cfg", "--language", "ja", "--json")
@@ -812,8 +892,7 @@ class Command(unittest.TestCase):
         self.assertEqual(len(shown["types"]), 256)
 
     def test_charset_failures(self):
-        self.check(zrvcomn("charset", "show", "no\x1bne"), 1, "",
-                   "zrvcomn charset: no character set is known as 'no\\x1bne'\n")
+        self.check_usage(zrvcomn("charset", "show", "no\x1bne"), "there is no character set 'no\\x1bne'")
         self.check(zrvcomn("charset", "show", "utf16"), 1, "",
                    "zrvcomn charset: utf16: COM_LOCFILE_ERROR, " + "the file cannot be opened\n")
         (self.scratch / "config").mkdir()
@@ -880,19 +959,27 @@ class Command(unittest.TestCase):
     def test_sort_csv(self):
         path = self.scratch / "data.csv"
         path.write_text('n,name\n1,pear\n2,"an\n apple"\n3,Fig\n4\n5,"a, b"\n')
-        result = self.sort([], "--csv", path, "--key", "name", "--order=nocase")
+        result = self.sort([], "--csv", path, "--column", "name", "--order=nocase")
         self.check(result, 1, 'n,name\n5,"a, b"\n2,"an\n apple"\n3,Fig\n1,pear\n',
                    f"zrvcomn sort: {path}:6: the record has 1 of 2 fields, and no 'name'\n")
         path.write_text("n\nb\na")
-        self.check(self.sort([], "--csv", path, "--key=n", "-r"), 0, "n\nb\na\n")
+        self.check(self.sort([], "--csv", path, "--column=n", "-r"), 0, "n\nb\na\n")
+        path.write_text("n;m\nb;1\na;2\n")
+        self.check(self.sort([], "--csv", path, "--column=n", "--delimiter=;"), 0, "n;m\na;2\nb;1\n")
+        path.write_text("n\tm\nb\t1\na\t2\n")
+        self.check(self.sort([], "--csv", path, "--column=m", "-r", "--delimiter=\\t"), 0,
+                   "n\tm\na\t2\nb\t1\n")
 
     def test_sort_usage(self):
         self.check_usage(self.sort([], "--charset", "iso_11"), "no character set 'iso_11'", "did you mean")
         self.check_usage(self.sort([], "--order", "nocas"), "has no sort order 'nocas'", "did you mean 'nocase'")
-        self.check_usage(self.sort([], "--csv", "x"), "--csv and --key go together")
-        self.check_usage(self.sort([], "--key", "x"), "--csv and --key go together")
+        self.check_usage(self.sort([], "--csv", "x"), "--csv requires --column")
+        self.check_usage(self.sort([], "--column", "x"), "--column requires --csv")
+        self.check_usage(self.sort([], "--delimiter", ";"), "--delimiter requires --csv")
+        self.check_usage(self.sort([], "--csv", "x", "--column", "y", "--delimiter", "ab"), "one byte")
         self.check_usage(self.sort([], "--check", "x", "-r"), "--check stands alone")
-        self.check_usage(self.sort([], "--check", "/nowhere"), "cannot open '/nowhere'")
+        self.check(self.sort([], "--check", "/nowhere"), 1, "",
+                   "zrvcomn sort: cannot open '/nowhere': No such file or directory\n")
         (self.scratch / "charsets/set").mkdir(parents=True)
         (self.scratch / "charsets/set/bad.srt").write_text("[sortorder]\n")
         result = zrvcomn("sort", "--charset=set", "--order=bad", ZARVEK=str(self.scratch))
@@ -1229,9 +1316,7 @@ class Command(unittest.TestCase):
         for locale, day in (("de_DE.UTF-8", "Freitag"), ("en_US.UTF-8", "Friday"), ("ja_JP.UTF-8", "金曜日")):
             self.check(zrvcomn("date", "part", "--part", "weekday", "--names", "--locale", locale,
                                "2001-01-05"), 0, f"{day}\n")
-        result = zrvcomn(*date, "nowhere", "2001-01-05")
-        self.assertEqual((result.code, result.out), (1, ""))
-        self.assertIn("cannot load the locale 'nowhere'", result.err)
+        self.check_usage(zrvcomn(*date, "nowhere", "2001-01-05"), "there is no locale 'nowhere'")
 
     # ---- locale and check ----
 
@@ -1239,11 +1324,11 @@ class Command(unittest.TestCase):
         lines = zrvcomn("locale", "list").out.splitlines()
         self.assertEqual(lines[0].split(), ["name", "language", "charset", "sort_order", "date", "number",
                                             "money"])
-        self.assertEqual(lines[1].split(), ["default", "us_english", "utf8", "binary"])
+        self.assertEqual(lines[1].split(), ["default", "us_english", "utf8", "binary", "-", "-", "-"])
         rows = [json.loads(line) for line in zrvcomn("locale", "list", "--json").out.splitlines()]
         self.assertEqual(len(rows), len(lines) - 1)
         self.assertIn({"name": "fr_CA", "language": "french", "charset": "iso_1", "sort_order": "dictionary",
-                       "number": "fr_CA", "money": "fr_CA"}, rows)
+                       "date": None, "number": "fr_CA", "money": "fr_CA"}, rows)
 
     def test_locale_show(self):
         result = zrvcomn("locale", "show", "de_DE.UTF-8")
@@ -1263,7 +1348,11 @@ class Command(unittest.TestCase):
     def test_locale_failures(self):
         self.check_usage(zrvcomn("locale", "list", "de_DE"), "list takes no name")
         self.check_usage(zrvcomn("locale", "find"), "there is no action 'find'")
-        self.assertEqual(zrvcomn("locale", "show", "nowhere").code, 1)
+        self.check_usage(zrvcomn("locale", "show", "de_De.UTF-8"), "did you mean 'de_DE.UTF-8'",
+                         "zrvcomn locale list")
+        result = zrvcomn("locale", "show", LC_TIME="nowhere")  # what the environment says is no usage
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertIn("cannot load the locale 'nowhere'", result.err)
         result = zrvcomn("locale", "show", "C", ZARVEK=str(self.scratch))
         self.assertEqual(result.code, 1)
         self.assertIn(f"cannot load {self.scratch}/config/objectid.dat", result.err)
@@ -1335,7 +1424,7 @@ class Command(unittest.TestCase):
     # A type by its code; a length that nothing fits in; what the default of a numeric is.
     def test_types_by_code_and_shape(self):
         self.check(convert("8", "6", "--plain", "5"), 0, "5\t5\t1\tCS_SUCCEED\n")
-        self.check_usage(convert("40", "6", "1"), "unknown type '40'")
+        self.check_usage(convert("40", "6", "1"), "there is no type '40'")
         self.assertIn("'1234567890123456789' does not fit numeric(18,0), the default; say "
                       "--from numeric(p,s): CS_CONV_",
                       convert("numeric", "char", "1234567890123456789").err)
@@ -1674,7 +1763,6 @@ class Command(unittest.TestCase):
                 (("decrypt", "--key", key), b"short", "no initialisation vector"),
                 (("decrypt", "--key", key, "--iv", key), cipher, "32 hexadecimal digits"),
                 (("encrypt", "--key", bad), b"", "64 hexadecimal digits"),
-                (("encrypt", "--key", self.scratch / "none"), b"", "No such file"),
                 (("encrypt", "--key", "-"), b"", "standard input ended before the key")):
             with self.subTest(message):
                 result = zrvcomn("key", *words, stdin=stdin)
@@ -1682,6 +1770,10 @@ class Command(unittest.TestCase):
                 self.assertRegex(result.err, r"\Azrvcomn key: [^\n]+\n\Z")
                 self.assertIn(message, result.err)
                 self.assertNotIn(self.aes_key[:16], result.err)
+
+    def test_key_file_that_is_not_there(self):
+        self.check_usage(zrvcomn("key", "encrypt", "--key", str(self.scratch / "none")),
+                         f"cannot open '{self.scratch}/none': No such file or directory")
 
     def test_key_without_a_provider_for_fips(self):
         if subprocess.run(["openssl", "list", "-providers", "-provider", "fips"],
@@ -1734,7 +1826,7 @@ class Command(unittest.TestCase):
         return zrvcomn("store", *words, "--directory", self.store_directory, stdin=stdin)
 
     def test_store_keeps_values(self):
-        for value, words in ((b"secret", ()), (b"", ()), ("\u00e4\u20ac".encode(), ("--plain",)),
+        for value, words in ((b"secret", ()), (b"", ()), ("\u00e4\u20ac".encode(), ("--unencrypted",)),
                              (b"two\nlines", ())):
             for end in (b"\n", b"\r\n", b""):
                 if not end and value.endswith(b"\n"):
@@ -1794,7 +1886,7 @@ class Command(unittest.TestCase):
         self.check_usage(zrvcomn("store", "put"), "the key of a record is needed")
         self.check_usage(zrvcomn("store", "put", "a", "secret"), "never from the arguments")
         self.check_usage(zrvcomn("store", "rekey", "0f" * 32), "never from the arguments")
-        self.check_usage(zrvcomn("store", "get", "a", "--plain"), "--plain goes with put")
+        self.check_usage(zrvcomn("store", "get", "a", "--unencrypted"), "--unencrypted goes with put")
         self.check_usage(zrvcomn("store", "put", "a", "--json"), "--json goes with list")
         self.check_usage(zrvcomn("store", "list", "--directory", "/" + "d" * 4000), "too long")
 

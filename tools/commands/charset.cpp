@@ -10,6 +10,7 @@
 #include "arguments.h"
 #include "charset_matrix.h"
 #include "identifiers.h"
+#include "listing.h"
 #include "output.h"
 #include "subcommand.h"
 #include "visible.h"
@@ -48,7 +49,7 @@ private:
 
 struct Options {
   std::string action, what;
-  bool json = false;
+  Listing listing;
 };
 
 std::string names_behind(const CS_STRING_LIST *name) {
@@ -66,9 +67,9 @@ std::string padded(std::string text, size_t width) {
 }
 
 // Every identifier of a set that has a file. A file that is there and cannot be loaded is reported.
-int list(Charsets &charsets, bool json, Writer &out) {
+int list(Charsets &charsets, const Listing &listing, Writer &out) {
   int code = exit_success;
-  if (!json)
+  if (!listing.is_for_programs())
     out.text += "set          id  class  bytes  other names\n";
   for (const CsOID *oid = charsets.known().first(COM_OID_CHARSET); oid != nullptr;
        oid = oid->oidnext) {
@@ -85,7 +86,7 @@ int list(Charsets &charsets, bool json, Writer &out) {
       }
       continue;
     }
-    if (json) {
+    if (listing.is_for_programs()) {
       nlohmann::ordered_json object;
       object["name"] = name_of(*oid->oidlnames);
       object["id"] = set->cs_id;
@@ -94,7 +95,7 @@ int list(Charsets &charsets, bool json, Writer &out) {
       object["names"] = nlohmann::json::array();
       for (const CS_STRING_LIST *each = oid->oidlnames; each != nullptr; each = each->next)
         object["names"].push_back(name_of(*each));
-      out.text += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+      listing.add(out.text, object);
     } else {
       const std::string id = std::to_string(set->cs_id);
       std::string line = padded(name, 11) + std::string(4 - std::min<size_t>(id.size(), 4), ' ') +
@@ -204,20 +205,17 @@ void show_json(CHAR_ATTRIB *set, const CsOID &oid, Writer &out) {
 }
 
 int show(Charsets &charsets, const Options &options, Writer &out) {
-  std::string what;
-  append_visible(what, options.what);
   CsOID *const oid = charsets.find(options.what);
-  if (oid == nullptr) {
-    std::cerr << "zrvcomn charset: no character set is known as '" << what << "'\n";
-    return exit_failure;
-  }
+  if (oid == nullptr)
+    throw UsageError("there is no character set " + in_quotes(options.what));
   CS_RETCODE status;
   CHAR_ATTRIB *const set = charsets.load(oid, status);
   if (set == nullptr) {
-    std::cerr << "zrvcomn charset: " << what << ": " << charsets.failure(status) << '\n';
+    std::cerr << "zrvcomn charset: " << name_of(*oid->oidlnames) << ": " << charsets.failure(status)
+              << '\n';
     return exit_failure;
   }
-  if (options.json) {
+  if (options.listing.json) {
     show_json(set, *oid, out);
     return exit_success;
   }
@@ -232,8 +230,8 @@ int show(Charsets &charsets, const Options &options, Writer &out) {
 int run(const Options &options) {
   Charsets charsets;
   Writer out(STDOUT_FILENO);
-  const int code =
-      options.action == "list" ? list(charsets, options.json, out) : show(charsets, options, out);
+  const int code = options.action == "list" ? list(charsets, options.listing, out)
+                                            : show(charsets, options, out);
   out.flush();
   return code;
 }
@@ -245,7 +243,7 @@ Subcommand::Run add(CLI::App &app) {
       ->required();
   app.add_option("set", options->what, "show, matrix: a character set, by any of its names")
       ->type_name("SET");
-  app.add_flag("--json", options->json, "Print one JSON object for each set");
+  add_listing(app, options->listing, "set, with matrix for each pair");
   app.footer(
       "list: the character sets of the installation. show: one of them, as a picture of what\n"
       "each byte is. matrix: what converts each set into each other.\n"
@@ -254,7 +252,7 @@ Subcommand::Run add(CLI::App &app) {
       "  zrvcomn charset show latin1\n"
       "  zrvcomn charset show --json sjis\n"
       "  zrvcomn charset matrix cp850\n"
-      "\nExit codes: 0 shown, 1 not known or not loaded, 2 wrong usage.");
+      "\nExit codes: 0 shown, 1 not loaded, 2 wrong usage.");
   return [options](const std::vector<std::string> &more) -> int {
     if (!more.empty()) {
       if (more.size() > 1 || !options->what.empty())
@@ -263,11 +261,13 @@ Subcommand::Run add(CLI::App &app) {
     }
     if (options->action == "show" && options->what.empty())
       throw UsageError("show needs a set");
+    if (options->action == "show" && options->listing.plain)
+      throw UsageError("--plain is for list and matrix");
     if (options->action == "list" && !options->what.empty())
       throw UsageError("list takes no set");
     if (options->action == "matrix") {
       Writer out(STDOUT_FILENO);
-      append_charset_matrix(out.text, options->what, options->json);
+      append_charset_matrix(out.text, options->what, options->listing);
       out.flush();
       return exit_success;
     }

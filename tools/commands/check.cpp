@@ -87,25 +87,7 @@ public:
   }
 
   void locales() {
-    CS_CONTEXT context{};
-    INTL_LOCFILE table;
-    CS_CHAR name[] = "locales.dat", path[1025] = "";
-    CS_RETCODE status =
-        com__open_locfile(&context, nullptr, nullptr, name, &table, path, sizeof path);
-    if (status != CS_SUCCEED) {
-      file = path;
-      report(status);
-      return;
-    }
-    int reader = 0;
-    std::vector<std::string> names;
-    while (const char *const section = intl_nextsection(&table, &reader))
-      if (section == std::string_view("linux"))
-        while (intl_nextentry(&table, &reader) != nullptr)
-          if (const char *const value = intl_nextvalue(&table, &reader))
-            names.emplace_back(value);
-    intl_close(&table);
-    for (const std::string &locale : names) {
+    for (const std::string &locale : locale_names()) {
       ++checked;
       std::string why_not;
       if (started.load(locale, why_not) == nullptr)

@@ -135,7 +135,8 @@ Subcommand::Run add(CLI::App &app) {
   app.footer("The installed command has these scripts where the shells look for them.\n"
              "\nExamples:\n"
              "  eval \"$(zrvcomn completion bash)\"\n"
-             "  zrvcomn completion zsh >_zrvcomn");
+             "  zrvcomn completion zsh >_zrvcomn\n"
+             "\nExit codes: 0 printed, 2 wrong usage.");
   return [shell, &app](const std::vector<std::string> &) {
     const CLI::App &program = *app.get_parent();
     Writer out(STDOUT_FILENO);

@@ -17,6 +17,7 @@
 
 #include "arguments.h"
 #include "config_file.h"
+#include "listing.h"
 #include "output.h"
 #include "status_names.h"
 #include "subcommand.h"
@@ -167,7 +168,7 @@ void print_table(std::string &out, const std::vector<Found> &all) {
            "  " + found.rule + "\n";
 }
 
-void print_json(std::string &out, const std::vector<Found> &all) {
+void print_lines(std::string &out, const std::vector<Found> &all, const Listing &listing) {
   for (const Found &found : all) {
     nlohmann::ordered_json object;
     object["name"] = found.place->name;
@@ -177,11 +178,11 @@ void print_json(std::string &out, const std::vector<Found> &all) {
       object["path"] = found.path;
     object["is"] = found.state;
     object["decided_by"] = found.rule;
-    out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    listing.add(out, object);
   }
 }
 
-int show_paths(bool json) {
+int show_paths(const Listing &listing) {
   std::vector<Found> all;
   bool failed = false;
   for (const Place &place : places) {
@@ -189,8 +190,8 @@ int show_paths(bool json) {
     failed |= all.back().failed;
   }
   Writer out(STDOUT_FILENO);
-  if (json)
-    print_json(out.text, all);
+  if (listing.is_for_programs())
+    print_lines(out.text, all, listing);
   else
     print_table(out.text, all);
   out.flush();
@@ -348,16 +349,19 @@ int check(const std::string &path, bool json) {
 struct Options {
   std::string action;
   std::vector<std::string> words;
-  bool json = false;
+  Listing listing;
 };
 
 int run(const Options &options) {
-  const auto &[action, words, json] = options;
+  const auto &[action, words, listing] = options;
+  const bool json = listing.json;
   const auto refuse = [&](const std::string &what) -> int {
     throw UsageError(action + " takes " + what);
   };
   if (action == "paths")
-    return words.empty() ? show_paths(json) : refuse("no words");
+    return words.empty() ? show_paths(listing) : refuse("no words");
+  if (listing.plain)
+    throw UsageError("--plain is for paths");
   if (action == "check")
     return words.size() == 1 ? check(words[0], json) : refuse("one file");
   if (action == "get") {
@@ -387,7 +391,7 @@ Subcommand::Run add(CLI::App &app) {
   app.add_option("words", options->words,
                  "check: FILE; get: [FILE] SECTION ENTRY; list: [FILE] [SECTION]")
       ->type_name("WORD");
-  app.add_flag("--json", options->json, "Print JSON Lines");
+  add_listing(app, options->listing, "line");
   app.footer(
       "check: what is wrong with a configuration file, each fault with its line and place.\n"
       "get: all values of an entry, each on a line, included sections after the section itself.\n"

@@ -9,7 +9,9 @@
 
 #include "arguments.h"
 #include "converter.h"
+#include "csv_options.h"
 #include "input.h"
+#include "listing.h"
 #include "output.h"
 #include "status_names.h"
 #include "subcommand.h"
@@ -23,10 +25,11 @@ using namespace zrvtool;
 struct Options {
   std::string from, to, format, csv, column;
   int maxlength = 0;
-  bool has_maxlength = false, hex = false, json = false, plain = false, total = false;
+  bool has_maxlength = false, hex = false, total = false;
   std::string delimiter = ",", locale = "default", charset;
   std::vector<std::string> words;
   Values values;
+  Listing listing;
 };
 
 struct FormatBit {
@@ -187,9 +190,9 @@ int run(const Options &options) {
 
   Writer out(STDOUT_FILENO);
   Rows rows(out,
-            options.json    ? RowStyle::json
-            : options.plain ? RowStyle::plain
-                            : RowStyle::table,
+            options.listing.json    ? RowStyle::json
+            : options.listing.plain ? RowStyle::plain
+                                    : RowStyle::table,
             options.hex);
   const auto show_so_far = [&] {
     rows.settle();
@@ -276,28 +279,15 @@ Subcommand::Run add(CLI::App &app) {
   constexpr CS_INT longest = 16 * 1024 * 1024;
   CLI::Option *const maxlength = add_number(app, "--maxlength", options->maxlength, 0, longest,
                                             "BYTES", "Capacity of the result in bytes");
-  CLI::Option *const csv = app.add_option("--csv", options->csv,
-                                          "Take the values from a CSV file, '-' for standard input")
-                               ->type_name("FILE");
-  CLI::Option *const column =
-      app.add_option("--column", options->column, "Column of the CSV file, by its name")
-          ->type_name("NAME");
-  CLI::Option *const delimiter =
-      app.add_option("--delimiter", options->delimiter,
-                     "What stands between the fields of the CSV file (,)")
-          ->type_name("CHARACTER");
-  delimiter->needs(csv);
+  const CLI::Option *const csv = add_csv(app, options->csv, options->column, options->delimiter,
+                                         "Take the values from a CSV file, '-' for standard input")
+                                     .file;
   app.add_flag("--hex", options->hex, "Show the bytes of each result in hexadecimal");
-  CLI::Option *const json =
-      app.add_flag("--json", options->json, "Print one JSON object for each value");
-  app.add_flag("--plain", options->plain, "Print columns with tabs between, without a header")
-      ->excludes(json);
+  CLI::Option *const json = add_listing(app, options->listing, "value").json;
   app.add_flag("--total", options->total,
                "Print the sum of the results, which must be numerics, in place of them")
       ->excludes(json);
   app.add_option("values", options->words, "Values, or '-' for the lines of standard input");
-  csv->needs(column);
-  column->needs(csv);
   app.footer(
       "Values that begin with '-' stand behind '--'. A failed value is reported on standard error\n"
       "with its line and status; the others are converted.\n"
@@ -322,12 +312,7 @@ Subcommand::Run add(CLI::App &app) {
     }
     if (!options->words.empty() || !more_values.empty())
       throw UsageError("--csv excludes values");
-    if (options->csv.empty())
-      throw UsageError("--csv names no file");
-    if (options->delimiter == "\\t")
-      options->delimiter = "\t";
-    if (options->delimiter.size() != 1 || options->delimiter.find_first_of("\"\r\n") == 0)
-      throw UsageError("--delimiter is one byte, and neither a quote nor the end of a line");
+    check_csv(options->csv, options->delimiter);
     return run(*options);
   };
 }

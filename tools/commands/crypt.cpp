@@ -94,10 +94,14 @@ struct Options {
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("form", options->form, "hex: the hexadecimal form of an enciphered text")
-      ->required()
-      ->type_name("FORM");
-  app.add_option("action", options->action, "encode or decode")->required()->type_name("ACTION");
+  offer(app.add_option("form", options->form, "hex: the hexadecimal form of an enciphered text")
+            ->required()
+            ->type_name("FORM"),
+        {"hex"});
+  offer(app.add_option("action", options->action, "encode or decode")
+            ->required()
+            ->type_name("ACTION"),
+        {"encode", "decode"});
   app.add_option("rest", options->rest)->group(""); // taken, so that it is not repeated
   app.footer(
       "The first line of standard input is the salt, 8 characters or 0x and 16 hexadecimal\n"
@@ -106,7 +110,8 @@ Subcommand::Run add(CLI::App &app) {
       "\nThis cipher serves peers that are deployed; it is not protection by today's standards.\n"
       "\nExamples:\n"
       "  zrvcomn crypt hex encode\n"
-      "  zrvcomn crypt hex decode <file-with-salt-and-form");
+      "  zrvcomn crypt hex decode <file-with-salt-and-form\n"
+      "\nExit codes: 0 done, 1 no such salt, text or form, 2 wrong usage.");
   return [options](const std::vector<std::string> &more) {
     options->form = lower_case(options->form);
     options->action = lower_case(options->action);

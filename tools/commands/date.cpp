@@ -12,6 +12,7 @@
 #include "arguments.h"
 #include "date_parse.h"
 #include "input.h"
+#include "listing.h"
 #include "output.h"
 #include "started.h"
 #include "status_names.h"
@@ -30,7 +31,8 @@ constexpr CS_BYTE bigdatetime_number = 187; // the protocol's number of CS_BIGDA
 struct Options {
   std::string action, part, from, locale, to = "datetime", order = "mdy";
   CS_INT style = iso_style, count = 0, firstday = 7;
-  bool parse = false, all_styles = false, names = false, json = false, plain = false;
+  bool parse = false, all_styles = false, names = false;
+  Listing listing;
   std::vector<std::string> words;
   Values values;
 };
@@ -127,7 +129,7 @@ public:
               : com_intl_days(
                     context,
                     nullptr)[com_intl_convt_firstday(7, day, com_intl_firstday(context, nullptr))];
-    is_utf8 = options.json;
+    is_utf8 = options.listing.json;
   }
 
   std::string in_charset(const std::string &text) const {
@@ -227,9 +229,9 @@ int run(const Options &options) {
   const Work work = make_work(options, names);
   Writer out(STDOUT_FILENO);
   Rows rows(out,
-            options.json    ? RowStyle::json
-            : options.plain ? RowStyle::plain
-                            : RowStyle::lines,
+            options.listing.json    ? RowStyle::json
+            : options.listing.plain ? RowStyle::plain
+                                    : RowStyle::lines,
             false);
   const bool is_number = options.action == "diff" || (options.action == "part" && !options.names);
   const auto input = values_input(options.values, [&] { out.flush(); });
@@ -239,7 +241,7 @@ int run(const Options &options) {
     Result result{date.status, ""};
     if (date.status == CS_SUCCEED) {
       if (options.all_styles) {
-        print_all_styles(out, value, date.value, options.json, names);
+        print_all_styles(out, value, date.value, options.listing.json, names);
         continue;
       }
       result = work(date.value);
@@ -326,12 +328,7 @@ Subcommand::Run add(CLI::App &app) {
                      "The locale whose names of months and days, and whose character set, are used")
           ->type_name("NAME");
   CLI::Option *const names = app.add_flag("--names", options->names, "part: the name of the part");
-  CLI::Option *const json =
-      app.add_flag("--json", options->json, "Print one JSON object for each result");
-  CLI::Option *const plain =
-      app.add_flag("--plain", options->plain,
-                   "Print value, result, length and status with tabs between")
-          ->excludes(json);
+  CLI::Option *const plain = add_listing(app, options->listing, "result").plain;
   const std::vector<Use> uses = {
       {to, {"--parse"}, {}},
       {order, {"--parse"}, {}},
@@ -367,13 +364,13 @@ Subcommand::Run add(CLI::App &app) {
       check_uses(uses, "--parse");
       if (style->count() == 0)
         options->style = 0;
-      return parse_dates(
-          {Values(words, more_values), options->to, options->order, options->style, options->json});
+      return parse_dates({Values(words, more_values), options->to, options->order, options->style,
+                          options->listing.json});
     }
     options->action = choose("action", options->action, actions);
     options->values = Values(words, more_values);
     check_uses(uses, options->action);
-    if (options->all_styles && (style->count() > 0 || options->plain))
+    if (options->all_styles && (style->count() > 0 || options->listing.plain))
       throw UsageError("--all-styles excludes --style and --plain");
     if (!show(0, options->style, com__get_shortmonths()))
       throw UsageError("there is no style " + std::to_string(options->style));

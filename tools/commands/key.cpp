@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "input.h"
 #include "output.h"
 #include "secret.h"
@@ -113,7 +114,7 @@ void read_bytes(const std::string &file, const std::string &what, size_t size, S
   } else {
     const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
-      throw StreamError("cannot open " + file + ": " + std::strerror(errno));
+      throw UsageError("cannot open " + in_quotes(file) + ": " + std::strerror(errno));
     try {
       read_line(line, what, descriptor, file);
     } catch (...) {
@@ -336,20 +337,24 @@ void check(const Options &options, bool is_key_given, bool is_bits_given) {
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("action", options->action, "create, encrypt, decrypt or pair")
-      ->required()
-      ->type_name("ACTION");
+  CLI::Option *const action =
+      app.add_option("action", options->action, "create, encrypt, decrypt or pair")
+          ->required()
+          ->type_name("ACTION");
+  offer(action, {"create", "encrypt", "decrypt", "pair"});
   app.add_option("rest", options->rest)->group(""); // taken, so that it is not repeated
   CLI::Option *const key =
-      app.add_option("--key", options->key_file, "the file of the key; - is standard input")
+      app.add_option("--key", options->key_file,
+                     "encrypt, decrypt: the file of the key, '-' for standard input")
           ->type_name("FILE");
-  app.add_option("--iv", options->iv_file, "the file of the initialisation vector, likewise")
+  app.add_option("--iv", options->iv_file,
+                 "encrypt, decrypt: the file of the initialisation vector, likewise")
       ->type_name("FILE");
-  app.add_option("--out", options->out_file, "a new file for the key, for its owner alone")
+  app.add_option("--out", options->out_file, "create: a new file for the key, for its owner alone")
       ->type_name("FILE");
   CLI::Option *const bits =
-      app.add_option("--bits", options->bits, "the length of the pair; 3072 without it")
-          ->type_name("N");
+      app.add_option("--bits", options->bits, "pair: its length in bits (3072)")
+          ->type_name("NUMBER");
   app.footer(
       "create makes a key of AES-256: 64 hexadecimal digits. encrypt and decrypt run all of\n"
       "standard input through AES-256 in CBC mode; without --iv each text gets a fresh\n"
@@ -362,7 +367,8 @@ Subcommand::Run add(CLI::App &app) {
       "  zrvcomn key create --out my.key\n"
       "  zrvcomn key encrypt --key my.key <text >text.enc\n"
       "  zrvcomn key decrypt --key my.key <text.enc\n"
-      "  zrvcomn key pair --bits 2048");
+      "  zrvcomn key pair --bits 2048\n"
+      "\nExit codes: 0 done, 1 a text or line that was refused, no provider, 2 wrong usage.");
   return [options, key, bits](const std::vector<std::string> &more) {
     if (!more.empty())
       throw UsageError(

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "arguments.h"
+#include "listing.h"
 #include "output.h"
 #include "started.h"
 #include "subcommand.h"
@@ -19,7 +20,7 @@ using namespace zrvtool;
 
 struct Options {
   std::string action, name;
-  bool json = false;
+  Listing listing;
 };
 
 constexpr const char *categories[] = {"collate", "ctype", "message", "monetary", "numeric", "time"};
@@ -40,6 +41,22 @@ void append_cells(std::string &out, const std::vector<std::string> &cells,
   out += '\n';
 }
 
+// A locale does not name everything.
+std::string or_dash(const CS_CHAR *name) {
+  return name != nullptr && *name != '\0' ? name : "-";
+}
+
+nlohmann::ordered_json fields_of(const std::string *cells) {
+  nlohmann::ordered_json object;
+  for (const char *const column : columns) {
+    object[column] = nullptr;
+    if (*cells != "-")
+      object[column] = *cells;
+    ++cells;
+  }
+  return object;
+}
+
 int list(const Options &options) {
   CS_CONTEXT context{};
   INTL_LOCFILE file;
@@ -53,18 +70,15 @@ int list(const Options &options) {
          section != std::string_view("linux")) {
   }
   const std::vector<size_t> widths = {24, 20, 10, 20, 6, 6, 6};
-  if (!options.json)
+  if (!options.listing.is_for_programs())
     append_cells(out.text, {std::begin(columns), std::end(columns)}, widths);
   while (section != nullptr && intl_nextentry(&file, &status) != nullptr) {
     std::vector<std::string> cells;
-    nlohmann::ordered_json object;
-    while (const char *const value = intl_nextvalue(&file, &status)) {
-      if (cells.size() < std::size(columns) && *value != '\0')
-        object[columns[cells.size()]] = value;
-      cells.emplace_back(value);
-    }
-    if (options.json)
-      out.text += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    while (const char *const value = intl_nextvalue(&file, &status))
+      cells.emplace_back(or_dash(value));
+    cells.resize(std::size(columns), "-");
+    if (options.listing.is_for_programs())
+      options.listing.add(out.text, fields_of(cells.data()));
     else
       append_cells(out.text, cells, widths);
     out.settle();
@@ -82,10 +96,6 @@ std::string text_of(CS_LOCALE *locale, CS_INT category, CS_INT type) {
   return com_intl_getstr(locale, category, type, buffer, sizeof buffer, &length) == CS_SUCCEED
              ? std::string(buffer, static_cast<size_t>(length))
              : "";
-}
-
-std::string or_dash(const CS_CHAR *name) {
-  return name != nullptr ? name : "-";
 }
 
 const CsLocCache *cache_of(const CS_LOCALE *locale, size_t category) {
@@ -127,7 +137,7 @@ int show(const Options &options) {
   Writer out(STDOUT_FILENO);
   nlohmann::ordered_json object;
   const std::vector<size_t> widths = {10, 24, 20, 10, 20, 6, 6, 6};
-  if (!options.json) {
+  if (!options.listing.is_for_programs()) {
     std::vector<std::string> head = {"category"};
     head.insert(head.end(), std::begin(columns), std::end(columns));
     append_cells(out.text, head, widths);
@@ -143,24 +153,27 @@ int show(const Options &options) {
                                             or_dash(cache->datename),
                                             or_dash(cache->numname),
                                             or_dash(cache->monname)};
-    if (!options.json)
+    if (!options.listing.is_for_programs())
       append_cells(out.text, cells, widths);
     else
-      for (size_t column = 0; column < std::size(columns); ++column)
-        object[categories[i]][columns[column]] = cells[column + 1];
+      object[categories[i]] = fields_of(&cells[1]);
   }
   const std::string date = sample_date(started);
   const std::string order = com_intl_dateorder(started.get(), nullptr);
   const CS_INT first_day = com_intl_firstday(started.get(), nullptr);
   const bool is_12_hour = com_intl_is12hour(started.get(), nullptr) != 0;
   const CS_INT style = comn_intl_get_dtfmt(started.get(), nullptr);
-  if (options.json) {
+  if (options.listing.is_for_programs()) {
     object["date_order"] = order;
     object["first_day"] = first_day;
     object["is_12_hour"] = is_12_hour;
     object["style"] = style;
     object["date"] = date;
-    out.text += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    if (options.listing.json)
+      options.listing.add(out.text, object);
+    else
+      for (const auto &[name, value] : object.items()) // a line for each field
+        options.listing.add(out.text, {{"name", name}, {"value", value}});
   } else {
     out.text += "\ndate order  " + order + ", style " + std::to_string(style) + "\nfirst day   " +
                 std::to_string(first_day) + "\nclock       " + (is_12_hour ? "12" : "24") +
@@ -177,7 +190,7 @@ Subcommand::Run add(CLI::App &app) {
       ->required();
   app.add_option("name", options->name, "show: the locale; without one, those of the environment")
       ->type_name("NAME");
-  app.add_flag("--json", options->json, "Print JSON");
+  add_listing(app, options->listing, "locale");
   app.footer("Texts of show come in the locale's own character set, those of JSON in UTF-8.\n"
              "\nExamples:\n"
              "  zrvcomn locale list\n"

@@ -137,7 +137,8 @@ Subcommand::Run add(CLI::App &app) {
   app.footer("The installed command has this page where man looks for it.\n"
              "\nExamples:\n"
              "  zrvcomn manual >zrvcomn.1\n"
-             "  zrvcomn manual | man -l -");
+             "  zrvcomn manual | man -l -\n"
+             "\nExit codes: 0 printed, 2 wrong usage.");
   return [&app](const std::vector<std::string> &) {
     Writer out(STDOUT_FILENO);
     out.text = page(*app.get_parent());

@@ -127,10 +127,7 @@ int run(const Options &options, CS_MSGNUM number) {
   Identifiers identifiers;
   CsOID *const oid = identifiers.find(COM_OID_NATLANG, options.language);
   if (oid == nullptr) {
-    std::string wanted;
-    append_visible(wanted, options.language);
-    std::cerr << "zrvcomn message: no language is known as '" << wanted << "'\n";
-    return exit_failure;
+    throw UsageError("there is no language " + in_quotes(options.language));
   }
   Language language(identifiers, oid);
   if (!language.has_text(number)) {
@@ -167,7 +164,8 @@ Subcommand::Run add(CLI::App &app) {
       ->type_name("NUMBER");
   app.add_option("parameters", options->parameters, "What begins the line, then what goes into it")
       ->type_name("PARAMETER");
-  app.add_option("--language", options->language, "Any name of the language")->type_name("NAME");
+  app.add_option("--language", options->language, "Any name of the language (us_english)")
+      ->type_name("NAME");
   app.add_flag("--json", options->json, "Print one JSON object, with the number taken apart");
   app.footer("Prints the line that an application's error callback gets: function, layer, origin\n"
              "and text. Languages: zrvcomn oid list natlang.\n"
@@ -175,7 +173,7 @@ Subcommand::Run add(CLI::App &app) {
              "  zrvcomn message 17040899 comn_init_cfg ncl.cfg\n"
              "  zrvcomn message 0x01040008 ncl.cfg 12 ']' --language de\n"
              "  zrvcomn message --json 17040906\n"
-             "\nExit codes: 0 printed, 1 no such language or text, 2 wrong usage.");
+             "\nExit codes: 0 printed, 1 no such text, 2 wrong usage.");
   return [options](const std::vector<std::string> &more) {
     std::vector<std::string> &parameters = options->parameters;
     parameters.insert(parameters.end(), more.begin(), more.end());

@@ -10,6 +10,7 @@
 
 #include "arguments.h"
 #include "identifiers.h"
+#include "listing.h"
 #include "output.h"
 #include "subcommand.h"
 #include "visible.h"
@@ -76,7 +77,7 @@ void print_records(std::string &out, const std::vector<Record> &records) {
            "\nencoding    " + encoding_of(*oid) + "\nnames       " + names_of(*oid) + "\n";
 }
 
-void print_json(std::string &out, const std::vector<Record> &records) {
+void print_lines(std::string &out, const std::vector<Record> &records, const Listing &listing) {
   for (const auto &[oidclass, oid] : records) {
     nlohmann::ordered_json object;
     object["class"] = class_names[static_cast<size_t>(oidclass)];
@@ -85,7 +86,7 @@ void print_json(std::string &out, const std::vector<Record> &records) {
     object["names"] = nlohmann::json::array();
     for (const CS_STRING_LIST *name = oid->oidlnames; name != nullptr; name = name->next)
       object["names"].push_back(name_of(*name));
-    out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    listing.add(out, object);
   }
 }
 
@@ -116,7 +117,7 @@ std::vector<Record> find(Identifiers &identifiers, const std::string &wanted) {
 
 struct Options {
   std::string action, what;
-  bool json = false;
+  Listing listing;
 };
 
 int run(const Options &options) {
@@ -131,8 +132,8 @@ int run(const Options &options) {
     return exit_failure;
   }
   Writer out(STDOUT_FILENO);
-  if (options.json)
-    print_json(out.text, records);
+  if (options.listing.is_for_programs())
+    print_lines(out.text, records, options.listing);
   else if (is_list)
     print_list(out.text, records);
   else
@@ -147,7 +148,7 @@ Subcommand::Run add(CLI::App &app) {
       ->required();
   app.add_option("what", options->what, "list: a class; find: a name or a dotted identifier")
       ->type_name("CLASS|NAME|DOTTED");
-  app.add_flag("--json", options->json, "Print one JSON object for each identifier");
+  add_listing(app, options->listing, "identifier");
   app.footer(
       "list: every identifier, or those of one class, with its names. find: the identifiers\n"
       "that have a name, or the dotted one, with the encoding in hexadecimal.\n"

@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "character_names.h"
 #include "charset_names.h"
 #include "output.h"
@@ -119,15 +120,13 @@ Subcommand::Run add(CLI::App &app) {
   app.add_option("--to", options->to, "The character set that is wanted")
       ->required()
       ->type_name("SET");
-  app.add_option("--on-loss", options->on_loss,
-                 "What becomes of a character without a counterpart, and of bytes that are no "
-                 "character: replaced and counted, also reported one by one, or the end")
-      ->check(CLI::IsMember({"substitute", "report", "stop"}))
-      ->capture_default_str();
-  app.add_option("--substitute", options->substitute, "What replaces them, in UTF-8")
-      ->type_name("TEXT")
-      ->capture_default_str();
-  app.add_option("FILE", options->file, "The text; standard input without it, and for -");
+  add_choice(app, "--on-loss", options->on_loss, "WAY", {"substitute", "report", "stop"},
+             "What becomes of a character without a counterpart, and of bytes that are no "
+             "character: replaced and counted, also reported one by one, or the end (substitute)");
+  app.add_option("--substitute", options->substitute, "What replaces them, in UTF-8 (?)")
+      ->type_name("TEXT");
+  app.add_option("file", options->file, "The text; without it, and for '-', standard input")
+      ->type_name("FILE");
   app.footer("Examples:\n"
              "  zrvcomn recode --from cp1252 --to utf8 letter.txt > letter.utf8\n"
              "  zrvcomn recode --from utf8 --to iso_1 --on-loss report < text > /dev/null\n"

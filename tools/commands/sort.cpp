@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "csv_options.h"
 #include "input.h"
 #include "output.h"
 #include "sort_order.h"
@@ -16,7 +17,7 @@ namespace {
 using namespace zrvtool;
 
 struct Options {
-  std::string charset = "iso_1", order = "dictionary", key, csv, check;
+  std::string charset = "iso_1", order = "dictionary", column, csv, check, delimiter = ",";
   bool reverse = false, unique = false;
 };
 
@@ -50,16 +51,16 @@ int sort(const Options &options) {
   Writer out(STDOUT_FILENO);
   bool is_whole = true;
   const bool is_csv = !options.csv.empty();
-  const std::unique_ptr<Input> input = is_csv ? csv_input(
-                                                    options.csv, options.key, ',',
-                                                    [&](uint64_t line, const std::string &fault) {
-                                                      std::cerr << "zrvcomn sort: " << options.csv
-                                                                << ":" << line << ": " << fault
-                                                                << "\n";
-                                                      is_whole = false;
-                                                    },
-                                                    nullptr)
-                                              : values_input(Values({"-"}, {}), nullptr);
+  const std::unique_ptr<Input> input =
+      is_csv ? csv_input(
+                   options.csv, options.column, options.delimiter[0],
+                   [&](uint64_t line, const std::string &fault) {
+                     std::cerr << "zrvcomn sort: " << options.csv << ":" << line << ": " << fault
+                               << "\n";
+                     is_whole = false;
+                   },
+                   nullptr)
+             : values_input(Values({"-"}, {}), nullptr);
   Store store;
   if (is_csv) // the names of the columns stay where they are
     write_line(out, input->record());
@@ -100,9 +101,8 @@ Subcommand::Run add(CLI::App &app) {
   CLI::Option *const order =
       app.add_option("--order", options->order, "Sort order of the set (dictionary)")
           ->type_name("ORDER");
-  app.add_option("--csv", options->csv, "Sort the records of a CSV file; - is standard input")
-      ->type_name("FILE");
-  app.add_option("--key", options->key, "The column by which they are sorted")->type_name("COLUMN");
+  const CsvOptions csv = add_csv(app, options->csv, options->column, options->delimiter,
+                                 "Sort the records of a CSV file, '-' for standard input");
   app.add_flag("-r,--reverse", options->reverse, "Highest first");
   app.add_flag("-u,--unique", options->unique, "The first alone of what is equal");
   app.add_option("--check", options->check,
@@ -113,13 +113,13 @@ Subcommand::Run add(CLI::App &app) {
       "order among equals, as upper case before lower; what is equal then stays as it came.\n"
       "\nExamples:\n"
       "  printf 'Zoo\\nzebra\\napple\\n' | zrvcomn sort --order nocase\n"
-      "  zrvcomn sort --charset ascii_8 --csv samples/countries.csv --key code -r\n"
+      "  zrvcomn sort --charset ascii_8 --csv samples/countries.csv --column code -r\n"
       "  zrvcomn sort --check home/charsets/iso_1/nocase.srt\n"
       "\nExit codes: 0 sorted or right, 1 input that is left out, a file that is wrong, 2\n"
       "wrong usage.");
   return [=](const std::vector<std::string> &) {
-    if (options->csv.empty() != options->key.empty())
-      throw UsageError("--csv and --key go together");
+    if (csv.file->count() > 0)
+      check_csv(options->csv, options->delimiter);
     if (options->check.empty())
       return sort(*options);
     if (!options->csv.empty() || options->reverse || options->unique || *charset || *order)

@@ -26,7 +26,7 @@ using namespace zrvtool;
 
 struct Options {
   std::string action, key, directory;
-  bool plain = false, binary = false, from_input = false, json = false;
+  bool unencrypted = false, binary = false, from_input = false, json = false;
   std::vector<std::string> rest;
 };
 
@@ -142,7 +142,7 @@ private:
 int put(const Store &store, const Options &options) {
   Block<RSecSSFsPutRecordAPI> block(store, "RSecSSFsPutRecord");
   block->in_pKey = options.key.c_str();
-  block->in_storePlaintext = options.plain;
+  block->in_storePlaintext = options.unencrypted;
   block->in_isBinary = options.binary;
   if (isatty(STDIN_FILENO)) {
     if (options.binary)
@@ -261,7 +261,7 @@ void check(const Action &action, const Options &options) {
     throw UsageError("a master key comes from standard input, never from the arguments");
   if (!options.rest.empty())
     throw UsageError("values come from standard input, never from the arguments");
-  only_with(options.plain, "--plain", "put");
+  only_with(options.unencrypted, "--unencrypted", "put");
   only_with(options.binary, "--binary", "put");
   only_with(options.json, "--json", "list");
   only_with(options.from_input, "--from-input", "rekey");
@@ -276,14 +276,13 @@ Subcommand::Run add(CLI::App &app) {
       ->type_name("KEY");
   app.add_option("rest", options->rest)->group(""); // taken, so that it is not repeated
   app.add_option("--directory", options->directory,
-                 "The directory of the store; by default zrvcomn/secstore in the user's state "
-                 "directory")
+                 "The directory of the store (zrvcomn/secstore in the user's state directory)")
       ->type_name("DIRECTORY");
-  app.add_flag("--plain", options->plain, "put: store the value unencrypted");
+  app.add_flag("--unencrypted", options->unencrypted, "put: leave the value legible in its file");
   app.add_flag("--binary", options->binary, "put: the value is all of standard input, any bytes");
   app.add_flag("--from-input", options->from_input,
                "rekey: read the new master key, 64 hexadecimal digits, from standard input");
-  app.add_flag("--json", options->json, "list: print JSON");
+  app.add_flag("--json", options->json, "list: Print one JSON object for each key");
   app.footer("put reads the value from standard input, without the end of its last line. On a\n"
              "terminal it asks for one line and does not show it. rekey makes a new master key\n"
              "and encrypts every record anew; it can be broken off and repeated.\n"
@@ -291,7 +290,8 @@ Subcommand::Run add(CLI::App &app) {
              "  zrvcomn store put app/password\n"
              "  zrvcomn store put --binary app/certificate <certificate.der\n"
              "  zrvcomn store get app/password\n"
-             "  zrvcomn store list app/");
+             "  zrvcomn store list app/\n"
+             "\nExit codes: 0 done, 1 no such record, or the store says why not, 2 wrong usage.");
   return [options](const std::vector<std::string> &more) {
     options->rest.insert(options->rest.end(), more.begin(), more.end());
     for (const Action &action : actions)

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "context.h"
+#include "listing.h"
 #include "output.h"
 #include "subcommand.h"
 #include "type_names.h"
@@ -18,7 +19,7 @@ using namespace zrvtool;
 
 struct Options {
   std::vector<std::string> from, to;
-  bool json = false;
+  Listing listing;
   bool wire = false;
 };
 
@@ -94,8 +95,8 @@ void print_grid(std::string &out, Matrix &matrix, const TypeList &sources,
          std::to_string(sources.size() * targets.size()) + " pairs convert in this release\n";
 }
 
-void print_json(std::string &out, Matrix &matrix, const TypeList &sources,
-                const TypeList &targets) {
+void print_lines(std::string &out, Matrix &matrix, const TypeList &sources, const TypeList &targets,
+                 const Listing &listing) {
   for (const TypeInfo *from : sources) {
     nlohmann::ordered_json object;
     object["code"] = from->code;
@@ -111,7 +112,7 @@ void print_json(std::string &out, Matrix &matrix, const TypeList &sources,
     for (const TypeInfo *to : targets)
       if (matrix.conversion(from->code, to->code) != nullptr)
         object["converts_to"].push_back(to->name);
-    out += object.dump() + "\n";
+    listing.add(out, object);
   }
 }
 
@@ -136,13 +137,12 @@ std::string form_text(FormLookup lookup, CS_INT type) {
          right(std::to_string(form.prefix), 8);
 }
 
-nlohmann::ordered_json form_json(FormLookup lookup, CS_INT type) {
+nlohmann::ordered_json form_json(FormLookup lookup, CS_INT type, const Listing &listing) {
   WireForm form;
+  nlohmann::ordered_json object = {{"wire", nullptr}, {"maxlength", nullptr}, {"prefix", nullptr}};
   if (!find_form(lookup, type, form))
-    return nullptr;
-  nlohmann::ordered_json object;
+    return listing.json ? nlohmann::ordered_json() : object; // columns stay where they are
   object["wire"] = form.type;
-  object["maxlength"] = nullptr;
   if (form.maxlength != CS_UNUSED)
     object["maxlength"] = form.maxlength;
   object["prefix"] = form.prefix;
@@ -187,20 +187,20 @@ void print_wire(std::string &out) {
   }
 }
 
-void print_wire_json(std::string &out) {
+void print_wire_lines(std::string &out, const Listing &listing) {
   for (const TypeInfo &info : builtin_types()) {
     nlohmann::ordered_json object;
     object["code"] = info.code;
     object["name"] = info.name;
-    object["fixed"] = form_json(com_tds_get_fixed_tdstype, info.code);
-    object["nullable"] = form_json(com_tds_get_nullable_tdstype, info.code);
-    out += object.dump() + "\n";
+    object["fixed"] = form_json(com_tds_get_fixed_tdstype, info.code, listing);
+    object["nullable"] = form_json(com_tds_get_nullable_tdstype, info.code, listing);
+    listing.add(out, object);
   }
 }
 
-int run_wire(bool json) {
+int run_wire(const Listing &listing) {
   Writer out(STDOUT_FILENO);
-  json ? print_wire_json(out.text) : print_wire(out.text);
+  listing.is_for_programs() ? print_wire_lines(out.text, listing) : print_wire(out.text);
   out.flush();
   return exit_success;
 }
@@ -210,8 +210,8 @@ int run(const Options &options) {
   const TypeList targets = select(options.to);
   Matrix matrix;
   Writer out(STDOUT_FILENO);
-  if (options.json) {
-    print_json(out.text, matrix, sources, targets);
+  if (options.listing.is_for_programs()) {
+    print_lines(out.text, matrix, sources, targets, options.listing);
   } else {
     // A filter on both sides lists the types of both.
     TypeList listed = options.from.empty() ? targets : sources;
@@ -236,20 +236,21 @@ Subcommand::Run add(CLI::App &app) {
   app.add_option("--to", options->to, "Only these destination types")
       ->delimiter(',')
       ->type_name("TYPE");
-  app.add_flag("--json", options->json, "Print one JSON object for each source type");
+  add_listing(app, options->listing, "source type");
   app.add_flag("--wire", options->wire, "Print the types of the wire protocol instead");
   app.footer("Examples:\n"
              "  zrvcomn types\n"
              "  zrvcomn types --wire\n"
              "  zrvcomn types --from int,bigint\n"
-             "  zrvcomn types --to char --json");
+             "  zrvcomn types --to char --json\n"
+             "\nExit codes: 0 shown, 2 wrong usage.");
   return [options](const std::vector<std::string> &) {
     for (const auto *names : {&options->from, &options->to})
       for (const std::string &name : *names)
         parse_type(name);
     if (options->wire && (!options->from.empty() || !options->to.empty()))
       throw UsageError("--wire excludes --from and --to");
-    return options->wire ? run_wire(options->json) : run(*options);
+    return options->wire ? run_wire(options->listing) : run(*options);
   };
 }
 

@@ -958,8 +958,8 @@ ZRV_PRIVATE CS_RETCODE comn__convt_from_utf8(CS_CONTEXT *context, CS_INT match_m
                                              CS_INT *resultlen) ZRV_NOEXCEPT;
 
 /* Copies ASCII, at most `destlen` bytes. CS_SUCCEED; CS_CONV_TRUNCATED, `*resultlen` the room, when
- * only a part fits, which is ASCII; CS_CONV_NOXLATE, `*resultlen` 0 and `dest` partly written, when there
- * is a byte above 127 in what fits. The two may be the same text. */
+ * only a part fits, which is ASCII; CS_CONV_NOXLATE, `*resultlen` 0 and `dest` untouched, when there is
+ * a byte above 127 in what fits. The two may be the same text. */
 ZRV_PRIVATE CS_RETCODE comn__copy_ascii_only(UChar8 *dest, CS_INT destlen, UChar8 *src,
                                              CS_INT srclen, CS_INT *resultlen) ZRV_NOEXCEPT;
 

@@ -65,8 +65,14 @@ void table_loop(unsigned char *to, const unsigned char *from, size_t length,
     to[i] = table[from[i]];
 }
 
-void copy(void *to, const void *from, size_t length) {
-  std::memcpy(to, from, length);
+CS_RETCODE copy_text(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
+                     CS_VOID *dest, CS_INT *destlen) {
+  if (!context || !src || !srcfmt || !dest || !destfmt || !destlen ||
+      srcfmt->datatype != CS_TYPE_CHAR || destfmt->datatype != CS_TYPE_CHAR)
+    return CS_FAIL;
+  std::memcpy(dest, src, static_cast<size_t>(srcfmt->maxlength));
+  *destlen = srcfmt->maxlength;
+  return CS_SUCCEED;
 }
 
 } // namespace zrvbench::peers

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "zrvcomn/comnlib.h"
+
 namespace zrvbench::peers {
 
 // Each converts `length` bytes (or units) into `room` and returns how many came out, -1 on failure.
@@ -23,7 +25,9 @@ long iconv_run(void *descriptor, char *to, size_t room, const char *from, size_t
 
 void table_loop(unsigned char *to, const unsigned char *from, size_t length,
                 const unsigned char *table);
-void copy(void *to, const void *from, size_t length);
+// memcpy behind the signature and the checks of a conversion.
+CS_RETCODE copy_text(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
+                     CS_VOID *dest, CS_INT *destlen);
 
 } // namespace zrvbench::peers
 

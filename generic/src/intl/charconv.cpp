@@ -50,16 +50,29 @@ CS_RETCODE copy_whole_text(TextRange text, TextRange room, CS_INT *resultlen) no
   return *resultlen < text.length ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
 
-// A copy of a text that ends as every converter wants it: three NUL bytes, for sets of wide characters.
-bool copy_terminated(TextRange text, Scratch<CS_BYTE> &copy) noexcept {
-  constexpr size_t terminators = 3;
-  const auto length = static_cast<size_t>(std::max(text.length, 0));
-  if (!copy.allocate(std::uint64_t{length} + terminators))
-    return false;
-  std::memcpy(copy.data(), text.bytes, length);
-  std::memset(copy.data() + length, 0, terminators);
-  return true;
-}
+// A copy of a text that ends as every converter wants it, with three NUL bytes, for sets of wide
+// characters; and room for it as Unicode, in the same block.
+class Source {
+public:
+  bool copy(TextRange text) noexcept {
+    constexpr size_t terminators = 3;
+    size = static_cast<size_t>(std::max(text.length, 0));
+    if (!block.allocate(std::uint64_t{size} + 1 + (size + terminators + 1) / sizeof(UChar16)))
+      return false;
+    unicode()[size] = 0;
+    std::memcpy(bytes(), text.bytes, size);
+    std::memset(bytes() + size, 0, terminators);
+    return true;
+  }
+
+  CS_BYTE *bytes() const noexcept { return reinterpret_cast<CS_BYTE *>(unicode() + size + 1); }
+  // A unit for each byte, and one.
+  UChar16 *unicode() const noexcept { return block.data(); }
+
+private:
+  Scratch<UChar16> block;
+  size_t size = 0;
+};
 
 // A size for libzrvunic, which counts in int.
 int size_for(CS_INT length, int terminator) noexcept {
@@ -71,14 +84,13 @@ bool is_converted(int status) noexcept {
 }
 
 // Reads a text as Unicode. `*units` counts the terminator.
-CS_RETCODE read_as_unicode(CVTH handle, TextRange text, Scratch<UChar16> &unicode, int *status,
+CS_RETCODE read_as_unicode(CVTH handle, TextRange text, Source &source, int *status,
                            int *units) noexcept {
-  const CS_INT length = std::max(text.length, 0);
-  Scratch<CS_BYTE> source;
-  if (!copy_terminated(text, source) || !unicode.allocate_cleared(std::uint64_t(length) + 1))
+  if (!source.copy(text))
     return CS_MEM_ERROR;
   *units = 0;
-  *status = uniconv_unistrFromS(handle, unicode.data(), size_for(length, 1), source.data(), units);
+  *status = uniconv_unistrFromS(handle, source.unicode(), size_for(std::max(text.length, 0), 1),
+                                source.bytes(), units);
   return CS_SUCCEED;
 }
 
@@ -104,30 +116,29 @@ CS_RETCODE write_unicode(CVTH handle, const UChar16 *unicode, CS_INT room, Scrat
 // Longer UTF-8 is refused: its Unicode text would count more bytes than an int holds.
 constexpr CS_INT longest_utf8 = 0x3FFFFFFF;
 
-// Copies bytes as long as they are ASCII, by words and then one by one; false for any other byte.
-bool copy_ascii(CS_BYTE *to, const CS_BYTE *from, size_t length) noexcept {
+// Whether all bytes are ASCII: by words, of which the last may look again at what the one before it saw.
+bool is_ascii(const CS_BYTE *text, size_t length) noexcept {
   using Word = std::uint64_t;
   constexpr Word high_bits = 0x8080808080808080;
-  size_t done = 0;
-  for (; done + 2 * sizeof(Word) <= length; done += 2 * sizeof(Word)) {
-    const Word first = comn::load<Word>(from + done);
-    const Word second = comn::load<Word>(from + done + sizeof(Word));
-    if (((first | second) & high_bits) != 0)
+  constexpr size_t stride = 4 * sizeof(Word);
+  const CS_BYTE *const end = text + length;
+  const auto word = [](const CS_BYTE *at) { return comn::load<Word>(at); };
+  if (length < sizeof(Word))
+    return std::all_of(text, end, [](CS_BYTE byte) { return byte < 0x80; });
+  for (; end - text > static_cast<std::ptrdiff_t>(stride); text += stride)
+    if (((word(text) | word(text + 8) | word(text + 16) | word(text + 24)) & high_bits) != 0)
       return false;
-    comn::store(to + done, first);
-    comn::store(to + done + sizeof(Word), second);
-  }
-  for (; done < length; ++done) {
-    if (from[done] > 127)
+  for (; end - text > static_cast<std::ptrdiff_t>(sizeof(Word)); text += sizeof(Word))
+    if ((word(text) & high_bits) != 0)
       return false;
-    to[done] = from[done];
-  }
-  return true;
+  return (word(end - sizeof(Word)) & high_bits) == 0;
 }
 
-// From one set to another, neither of which is the other nor UTF-8.
-CS_RETCODE convert_through_unicode(const CsCharDesc *from, TextRange text, const CsCharDesc *to,
-                                   TextRange room, CS_INT *resultlen) noexcept {
+// From one set to another, neither of which is the other nor UTF-8. Apart from its caller, whose usual
+// ways are short.
+[[gnu::noinline]] CS_RETCODE convert_through_unicode(const CsCharDesc *from, TextRange text,
+                                                     const CsCharDesc *to, TextRange room,
+                                                     CS_INT *resultlen) noexcept {
   *resultlen = 0;
   UNICONV_CID from_cid, to_cid;
   if (comn__get_unilib_cid(from->char_attrib->cs_id, &from_cid) != CS_SUCCEED ||
@@ -139,9 +150,9 @@ CS_RETCODE convert_through_unicode(const CsCharDesc *from, TextRange text, const
     return CS_FAIL;
   set_substitutes(writer.handle);
 
-  Scratch<UChar16> unicode;
+  Source source;
   int status, units;
-  CS_RETCODE result = read_as_unicode(reader.handle, text, unicode, &status, &units);
+  CS_RETCODE result = read_as_unicode(reader.handle, text, source, &status, &units);
   if (result != CS_SUCCEED)
     return result;
   const bool is_partial = status == UNICONV_PARTIAL && units > 1;
@@ -149,8 +160,8 @@ CS_RETCODE convert_through_unicode(const CsCharDesc *from, TextRange text, const
     return CS_FAIL;
 
   Scratch<CS_BYTE> converted;
-  result =
-      write_unicode(writer.handle, unicode.data(), std::max(room.length, 0), converted, resultlen);
+  result = write_unicode(writer.handle, source.unicode(), std::max(room.length, 0), converted,
+                         resultlen);
   if (result == CS_SUCCEED && is_partial)
     result = CS_CONV_TRUNCATED;
   if (*resultlen > 0)
@@ -161,6 +172,8 @@ CS_RETCODE convert_through_unicode(const CsCharDesc *from, TextRange text, const
 // What the user registered for a pair of sets; null without it, and for an algorithm that only tells
 // its multiplier.
 CS_CONV_FUNC user_function(CS_CONTEXT *context, CsOID *from, CsOID *to) noexcept {
+  if (context->usercharconv == nullptr)
+    return nullptr;
   CsUserAlgo *algorithm;
   return comn__get_user_charconv(context, from, to, &algorithm) == CS_SUCCEED
              ? algorithm->user_conv_func
@@ -299,9 +312,9 @@ CS_RETCODE comn__convt_to_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_DA
       return COMN_TRACE(CS_FAIL);
     handle = own.handle;
   }
-  Scratch<UChar16> unicode;
+  Source source;
   int status, units;
-  const CS_RETCODE result = read_as_unicode(handle, text, unicode, &status, &units);
+  const CS_RETCODE result = read_as_unicode(handle, text, source, &status, &units);
   if (result != CS_SUCCEED)
     return COMN_TRACE(result);
   if (!is_converted(status))
@@ -313,7 +326,7 @@ CS_RETCODE comn__convt_to_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_DA
     return COMN_TRACE(CS_MEM_ERROR);
   int used;
   const int written =
-      uniutf8_unistrToUTF8(converted.data(), size_for(size, 1), unicode.data(), &used);
+      uniutf8_unistrToUTF8(converted.data(), size_for(size, 1), source.unicode(), &used);
   if (written < 0 && written != UNIUTF8_FULL)
     return COMN_TRACE(CS_FAIL);
   *resultlen = written == UNIUTF8_FULL ? size : std::min(written, size);
@@ -355,13 +368,12 @@ CS_RETCODE comn__convt_from_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_
   if (srclen >= longest_utf8)
     return COMN_TRACE(CS_FAIL);
   const CS_INT length = std::max(srclen, 0);
-  Scratch<CS_BYTE> source;
-  Scratch<UChar16> unicode;
-  if (!copy_terminated(text, source) || !unicode.allocate(std::uint64_t(length) + 1))
+  Source source;
+  if (!source.copy(text))
     return COMN_TRACE(CS_MEM_ERROR);
   int used;
   const int units =
-      uniutf8_unistrFromUTF8(unicode.data(), size_for(length, 1), source.data(), &used);
+      uniutf8_unistrFromUTF8(source.unicode(), size_for(length, 1), source.bytes(), &used);
   int factor = 0;
   if (units < 0 || uniconv_GetExpansionFactor(handle, &factor) != UNICONV_SUCCEED)
     return COMN_TRACE(CS_FAIL);
@@ -370,7 +382,7 @@ CS_RETCODE comn__convt_from_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_
   const auto size = static_cast<CS_INT>(
       std::clamp<std::int64_t>(std::int64_t{units} * factor, 0, std::max(room.length, 0)));
   Scratch<CS_BYTE> converted;
-  const CS_RETCODE result = write_unicode(handle, unicode.data(), size, converted, resultlen);
+  const CS_RETCODE result = write_unicode(handle, source.unicode(), size, converted, resultlen);
   if (*resultlen > 0)
     std::memcpy(dest, converted.data(), static_cast<size_t>(*resultlen));
   return COMN_TRACE(result);
@@ -383,8 +395,9 @@ CS_RETCODE comn__copy_ascii_only(UChar8 *dest, CS_INT destlen, UChar8 *src, CS_I
   COMN_CHECK_PTR(resultlen, COMN_TRACE(CS_FAIL));
   const CS_INT length = std::max(std::min(srclen, destlen), 0);
   *resultlen = 0;
-  if (!copy_ascii(dest, src, static_cast<size_t>(length)))
+  if (!is_ascii(src, static_cast<size_t>(length)))
     return COMN_TRACE(CS_CONV_NOXLATE);
+  std::memmove(dest, src, static_cast<size_t>(length));
   *resultlen = length;
   return COMN_TRACE(length < srclen ? CS_CONV_TRUNCATED : CS_SUCCEED);
 }

@@ -50,9 +50,9 @@ inline CS_LOCALE *locale_of(const CS_CONTEXT *context, const CS_DATAFMT *format)
 
 // The cache of a category that has text, from CS_LCTYPE_CTYPE to CS_LCTYPE_TIME.
 inline CsLocCache *cache_of(const CS_LOCALE *locale, CS_INT type) noexcept {
-  constexpr CS_VOID *CsLocale::*categories[] = {&CsLocale::ctypeptr, &CsLocale::messageptr,
-                                                &CsLocale::monetaryptr, &CsLocale::numericptr,
-                                                &CsLocale::timeptr};
+  static constexpr CS_VOID *CsLocale::*categories[] = {&CsLocale::ctypeptr, &CsLocale::messageptr,
+                                                       &CsLocale::monetaryptr,
+                                                       &CsLocale::numericptr, &CsLocale::timeptr};
   return static_cast<CsLocCache *>(locale->*categories[type - CS_LCTYPE_CTYPE]);
 }
 
@@ -73,12 +73,6 @@ public:
   bool allocate(std::uint64_t count) noexcept {
     if (count <= SIZE_MAX / sizeof(T))
       block = static_cast<T *>(comn_malloc(static_cast<size_t>(count) * sizeof(T)));
-    return block != nullptr;
-  }
-
-  bool allocate_cleared(std::uint64_t count) noexcept {
-    if (count <= SIZE_MAX / sizeof(T))
-      block = static_cast<T *>(comn_calloc(static_cast<size_t>(count), sizeof(T)));
     return block != nullptr;
   }
 

@@ -199,6 +199,24 @@ TEST_F(ConfigFiles, NamesAreComparedAsTheyStand) {
   drop(first);
 }
 
+// Of one length, and in either order of their bytes.
+TEST_F(ConfigFiles, NamesOfOneLength) {
+  const zrvtest::TextFile file("");
+  const string path = file.path();
+  const size_t slash = path.rfind('/');
+  const string one = path.substr(0, slash) + "/./" + path.substr(slash + 1);
+  const string other = path.substr(0, slash) + "///" + path.substr(slash + 1);
+  for (bool is_turned : {false, true}) {
+    CS_CONFIG *const first = open_path(is_turned ? other : one);
+    be_first();
+    CS_CONFIG *const second = open_path(is_turned ? one : other);
+    ASSERT_NE(second, nullptr);
+    EXPECT_NE(first->cfg_chain, second->cfg_chain);
+    drop(second);
+    drop(first);
+  }
+}
+
 TEST_F(ConfigFiles, FilesLeaveTheMiddleOfTheChain) {
   const zrvtest::TextFile a(""), b(""), c("");
   CS_CONFIG *const first = open_path(a.path());

@@ -55,7 +55,8 @@ function(zrv_add_python_test name script label)
       ${name}.${short}
       PROPERTIES
         LABELS ${label}
-        TIMEOUT 300
+        TIMEOUT 600
+        COST 100 # the long ones are among them, so they start first
         ENVIRONMENT
         "ZRV_BUILD=${python_config};PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/support;PYTHONDONTWRITEBYTECODE=1;PYTHONUTF8=1"
     )

@@ -111,7 +111,7 @@ TEST_F(CharConv, CopyAsciiOnly) {
   for (size_t length = 0; length < 50; ++length)
     for (size_t room = 0; room < 50; ++room) {
       GuardedBuffer source(length), destination(room);
-      std::fill_n(source.data(), length, 'a');
+      std::fill_n(source.data(), length, CS_BYTE{0x7F});
       CS_INT copied = -1;
       const auto n = static_cast<CS_INT>(std::min(length, room));
       EXPECT_EQ(comn__copy_ascii_only(destination.data(), static_cast<CS_INT>(room), source.data(),
@@ -119,7 +119,7 @@ TEST_F(CharConv, CopyAsciiOnly) {
                 room < length ? CS_CONV_TRUNCATED : CS_SUCCEED);
       EXPECT_EQ(copied, n);
       EXPECT_EQ(destination.contents(static_cast<size_t>(n)),
-                std::string(static_cast<size_t>(n), 'a'));
+                std::string(static_cast<size_t>(n), '\x7F'));
       EXPECT_TRUE(destination.is_untouched(static_cast<size_t>(n)));
     }
   // Another byte at every position; behind the room nobody looks at it.

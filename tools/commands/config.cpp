@@ -353,7 +353,9 @@ struct Options {
 };
 
 int run(const Options &options) {
-  const auto &[action, words, listing] = options;
+  const std::string &action = options.action;
+  const std::vector<std::string> &words = options.words;
+  const Listing &listing = options.listing;
   const bool json = listing.json;
   const auto refuse = [&](const std::string &what) -> int {
     throw UsageError(action + " takes " + what);

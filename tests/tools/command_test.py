@@ -1157,7 +1157,7 @@ class Command(unittest.TestCase):
         self.check(zrvcomn("config", "list", path, "pay roll"), 0,
                    "include = defaults\nserver = a = 1\nserver = b\n")
         self.check(zrvcomn("config", "list", path, "none"), 1, "",
-                   "zrvcomn config: there is no section 'none'\n")
+                   f"zrvcomn config: there is no section 'none' in {path}\n")
         result = zrvcomn("config", "list", path, "--json")
         self.assertEqual([json.loads(line) for line in result.out.splitlines()],
                          [{"section": "defaults"}, {"section": "pay roll"}])

@@ -265,7 +265,8 @@ int list_sections(ConfigFile &file, bool json) {
 int list_entries(ConfigFile &file, const std::string &section, bool json) {
   const auto entries = file.entries(section);
   if (!entries) {
-    std::cerr << "zrvcomn config: there is no section " << in_quotes(section) << '\n';
+    std::cerr << "zrvcomn config: there is no section " << in_quotes(section) << " in "
+              << file.path() << '\n';
     return exit_failure;
   }
   Writer out(STDOUT_FILENO);

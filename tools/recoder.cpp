@@ -213,9 +213,10 @@ size_t Recoder::convert_piece(std::string_view piece, bool is_end, std::string &
   size_t length = piece.size();
   SetConverter::Decoded decoded = decode(piece);
   // An unfinished character is shorter than the longest.
-  for (size_t cut = 1;
+  const size_t step = from.is_wide() ? 2 : 1;
+  for (size_t cut = step;
        cut < longest_character && cut < length && !is_end && decoded.status == UNICONV_PARTIAL;
-       ++cut) {
+       cut += step) {
     length = piece.size() - cut;
     decoded = decode(piece.substr(0, length));
   }

@@ -81,16 +81,36 @@ class Recode(unittest.TestCase):
                 self.assertEqual((code, out, len(err.splitlines()) - 1), (1, expected, losses), err)
 
     # Characters, shifts and NUL at every place of a block's end.
+    # Files come in whole blocks, and each place of the pattern falls on the end of one.
     def test_characters_are_not_split_between_blocks(self):
         for name, coding in (("utf8", "utf-8"), ("sjis", "shift_jis"), ("eucjis", "euc_jp"), ("gb18030", "gb18030"),
                              ("utf16", "utf-16-le")):
-            for shift in range(5):
+            for shift in range(7):
                 text = "x" * shift + "日本\U0001F600é\0語".encode(coding, "ignore").decode(coding) * 12000
-                with self.subTest((name, shift)):
-                    source = text.encode(coding)
-                    self.assertGreater(len(source), 65536)
-                    self.assertEqual(recode(name, "utf8", source), (0, text.encode(), ""))
-                    self.assertEqual(recode("utf8", name, text.encode()), (0, source, ""))
+                self.assertGreater(len(text.encode(coding)), 65536)
+                for source, destination, given, expected in (
+                        (name, "utf8", text.encode(coding), text.encode()),
+                        ("utf8", name, text.encode(), text.encode(coding))):
+                    with self.subTest((source, destination, shift)), tempfile.NamedTemporaryFile() as file:
+                        file.write(given)
+                        file.flush()
+                        code, out, err = recode(source, destination, b"", file.name)
+                        self.assertEqual((code, err), (0, ""))
+                        self.assertTrue(out == expected)
+
+    def test_pieces_of_any_length(self):
+        text = "日本\U0001F600é\0語" * 20000
+        pieces = random.Random(1)
+        for name, coding in (("utf8", "utf-8"), ("utf16", "utf-16-le")):
+            filter = subprocess.Popen([command, "recode", "--from", name, "--to", "iso_1", "--substitute", ""],
+                                      stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                      bufsize=0)
+            rest = text.encode(coding)
+            while rest:
+                length = pieces.randrange(1, 50)
+                filter.stdin.write(rest[:length])
+                rest = rest[length:]
+            self.assertTrue(filter.communicate()[0] == b"\xe9\0" * 20000, name)
 
     def test_shifts_reach_over_blocks(self):
         text = "A" + "日本語" * 30000 + "B\n"

@@ -1,0 +1,154 @@
+// What each step of the start of a context costs: the time, and the memory that it keeps until the end.
+// Prints a table; docs/startup.md numbers the steps.
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <malloc.h>
+#include <vector>
+
+#include <zrvcomn/charset.h>
+#include <zrvcomn/comerr.h>
+#include <zrvcomn/comloc.h>
+#include <zrvcomn/comnlib.h>
+#include <zrvcomn/lmpublic.h>
+#include <zrvcomn/zrvintl.h>
+
+namespace {
+
+constexpr size_t runs = 51; // and one before them that is not counted
+CS_CHAR locale_name[] = "de_DE.UTF-8";
+
+struct Session {
+  CS_CONTEXT context = {};
+  CsCtxGlobals globals = {};
+  CsAppGlobal *process = nullptr;
+  CS_LOCALE locale = {};
+  CS_CHAR file[1025] = {};
+};
+
+struct Step {
+  const char *call;
+  const char *what;
+  bool (*run)(Session &session);
+};
+
+const Step steps[] = {
+    {"com_appglobal_alloc", "the record of the process",
+     [](Session &session) {
+       return com_appglobal_alloc(&session.process, nullptr, COM_APPGLOBAL_STATIC) == CS_SUCCEED;
+     }},
+    {"comn_intl_load_globalid", "identifiers",
+     [](Session &session) {
+       CS_OID_TABLE *identifiers = nullptr;
+       const CS_RETCODE status = comn_intl_load_globalid(&session.context, &identifiers);
+       session.globals.ctxoids = identifiers;
+       return status == CS_SUCCEED;
+     }},
+    {"comn_intl_init", "the set utf8 and its order",
+     [](Session &session) {
+       return comn_intl_init(&session.context, session.file, sizeof session.file) == CS_SUCCEED;
+     }},
+    {"comn_intl_load", "a locale, six categories",
+     [](Session &session) {
+       CS_LOCALE &locale = session.locale;
+       for (CS_VOID **category : {&locale.collateptr, &locale.ctypeptr, &locale.messageptr,
+                                  &locale.monetaryptr, &locale.numericptr, &locale.timeptr})
+         if (comn_intl_load(&session.context, locale_name, CS_LEN_NULLTERM, category, session.file,
+                            sizeof session.file) != CS_SUCCEED)
+           return false;
+       locale.ctxptr = &session.context;
+       session.context.ctxlocale = &locale;
+       return true;
+     }},
+    {"com_conv_init", "the matrix of conversions",
+     [](Session &session) { return com_conv_init(&session.context) == CS_SUCCEED; }},
+    {"com_null_init", "default values",
+     [](Session &session) { return com_null_init(&session.context) == CS_SUCCEED; }},
+    {"com_errinit", "messages",
+     [](Session &session) { return com_errinit(&session.context) == CS_SUCCEED; }},
+};
+
+void end(Session &session) {
+  CS_CONTEXT *const context = &session.context;
+  com_errdrop(context);
+  com_null_free(context);
+  com_conv_free(context);
+  comn_loc_drop_all(context);
+  com_intl_loccache_drop(context);
+  com_intl_chardesc_drop(context);
+  comn_intl_dt_drop(context);
+  comn_intl_mon_drop(context);
+  comn_intl_num_drop(context);
+  comn_intl_drop_mnemdb(context);
+  comn_intl_message_drop(context);
+  comn_lm_exit(context);
+  comn_intl_drop_globalid(context, static_cast<CS_OID_TABLE *>(session.globals.ctxoids));
+  if (session.process != nullptr)
+    com_appglobal_drop(session.process, COM_APPGLOBAL_STATIC);
+}
+
+size_t bytes_in_use() {
+  const struct mallinfo2 info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+}
+
+double microseconds(std::chrono::steady_clock::duration time) {
+  return std::chrono::duration<double, std::micro>(time).count();
+}
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+struct Cost {
+  std::vector<double> times;
+  size_t bytes = 0;
+};
+
+} // namespace
+
+int main() {
+  using Clock = std::chrono::steady_clock;
+  std::array<Cost, std::size(steps)> costs;
+  Cost whole_end;
+  for (size_t run = 0; run <= runs; ++run) {
+    Session session;
+    session.context.ctxglobals = &session.globals;
+    const size_t before_all = bytes_in_use();
+    for (size_t i = 0; i < costs.size(); ++i) {
+      const size_t before = bytes_in_use();
+      const auto begin = Clock::now();
+      if (!steps[i].run(session)) {
+        std::fprintf(stderr, "startup: %s failed %s\n", steps[i].call, session.file);
+        end(session);
+        return EXIT_FAILURE;
+      }
+      costs[i].times.push_back(microseconds(Clock::now() - begin));
+      costs[i].bytes = bytes_in_use() - before;
+    }
+    const auto begin = Clock::now();
+    end(session);
+    whole_end.times.push_back(microseconds(Clock::now() - begin));
+    whole_end.bytes = bytes_in_use() - before_all;
+    if (run == 0)
+      for (Cost &cost : costs)
+        cost.times.clear();
+  }
+
+  std::printf("| step | what | microseconds | bytes kept |\n|---|---|--:|--:|\n");
+  size_t bytes = 0;
+  double time = 0;
+  for (size_t i = 0; i < costs.size(); ++i) {
+    std::printf("| `%s` | %s | %.0f | %zu |\n", steps[i].call, steps[i].what,
+                median(costs[i].times), costs[i].bytes);
+    bytes += costs[i].bytes;
+    time += median(costs[i].times);
+  }
+  std::printf("| all | | %.0f | %zu |\n", time, bytes);
+  std::printf("| the end | | %.0f | %zu |\n", median(whole_end.times), whole_end.bytes);
+}

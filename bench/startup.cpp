@@ -56,8 +56,8 @@ const Step steps[] = {
        CS_LOCALE &locale = session.locale;
        for (CS_VOID **category : {&locale.collateptr, &locale.ctypeptr, &locale.messageptr,
                                   &locale.monetaryptr, &locale.numericptr, &locale.timeptr})
-         if (comn_intl_load(&session.context, locale_name, CS_LEN_NULLTERM, category, session.file,
-                            sizeof session.file) != CS_SUCCEED)
+         if (comn_intl_load(&session.context, locale_name, sizeof locale_name - 1, category,
+                            session.file, sizeof session.file) != CS_SUCCEED)
            return false;
        locale.ctxptr = &session.context;
        session.context.ctxlocale = &locale;
@@ -90,9 +90,15 @@ void end(Session &session) {
     com_appglobal_drop(session.process, COM_APPGLOBAL_STATIC);
 }
 
-size_t bytes_in_use() {
-  const struct mallinfo2 info = mallinfo2();
-  return info.uordblks + info.hblkhd;
+size_t bytes_in_use = 0;
+
+void *taken(void *block) {
+  bytes_in_use += malloc_usable_size(block);
+  return block;
+}
+
+void released(void *block) {
+  bytes_in_use -= malloc_usable_size(block);
 }
 
 double microseconds(std::chrono::steady_clock::duration time) {
@@ -112,6 +118,30 @@ struct Cost {
 
 } // namespace
 
+// The library takes its memory from these in place of libzrvintl's.
+extern "C" {
+void *comn_malloc(size_t size) noexcept {
+  return taken(std::malloc(size));
+}
+
+void *comn_calloc(size_t count, size_t size) noexcept {
+  return taken(std::calloc(count, size));
+}
+
+void *comn_realloc(void *block, size_t size) noexcept {
+  const size_t old_size = malloc_usable_size(block);
+  void *const resized = std::realloc(block, size);
+  if (resized != nullptr)
+    bytes_in_use -= old_size;
+  return resized != nullptr ? taken(resized) : nullptr;
+}
+
+void comn_free(void *block) noexcept {
+  released(block);
+  std::free(block);
+}
+}
+
 int main() {
   using Clock = std::chrono::steady_clock;
   std::array<Cost, std::size(steps)> costs;
@@ -119,9 +149,9 @@ int main() {
   for (size_t run = 0; run <= runs; ++run) {
     Session session;
     session.context.ctxglobals = &session.globals;
-    const size_t before_all = bytes_in_use();
+    const size_t before_all = bytes_in_use;
     for (size_t i = 0; i < costs.size(); ++i) {
-      const size_t before = bytes_in_use();
+      const size_t before = bytes_in_use;
       const auto begin = Clock::now();
       if (!steps[i].run(session)) {
         std::fprintf(stderr, "startup: %s failed %s\n", steps[i].call, session.file);
@@ -129,12 +159,12 @@ int main() {
         return EXIT_FAILURE;
       }
       costs[i].times.push_back(microseconds(Clock::now() - begin));
-      costs[i].bytes = bytes_in_use() - before;
+      costs[i].bytes = bytes_in_use - before;
     }
     const auto begin = Clock::now();
     end(session);
     whole_end.times.push_back(microseconds(Clock::now() - begin));
-    whole_end.bytes = bytes_in_use() - before_all;
+    whole_end.bytes = bytes_in_use - before_all;
     if (run == 0)
       for (Cost &cost : costs)
         cost.times.clear();

@@ -9,6 +9,7 @@ import shlex
 import subprocess
 import sys
 import unittest
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 from types import SimpleNamespace
 
@@ -26,6 +27,12 @@ def run(*command, **options):
         raise AssertionError(
             f"{shlex.join(command)[:1000]}\nexit status {done.returncode}\n{done.stdout}{done.stderr}")
     return done.stdout
+
+
+def in_parallel(function, items):
+    """The results of a function for each item, on all processors."""
+    with ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
+        return list(pool.map(function, items))
 
 
 def exported_data():

@@ -97,6 +97,9 @@ public:
              size_t &output_length) noexcept {
     if (evp == nullptr)
       return VELCRYPTO_ESTATE;
+    // OpenSSL takes a text without its leading zeros too.
+    if (input_length != key_size())
+      return VELCRYPTO_EDATA;
     const kernel::ErrorQueue errors;
     uint8_t plain[largest_rsa_key / 8];
     size_t length = sizeof plain;

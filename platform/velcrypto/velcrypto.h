@@ -146,7 +146,7 @@ struct CCLEncryptionCtx_functions {
    size_t capacity, size_t *output_length);
 };
 
-/* Decryption with a private key. */
+/* Decryption with a private key, of texts as long as the key: VELCRYPTO_EDATA for any other. */
 CCL_INTERFACE(CCLDecryptionCtx);
 struct CCLDecryptionCtx_functions {
   CCL_COMMON_SLOTS(CCLDecryptionCtx);

@@ -429,6 +429,12 @@ TEST_F(RsaTest, WrongTexts) {
   EXPECT_EQ(decrypt("", text), CS_FAIL);
   EXPECT_EQ(decrypt(cipher.substr(1), text), CS_FAIL);
   EXPECT_EQ(decrypt(cipher + '\0', text), CS_FAIL);
+  // As a number a text with a zero in front is the same without it; one in 256 has one.
+  do
+    ASSERT_EQ(encrypt("secret", pem(), cipher), CS_SUCCEED);
+  while (cipher[0] != '\0');
+  EXPECT_EQ(decrypt(cipher.substr(1), text), CS_FAIL);
+  EXPECT_EQ(decrypt('\0' + cipher, text), CS_FAIL);
   COMN_KEYPAIR *const other = comn_keypair_create(&context, bits);
   const std::string other_pem(reinterpret_cast<char *>(comn_keypair_get_public_key(other)),
                               comn_keypair_get_public_key_length(other));

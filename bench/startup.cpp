@@ -10,26 +10,13 @@
 #include <malloc.h>
 #include <vector>
 
-#include <zrvcomn/charset.h>
-#include <zrvcomn/comerr.h>
-#include <zrvcomn/comloc.h>
-#include <zrvcomn/comnlib.h>
-#include <zrvcomn/lmpublic.h>
-#include <zrvcomn/zrvintl.h>
+#include "session.h"
 
 namespace {
 
-constexpr size_t runs = 51; // and one before them that is not counted
+constexpr size_t runs = 51;
 CS_CHAR default_locale[] = "de_DE.UTF-8";
 CS_CHAR *locale_name = default_locale;
-
-struct Session {
-  CS_CONTEXT context = {};
-  CsCtxGlobals globals = {};
-  CsAppGlobal *process = nullptr;
-  CS_LOCALE locale = {};
-  CS_CHAR file[1025] = {};
-};
 
 struct Step {
   const char *call;
@@ -51,21 +38,11 @@ const Step steps[] = {
      }},
     {"comn_intl_init", "the set utf8 and its order",
      [](Session &session) {
-       return comn_intl_init(&session.context, session.file, sizeof session.file) == CS_SUCCEED;
+       CS_CHAR file[1025];
+       return comn_intl_init(&session.context, file, sizeof file) == CS_SUCCEED;
      }},
     {"comn_intl_load", "a locale, six categories",
-     [](Session &session) {
-       CS_LOCALE &locale = session.locale;
-       for (CS_VOID **category : {&locale.collateptr, &locale.ctypeptr, &locale.messageptr,
-                                  &locale.monetaryptr, &locale.numericptr, &locale.timeptr})
-         if (comn_intl_load(&session.context, locale_name,
-                            static_cast<CS_INT>(std::strlen(locale_name)), category, session.file,
-                            sizeof session.file) != CS_SUCCEED)
-           return false;
-       locale.ctxptr = &session.context;
-       session.context.ctxlocale = &locale;
-       return true;
-     }},
+     [](Session &session) { return load_locale(&session, locale_name) == CS_SUCCEED; }},
     {"com_conv_init", "the matrix of conversions",
      [](Session &session) { return com_conv_init(&session.context) == CS_SUCCEED; }},
     {"com_null_init", "default values",
@@ -73,25 +50,6 @@ const Step steps[] = {
     {"com_errinit", "messages",
      [](Session &session) { return com_errinit(&session.context) == CS_SUCCEED; }},
 };
-
-void end(Session &session) {
-  CS_CONTEXT *const context = &session.context;
-  com_errdrop(context);
-  com_null_free(context);
-  com_conv_free(context);
-  comn_loc_drop_all(context);
-  com_intl_loccache_drop(context);
-  com_intl_chardesc_drop(context);
-  comn_intl_dt_drop(context);
-  comn_intl_mon_drop(context);
-  comn_intl_num_drop(context);
-  comn_intl_drop_mnemdb(context);
-  comn_intl_message_drop(context);
-  comn_lm_exit(context);
-  comn_intl_drop_globalid(context, static_cast<CS_OID_TABLE *>(session.globals.ctxoids));
-  if (session.process != nullptr)
-    com_appglobal_drop(session.process, COM_APPGLOBAL_STATIC);
-}
 
 size_t bytes_in_use = 0;
 
@@ -151,28 +109,28 @@ int main(int argc, char **argv) {
   using Clock = std::chrono::steady_clock;
   std::array<Cost, std::size(steps)> costs;
   Cost whole_end;
-  for (size_t run = 0; run <= runs; ++run) {
-    Session session;
+  Session session;
+  start(&session, locale_name); // the first is not counted
+  end(&session);
+  for (size_t run = 0; run < runs; ++run) {
+    session = {};
     session.context.ctxglobals = &session.globals;
     const size_t before_all = bytes_in_use;
     for (size_t i = 0; i < costs.size(); ++i) {
       const size_t before = bytes_in_use;
       const auto begin = Clock::now();
       if (!steps[i].run(session)) {
-        std::fprintf(stderr, "startup: %s failed %s\n", steps[i].call, session.file);
-        end(session);
+        std::fprintf(stderr, "startup_cost: %s failed\n", steps[i].call);
+        end(&session);
         return EXIT_FAILURE;
       }
       costs[i].times.push_back(microseconds(Clock::now() - begin));
       costs[i].bytes = bytes_in_use - before;
     }
     const auto begin = Clock::now();
-    end(session);
+    end(&session);
     whole_end.times.push_back(microseconds(Clock::now() - begin));
     whole_end.bytes = bytes_in_use - before_all;
-    if (run == 0)
-      for (Cost &cost : costs)
-        cost.times.clear();
   }
 
   std::printf("| step | what | microseconds | bytes kept |\n|---|---|--:|--:|\n");

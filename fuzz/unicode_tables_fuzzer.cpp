@@ -86,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const CVTH handle = directory.load(cid, file, sealed(cid, data + 1, size - 1));
   if (handle == nullptr)
     return 0;
-  // Every pair of bytes, then every unit and some pairs of surrogates.
+  // Every pair of bytes, every byte alone, then every unit and some pairs of surrogates.
   std::vector<UChar8> text;
   for (unsigned lead = 1; lead < 256; ++lead)
     for (unsigned trail = 1; trail < 256; ++trail) {
@@ -98,6 +98,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   int length = 0;
   uniconv_unistrFromS(handle, units.data(), static_cast<int>(units.size()), text.data(), &length);
   require(length >= 1 && length <= static_cast<int>(units.size()));
+  // A text that ends within a character.
+  for (unsigned lead = 1; lead < 256; ++lead) {
+    const std::vector<UChar8> cut{static_cast<UChar8>(lead), 0};
+    uniconv_unistrFromS(handle, units.data(), static_cast<int>(units.size()), cut.data(), &length);
+    require(length >= 1 && length <= 3);
+  }
   units.clear();
   for (unsigned unit = 1; unit < 0x10000; ++unit)
     units.push_back(static_cast<UChar16>(unit));

@@ -312,8 +312,7 @@ public:
     // A NUL ends the text, the bytes 0E and 0F shift, and a code must tell its width by itself.
     if (form == Form::shifted && one.width == 1 && (one.code == 0x0E || one.code == 0x0F))
       return false;
-    if ((one.code & 0xFF) == 0 || one.code >> (8 * (one.width - 1)) == 0 ||
-        (one.width == 4 && one.code < 0x80000000))
+    if (has_nul(one) || (one.width == 4 && one.code < 0x80000000))
       return false;
     uint32_t node = form == Form::shifted && one.width == 2 ? 1 : 0;
     for (unsigned left = one.width - 1; left > 0; --left) {
@@ -363,6 +362,12 @@ public:
   }
 
 private:
+  static bool has_nul(const Code &one) noexcept {
+    for (unsigned at = 0; at < one.width; ++at)
+      if ((one.code >> (8 * at) & 0xFF) == 0)
+        return true;
+    return false;
+  }
   uint32_t &page_entry(uint32_t character) noexcept {
     return table.pages[table.page_of[character >> 8]][character & 0xFF];
   }

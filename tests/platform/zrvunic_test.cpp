@@ -446,6 +446,11 @@ TEST_F(Damaged, bodies_that_make_no_sense_are_refused) {
   EXPECT_EQ(multi_byte("\1\0\5\2\5\2\0\0"s), UNICONV_EDAMAGED);                   // five bytes
   EXPECT_EQ(multi_byte("\1\0\2\2\5\2\0\0"s), UNICONV_EDAMAGED);                   // 0001
   EXPECT_EQ(multi_byte("\1\0\2\x81\x82\2\5\2\0\0"s), UNICONV_EDAMAGED);           // 8100
+  EXPECT_EQ(multi_byte("\1\0\3\xA2\x81\xBC\4\5\2\0\0"s), UNICONV_EDAMAGED);       // 8F00A1
+  EXPECT_EQ(multi_byte("\1\0\4\xA2\xC3\x82\xF8\x8\5\2\0\0"s), UNICONV_EDAMAGED);  // 8F00A1A1
+  EXPECT_EQ(multi_byte("\1\0\4\xA2\x81\x84\xFD\x8\5\2\0\0"s), UNICONV_EDAMAGED);  // 8FA100A1
+  EXPECT_EQ(multi_byte("\1\0\4\xA2\xC3\x86\xFD\x8\5\2\0\0"s), UNICONV_SUCCEED);   // 8FA1A1A1
+  EXPECT_EQ(multi_byte("\1\0\4\xA2\xC3\x86\xFD\7\5\2\0\0"s), UNICONV_EDAMAGED);   // 7FA1A1A1
   EXPECT_EQ(multi_byte("\1\0\1\x82\1\5\2\0\2\x82\x83\2\5\2\0\0"s), UNICONV_EDAMAGED); // 81, 8181
   EXPECT_EQ(multi_byte("\1\0\2\x82\x83\2\5\2\0\3\x82\x83\x86\4\5\2\0\0"s), UNICONV_EDAMAGED);
   EXPECT_EQ(multi_byte("\1\1\x41\x42\0\0"s), UNICONV_EDAMAGED); // a pair without a code
@@ -489,14 +494,13 @@ TEST_F(Damaged, changed_bodies_never_crash) {
       EXPECT_EQ(code, UNICONV_EDAMAGED);
       continue;
     }
-    std::string bytes(200, '\0');
-    for (char &byte : bytes)
-      byte = static_cast<char>(1 + random() % 255);
+    GuardedBuffer bytes(201);
+    for (UChar8 *byte = bytes.data(); byte < bytes.data() + 200; ++byte)
+      *byte = static_cast<UChar8>(1 + random() % 255);
+    bytes.data()[200] = 0;
     UChar16 units[401];
     UChar8 back[801];
-    EXPECT_LE(uniconv_unistrFromS(handle, units, 401,
-                                  reinterpret_cast<const UChar8 *>(bytes.c_str()), nullptr),
-              UNICONV_SUCCEED);
+    EXPECT_LE(uniconv_unistrFromS(handle, units, 401, bytes.data(), nullptr), UNICONV_SUCCEED);
     uniconv_unistrToS(handle, back, 801, units, nullptr);
     uniconv_HandleFree(handle);
   }

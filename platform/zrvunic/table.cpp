@@ -60,7 +60,8 @@ int read_open(int descriptor, File &file) noexcept {
 }
 
 int read_file(const char *path, File &file) noexcept {
-  const int descriptor = open(path, O_RDONLY | O_CLOEXEC);
+  // A pipe that somebody put there must not be waited for.
+  const int descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (descriptor < 0)
     return UNICONV_ENOTABLE;
   const int code = read_open(descriptor, file);

@@ -2,7 +2,8 @@
  * commaps.h - the maps between the library's codes and the numbers of the wire protocol, and the
  * checks of state tables that the layers above define.
  *
- * Everything here is constant tables and small lookups. A null output is fatal, CS_FAIL.
+ * Everything here is constant tables and small lookups. A null pointer is fatal, CS_FAIL, where
+ * nothing else is said.
  */
 #ifndef ZRV_COMMAPS_H
 #define ZRV_COMMAPS_H
@@ -209,12 +210,13 @@ typedef struct _csnstable {
 } CS_NS_TABLE;
 
 /* A state beyond the table's number of states, and a state without a list, have no events. Where
- * that number is 0, the caller answers for every state that it asks for. */
+ * that number is 0 or less, the caller answers for every state that it asks for. */
 
-/* 1 if the event is allowed in the state, else 0. */
+/* 1 if the event is allowed in the state, else 0. A null table is fatal, 0. */
 ZRV_API CS_BOOL com_st_ver(CS_ST_TABLE *table, CS_STATE state, CS_EVENT event) ZRV_NOEXCEPT;
 
-/* 1, and the event that `event` depends on, or 0 with the output unchanged. */
+/* 1, and the event that `event` depends on, or 0 with the output unchanged. A null table or output
+ * is fatal, 0. */
 ZRV_API CS_BOOL com_st_depend(CS_ST_TABLE *table, CS_EVENT event,
                               CS_EVENT *depend_event) ZRV_NOEXCEPT;
 

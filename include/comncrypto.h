@@ -63,7 +63,7 @@ ZRV_API CS_RETCODE comn_cryptolib_load(CS_VOID **retcclp) ZRV_NOEXCEPT;
  * hold of the provider of this installation, and are dropped afterwards as ever; a provider that does
  * not stay in memory behind its last dlclose does not allow that.
  *
- * Returns CS_SUCCEED.
+ * Returns CS_SUCCEED; CS_FAIL when a checked release fails and the application catches the signal.
  */
 ZRV_API CS_RETCODE comn_cryptolib_unload(void) ZRV_NOEXCEPT;
 
@@ -98,7 +98,8 @@ typedef struct _netenc_connection {
 ZRV_API CS_RETCODE com_cclcontext_alloc(CS_CONTEXT *context) ZRV_NOEXCEPT;
 
 /* Releases the record and clears ctxcclctx; the releases are checked. A context without a record is left
- * alone. The provider stays loaded. Returns CS_SUCCEED. */
+ * alone. The provider stays loaded. Returns CS_SUCCEED; CS_FAIL when a checked release fails and the
+ * application catches the signal. */
 ZRV_API CS_RETCODE com_cclcontext_drop(CS_CONTEXT *context) ZRV_NOEXCEPT;
 
 /*
@@ -237,8 +238,8 @@ typedef struct _comn_crypt_keypair {
  * keylength  in  in bits, and at the same time the room for the PEM of the public key in bytes: a key of
  *                2048 bits has more than it needs
  *
- * Returns the pair, to be given to comn_keypair_delete; null, nothing left behind, when there is no
- * memory, or the provider cannot be loaded or refuses.
+ * Returns the pair, to be given to comn_keypair_delete; null, nothing left behind, when the length is
+ * below 1, the PEM has no room in it, there is no memory, or the provider cannot be loaded or refuses.
  */
 ZRV_API COMN_KEYPAIR *comn_keypair_create(CS_CONTEXT *csctx, CS_INT keylength) ZRV_NOEXCEPT;
 

@@ -179,7 +179,7 @@ constexpr WireIndex duplicate_index(own_Com__tds_dup_datatype_map);
 
 CS_RETCODE deliver_form(const TDS_DATAMAP (&table)[CS_TYPE_COUNT], CS_INT type, CS_INT *wire_type,
                         CS_INT *lendatalen, CS_INT *maxlen) noexcept {
-  if (type < 0 || type >= CS_TYPE_COUNT || table[type].cs_datatype == no_type)
+  if (type < 0 || type >= CS_TYPE_COUNT)
     return COM_CS_BADTYPE;
   *wire_type = table[type].tds_datatype;
   *lendatalen = table[type].tds_lendatalen;

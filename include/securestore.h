@@ -86,8 +86,8 @@ ZRV_API CS_RETCODE comn_ssfslib_unload(CS_CONTEXT *context) ZRV_NOEXCEPT;
 
 /*
  * Writes to the log of the secure store, as printf does, and flushes it. The first call opens the file
- * "secstore.log" in the working directory, of the mode 0600, over an older one; where that cannot be
- * had, the log is standard output. A null format is fatal.
+ * "secstore.log" in the working directory: a new one of the mode 0600, or an older one, which is emptied
+ * and keeps its mode. Where that cannot be had, the log is standard output. A null format is fatal.
  */
 ZRV_API void com_ssfsdbg(CS_CHAR *format, ...) ZRV_NOEXCEPT __attribute__((format(printf, 1, 2)));
 

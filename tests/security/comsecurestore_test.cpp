@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -316,6 +317,7 @@ CS_CHAR *text(const char *constant) {
 TEST_F(SecureStore, TheLogStartsAnewAndIsWrittenAtOnce) {
   std::ofstream("secstore.log") << "what an older process wrote, which is long";
   com_ssfsdbg(text("%s %3i|"), "seven", 7);
+  EXPECT_EQ(fcntl(fileno(ssfsfile), F_GETFD), FD_CLOEXEC); // no other program gets it
   EXPECT_EQ(log(), "seven   7|");
   com_ssfsdbg(text("%s"), "eight\n");
   EXPECT_EQ(log(), "seven   7|eight\n");

@@ -16,6 +16,8 @@ FILE *ssfsfile = nullptr;
 
 namespace {
 
+constexpr char library_name[] = "libvelssfs.so";
+
 SSFS_CONTEXT *record_of(CS_CONTEXT *context) noexcept {
   return static_cast<SSFS_CONTEXT *>(context->ctxssfsctx);
 }
@@ -27,7 +29,7 @@ void log_place(int line) noexcept {
 
 void open_log() noexcept {
   constexpr mode_t owner_only = S_IRUSR | S_IWUSR;
-  const int file = open("secstore.log", O_WRONLY | O_CREAT | O_TRUNC, owner_only);
+  const int file = open("secstore.log", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, owner_only);
   ssfsfile = file < 0 ? nullptr : fdopen(file, "w");
   if (ssfsfile != nullptr)
     return;
@@ -88,18 +90,16 @@ CS_RETCODE comn_ssfslib_load(CS_CONTEXT *context) noexcept {
     return COMN_TRACE(CS_FAIL);
   if (record->ssfsp != nullptr)
     return COMN_TRACE(CS_SUCCEED);
-  char name[255];
-  std::snprintf(name, sizeof name, "%s%s", "libvelssfs", ".so");
   record->ssfsp = static_cast<SSFSAPI_PROVIDER *>(comn_calloc(1, sizeof(SSFSAPI_PROVIDER)));
   if (record->ssfsp == nullptr) {
     log_place(__LINE__);
     com_ssfsdbg(const_cast<CS_CHAR *>("Allocation of SSFSAPI_PROVIDER failed\n"));
     return COMN_TRACE(CS_FAIL);
   }
-  record->ssfsp->handle = dlopen(name, RTLD_NOW);
+  record->ssfsp->handle = dlopen(library_name, RTLD_NOW);
   if (record->ssfsp->handle == nullptr) {
     log_place(__LINE__);
-    com_ssfsdbg(const_cast<CS_CHAR *>("DLOPEN of %s library failed\n"), name);
+    com_ssfsdbg(const_cast<CS_CHAR *>("DLOPEN of %s library failed\n"), library_name);
     return COMN_TRACE(CS_FAIL);
   }
   return COMN_TRACE(look_up_all(*record->ssfsp) ? CS_SUCCEED : CS_FAIL);

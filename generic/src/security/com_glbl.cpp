@@ -1,6 +1,5 @@
 // The crypto provider of the process: opening it, its names, its lists of functions.
 #include <cstddef>
-#include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
 
@@ -16,7 +15,8 @@ CS_BOOL Com_fipsmode;
 
 namespace {
 
-// What the provider is asked with.
+// The provider, and what it is asked with.
+constexpr char library_name[] = "libvelcrypto.so";
 constexpr unsigned list_version = 2;
 constexpr char fips_property[] = "FIPS_140_2_CRYPTO_KERNEL_ACTIVE";
 
@@ -29,8 +29,6 @@ struct Name {
 constexpr Name names[] = {VELCRYPTO_NAMES(COM_CCL_NAME)};
 #undef COM_CCL_NAME
 
-VELCRYPTO_GET_LIST *get_f_list;
-
 // Stores the address of a name where `field` is; false, nothing stored, when the library lacks it.
 bool look_up(const char *name, void *field) noexcept {
   void *const address = dlsym(ccl_handle, name);
@@ -40,11 +38,11 @@ bool look_up(const char *name, void *field) noexcept {
   return true;
 }
 
-bool look_up_names(CCLAPI_PROVIDER &table) noexcept {
+bool look_up_names(CCLAPI_PROVIDER &table, VELCRYPTO_GET_LIST *&get_list) noexcept {
   for (const Name &name : names)
     if (!look_up(name.name, reinterpret_cast<char *>(&table) + name.offset))
       return false;
-  return look_up("cryptolib_get_f_list", &get_f_list);
+  return look_up("cryptolib_get_f_list", &get_list);
 }
 
 // A value of any length counts; one that is longer than the buffer is refused as too long.
@@ -74,11 +72,12 @@ bool is_api_released(const CCLAPI_PROVIDER &table, List *&list) noexcept {
 
 // Everything between the names and the lists of functions.
 bool set_up(CCLAPI_PROVIDER &table) noexcept {
+  VELCRYPTO_GET_LIST *get_list = nullptr;
   unsigned granted = 0;
-  return look_up_names(table) &&
+  return look_up_names(table, get_list) &&
          !is_failure(table.velcr_set_property_int(fips_property, is_fips_wanted())) &&
-         !is_failure(get_f_list(list_version, "en_US", &table.cryptolib_f_list, &granted,
-                                "NCL application", 0)) &&
+         !is_failure(get_list(list_version, "en_US", &table.cryptolib_f_list, &granted,
+                              "NCL application", 0)) &&
          !is_failure(get_api(table, "SEC_KEYCONVERT_1", table.sec_keyconvert_functions)) &&
          !is_failure(get_api(table, "VELCCL_1", table.sec_velccl_functions));
 }
@@ -88,9 +87,7 @@ bool set_up(CCLAPI_PROVIDER &table) noexcept {
 CS_RETCODE comn_cryptolib_load(CS_VOID **retcclp) noexcept {
   COMN_CHECK_PTR(retcclp, COMN_TRACE(CS_FAIL));
   if (cclp == nullptr) {
-    char file[255];
-    std::snprintf(file, sizeof file, "%s%s", "libvelcrypto", ".so");
-    ccl_handle = dlopen(file, RTLD_NOW);
+    ccl_handle = dlopen(library_name, RTLD_NOW);
     if (ccl_handle == nullptr)
       return COMN_TRACE(CS_FAIL);
     auto *const table = static_cast<CCLAPI_PROVIDER *>(comn_calloc(1, sizeof(CCLAPI_PROVIDER)));

@@ -2,7 +2,6 @@
 #include <dlfcn.h>
 #include <pwd.h>
 
-#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>

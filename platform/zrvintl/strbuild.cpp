@@ -64,7 +64,7 @@ int fetch(Argument (&arguments)[INTL_MAX_ARGUMENTS], const char *format, va_list
   return count;
 }
 
-// A result on its way into a buffer. What has no room is counted and not stored.
+// A result on its way into a buffer; empty in the end where a part of it had no room.
 class Result {
 public:
   Result(char *buffer, int size) noexcept : bytes(buffer), room(static_cast<size_t>(size) - 1) {}

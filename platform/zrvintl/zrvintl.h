@@ -69,8 +69,8 @@ ZRV_API void comn_free(void *block) ZRVINTL_NOEXCEPT;
 ZRV_API int intlgetenv(char *buffer, int size, const char *name) ZRVINTL_NOEXCEPT;
 
 /*
- * Finds the installation's home directory: the variable ZARVEK if it is set, else the home
- * directory of the user zarvek, else the tree that was installed with this library. Whether the
+ * Finds the installation's home directory: the variable ZARVEK if it is set and not empty, else the
+ * home directory of the user zarvek, else the tree that was installed with this library. Whether the
  * directory exists is not looked at for ZARVEK. Trailing slashes are dropped.
  *
  * buffer  out  the path, NUL-terminated; the empty string on failure

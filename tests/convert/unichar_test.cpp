@@ -437,18 +437,20 @@ TEST(UnicharValues, ConventionsOfTheLocale) {
 
 TEST(UnicharValues, EachAllocationFails) {
   TextWorld world;
+  size_t to_values = 0, from_values = 0;
   for (const Value &value : values()) {
     const std::string text = wide(value.text);
-    zrvtest::fail_each_allocation([] {},
-                                  [&] {
-                                    const Result result = to_value(world, value, text);
-                                    if (result.status == CS_SUCCEED)
-                                      return false;
-                                    EXPECT_EQ(result.status, CS_MEM_ERROR) << value.name;
-                                    return true;
-                                  },
-                                  [] {});
-    zrvtest::fail_each_allocation(
+    to_values += zrvtest::fail_each_allocation([] {},
+                                               [&] {
+                                                 const Result result = to_value(world, value, text);
+                                                 if (result.status == CS_SUCCEED)
+                                                   return false;
+                                                 EXPECT_EQ(result.status, CS_MEM_ERROR)
+                                                     << value.name;
+                                                 return true;
+                                               },
+                                               [] {});
+    from_values += zrvtest::fail_each_allocation(
         [] {},
         [&] {
           const Result result = from_value(world, value, room_of(CS_TYPE_UNICHAR, 48), 48);
@@ -459,6 +461,8 @@ TEST(UnicharValues, EachAllocationFails) {
         },
         [] {});
   }
+  EXPECT_GT(to_values, 0U);
+  EXPECT_GT(from_values, 0U);
   AllocationProbe probe;
   probe.fail(1);
   EXPECT_EQ(to_value(world, values().back(), wide("1")), (Result{CS_MEM_ERROR, 0, "\xA5"}));

@@ -258,6 +258,37 @@ TEST_F(CharsetLoad, ShortTablesAreFilledUp) {
   EXPECT_EQ(comn_isalpha(cache.locchardesc->char_attrib, character), 0);
 }
 
+// A set keeps the planes of its file and those that its first plane names, up to the last one named.
+TEST_F(CharsetLoad, KeepsThePlanesInUse) {
+  constexpr size_t records = sizeof(CsCharDesc) + sizeof(CHAR_ATTRIB);
+  Class1 set;
+  ASSERT_EQ(load(set.text()), CS_SUCCEED);
+  EXPECT_EQ(probe.live_bytes(), records + 1028 + 257);
+  drop();
+  for (const size_t entry : {0U, 1U, 255U})
+    for (const size_t plane : {0U, 1U, 254U, 255U}) {
+      set.types = pattern(1028, 1);
+      set.types[4 * entry] = static_cast<CS_BYTE>(plane);
+      set.types[4 * entry + 3] = 0x80;
+      ASSERT_EQ(load(set.text()), CS_SUCCEED);
+      const size_t planes = std::max<size_t>(1028, 1024 * (plane + 1));
+      EXPECT_EQ(probe.live_bytes(), records + planes + 257) << entry << " " << plane;
+      expect_table(loaded().cs_type_map, set.types, "types");
+      drop();
+    }
+  // The spare entry behind the plane names none.
+  set.types = pattern(1028, 1);
+  set.types[1024] = 255;
+  set.types[1027] = 0x80;
+  ASSERT_EQ(load(set.text()), CS_SUCCEED);
+  EXPECT_EQ(probe.live_bytes(), records + 1028 + 257);
+  drop();
+  // All of the file's planes, named or not.
+  const Class2 two;
+  ASSERT_EQ(load(two.text()), CS_SUCCEED);
+  EXPECT_EQ(probe.live_bytes(), records + 256 + 256 * sizeof(CS_NORM_MAP) + 2048 + 256);
+}
+
 // Entries in any order, other sections before, lines of any length that an odd number of digits may
 // have, capitals, further values of a line, whatever follows the images.
 TEST_F(CharsetLoad, FormsOfTheFile) {
@@ -537,9 +568,13 @@ TEST_F(CharsetLoad, EachByteChanged) {
 }
 
 TEST_F(CharsetLoad, EachAllocationFailed) {
-  // The descriptor, the reader's block, the record, and two tables or four.
-  for (const auto &[text, blocks] :
-       {std::pair{Class1().text(), 5}, std::pair{Class2().text(), 7}}) {
+  Class1 naming;
+  naming.types[0] = 255;
+  naming.types[3] = 0x80;
+  // The descriptor, the reader's block, the record, and two tables or four; a type map of which a
+  // plane is named and missing is taken twice.
+  for (const auto &[text, blocks] : {std::pair{Class1().text(), 5}, std::pair{Class2().text(), 7},
+                                     std::pair{naming.text(), 6}}) {
     write(text);
     const size_t failed = fail_each_allocation(
         [] {},

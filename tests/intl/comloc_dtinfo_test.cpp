@@ -201,7 +201,7 @@ TEST_F(ReadCommon, FailsWithEachAllocation) {
 }
 
 TEST_F(ReadCommon, FailsWithEachIoOperation) {
-  fail_each_io([this] {
+  const size_t failed = fail_each_io([this] {
     const CS_RETCODE result = read();
     if (result == CS_SUCCEED) {
       comn_intl_dt_drop(&context);
@@ -210,6 +210,7 @@ TEST_F(ReadCommon, FailsWithEachIoOperation) {
     EXPECT_EQ(globals.cmg_datetime, nullptr);
     return result != CS_SUCCEED;
   });
+  EXPECT_GE(failed, 2U);
 }
 
 TEST_F(ReadCommon, NeedsACompleteCache) {

@@ -341,33 +341,40 @@ TEST_F(Load, TellsTheFileAtFault) {
 TEST_F(Load, FailsWithEachAllocation) {
   for (const char *const name : {"de_DE", "formats"}) {
     CsLocCache *cache = nullptr;
-    fail_each_allocation([] {},
-                         [&] {
-                           const CS_RETCODE result = family.load(name, &cache);
-                           EXPECT_TRUE(result == CS_SUCCEED || result == CS_MEM_ERROR ||
-                                       result == COM_LOCFILE_ERROR) // the block of an open file
-                               << result;
-                           EXPECT_EQ(family.caches(), result == CS_SUCCEED ? 1U : 0U);
-                           return result != CS_SUCCEED;
-                         },
-                         [&] {
-                           comn_intl_dt_drop(&family.context);
-                           comn_intl_message_drop(&family.context);
-                           com_intl_loccache_drop(&family.context);
-                           com_intl_chardesc_drop(&family.context);
-                           cache = nullptr;
-                         });
+    const size_t failed =
+        fail_each_allocation([] {},
+                             [&] {
+                               const CS_RETCODE result = family.load(name, &cache);
+                               EXPECT_TRUE(result == CS_SUCCEED || result == CS_MEM_ERROR ||
+                                           result == COM_LOCFILE_ERROR) // the block of an open file
+                                   << result;
+                               EXPECT_EQ(family.caches(), result == CS_SUCCEED ? 1U : 0U);
+                               return result != CS_SUCCEED;
+                             },
+                             [&] {
+                               comn_intl_dt_drop(&family.context);
+                               comn_intl_message_drop(&family.context);
+                               com_intl_loccache_drop(&family.context);
+                               com_intl_chardesc_drop(&family.context);
+                               cache = nullptr;
+                             });
+    // Twice those of the cache, of the character set and of what the language has.
+    EXPECT_GE(failed, 2 * 10U);
   }
 }
 
 TEST_F(Load, FailsWithEachIoOperation) {
   CsLocCache *cache = nullptr;
-  fail_each_io([&] {
+  const size_t failed = fail_each_io([&] {
     const CS_RETCODE result = family.load("formats", &cache);
+    EXPECT_TRUE(result == CS_SUCCEED || result == COM_LOCFILE_ERROR || result == COM_INTL_ERROR)
+        << result;
+    EXPECT_EQ(family.caches(), result == CS_SUCCEED ? 1U : 0U);
     com_intl_loccache_drop(&family.context);
     com_intl_chardesc_drop(&family.context);
     return result != CS_SUCCEED;
   });
+  EXPECT_GE(failed, 6U);
 }
 
 TEST_F(Load, RefusesWrongArguments) {

@@ -114,6 +114,12 @@ size_t AllocationProbe::failures() const {
 size_t AllocationProbe::live_blocks() const {
   return state().live.size();
 }
+size_t AllocationProbe::live_bytes() const {
+  size_t bytes = 0;
+  for (const auto &[block, size] : state().live)
+    bytes += size;
+  return bytes;
+}
 size_t AllocationProbe::last_size() const {
   return state().last_size;
 }

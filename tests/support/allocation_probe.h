@@ -30,6 +30,7 @@ public:
   size_t allocations() const; // since the start, failed ones included
   size_t failures() const;    // allocations that were made to fail
   size_t live_blocks() const; // taken since the start and not released
+  size_t live_bytes() const;  // what was asked for in them
   size_t last_size() const;   // bytes of the latest request
   // What stood in the block that was released last, so that a test can see whether it was cleared.
   std::string last_released() const;
@@ -39,9 +40,9 @@ public:
 // them. Each time: `operation` runs on what `setup` made and must report the failure by returning
 // true; then the allocator recovers and `operation` must succeed at once (return false); then
 // `cleanup` runs and no block may be left. Returns the number of allocations failed.
-size_t fail_each_allocation(const std::function<void()> &setup,
-                            const std::function<bool()> &operation,
-                            const std::function<void()> &cleanup);
+[[nodiscard]] size_t fail_each_allocation(const std::function<void()> &setup,
+                                          const std::function<bool()> &operation,
+                                          const std::function<void()> &cleanup);
 
 } // namespace zrvtest
 

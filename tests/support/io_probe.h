@@ -36,7 +36,7 @@ public:
 // Fails each open, read and close of `operation` in turn, until a run makes no more of them. Each
 // time `operation` must report the failure by returning true, and then succeed at once (return
 // false); no file may stay open. Returns the number of calls failed.
-size_t fail_each_io(const std::function<bool()> &operation);
+[[nodiscard]] size_t fail_each_io(const std::function<bool()> &operation);
 
 } // namespace zrvtest
 

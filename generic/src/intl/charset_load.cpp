@@ -1,4 +1,5 @@
 // Loads the file charset.loc of a character set, and keeps the list of what is loaded.
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -17,12 +18,10 @@ constexpr std::string_view image_key = "definition";
 // An image without tables of any use is smaller than this.
 constexpr CS_UINT least_class2_size = sizeof(cs_2class) + sizeof(CS_TYPE_MAP) + sizeof(CS_SOUNDEX);
 
-// A byte numbers the planes of a map. Room for all of them, cleared: whatever plane an entry of the
-// file names, a look-up stays inside.
-constexpr size_t plane_count = 256;
+// A byte numbers the planes of a normalisation map. Room for all of them, cleared: whatever plane an
+// entry of the file names, a look-up stays inside.
 constexpr size_t width_room = 256;
-constexpr size_t norm_room = plane_count * sizeof(CS_NORM_MAP);
-constexpr size_t type_room = plane_count * sizeof(CS_TYPE_MAP);
+constexpr size_t norm_room = 256 * sizeof(CS_NORM_MAP);
 
 CsCharDesc *first_of(CS_CONTEXT *context) noexcept {
   return static_cast<CsCharDesc *>(context->ctxglobals->cmg_chardesc);
@@ -49,6 +48,34 @@ CS_RETCODE read_table(CS_CONTEXT *context, INTL_LOCFILE *file, bool at_hand, siz
     return CS_MEM_ERROR;
   return comn__get_image(context, file, at_hand, reinterpret_cast<CS_BYTE *>(*table),
                          static_cast<CS_INT>(size));
+}
+
+// The planes that a look-up asks for: the first one and those that its entries name.
+size_t planes_in_use(const CS_TYPE_MAP &first) noexcept {
+  size_t count = 1;
+  for (const CHAR_MAP &entry : first.chmap)
+    if ((entry.char_type & CS_CTYPE_LEAD) != 0)
+      count = std::max<size_t>(count, entry.char_upper + size_t{1});
+  return count;
+}
+
+// Gives a set its type map. Planes that the first one names and the file does not hold stand behind
+// it, cleared, so that a look-up stays inside.
+CS_RETCODE read_type_map(CS_CONTEXT *context, INTL_LOCFILE *file, bool at_hand, size_t size,
+                         CHAR_ATTRIB *set) noexcept {
+  const CS_RETCODE result = read_table(context, file, at_hand, size, size, &set->cs_type_map);
+  if (result != CS_SUCCEED)
+    return result;
+  const size_t room = planes_in_use(*set->cs_type_map) * sizeof(CS_TYPE_MAP);
+  if (room <= size)
+    return CS_SUCCEED;
+  auto *const whole = static_cast<CS_TYPE_MAP *>(comn_calloc(room, 1));
+  if (whole == nullptr)
+    return CS_MEM_ERROR;
+  std::memcpy(whole, set->cs_type_map, size);
+  comn_free(set->cs_type_map);
+  set->cs_type_map = whole;
+  return CS_SUCCEED;
 }
 
 CS_RETCODE read_class(CS_CONTEXT *context, INTL_LOCFILE *file, CHAR_ATTRIB *set) noexcept {
@@ -211,8 +238,7 @@ CS_RETCODE comn__load_charset1(CsContext *context, INTL_LOCFILE *ifile, CS_UINT 
   COMN_CHECK_PTR(chatr, CS_FAIL);
   if (imagesize != sizeof(cs_1class))
     return CS_FAIL;
-  CS_RETCODE result =
-      read_table(context, ifile, true, sizeof(cs_1class::char_map), type_room, &chatr->cs_type_map);
+  CS_RETCODE result = read_type_map(context, ifile, true, sizeof(cs_1class::char_map), chatr);
   if (result == CS_SUCCEED)
     result = read_table(context, ifile, false, sizeof(cs_1class::sounds), sizeof(cs_1class::sounds),
                         &chatr->cs_soundex);
@@ -249,7 +275,7 @@ CS_RETCODE comn__load_charset2(CsContext *context, INTL_LOCFILE *ifile, CS_UINT 
   if (result == CS_SUCCEED && norm_size != 0)
     result = read_table(context, ifile, false, norm_size, norm_room, &chatr->cs_norm_map);
   if (result == CS_SUCCEED)
-    result = read_table(context, ifile, false, type_size, type_room, &chatr->cs_type_map);
+    result = read_type_map(context, ifile, false, type_size, chatr);
   if (result == CS_SUCCEED)
     result = read_table(context, ifile, false, sound_size, sound_size, &chatr->cs_soundex);
   if (result != CS_SUCCEED)

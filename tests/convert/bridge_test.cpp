@@ -745,9 +745,8 @@ TEST(CastHex, ToIntegers) {
     EXPECT_EQ(i4(empty).status, OK);
     EXPECT_EQ(i4(empty).value<CS_INT>(), 0);
   }
-  for (const char *bad : {"G", "1 2", "0x0x1", "-1", "+1", "x1", "1\0"}) {
-    EXPECT_EQ(i4(bad).status, *bad == '1' && bad[1] == '\0' ? OK : SY) << bad;
-  }
+  for (const char *bad : {"G", "1 2", "0x0x1", "-1", "+1", "x1"})
+    EXPECT_EQ(i4(bad).status, SY) << bad;
   EXPECT_EQ(i4("1\0"s).status, SY);
   EXPECT_TRUE(i4("G").is_untouched());
   EXPECT_EQ(i4("100000000").status, OV);

@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstdint>
 #include <map>
+#include <set>
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -26,6 +27,7 @@ struct State {
   std::string last_failed;
   size_t most = SIZE_MAX;
   std::map<std::string, size_t> by_name;
+  std::set<int> written;
 };
 
 State &state() {
@@ -95,6 +97,8 @@ extern "C" ssize_t read(int file, void *buffer, size_t size) {
 
 extern "C" ssize_t write(int file, const void *buffer, size_t size) {
   static auto *const next = real<ssize_t(int, const void *, size_t)>("write", "write");
+  if (state().counting)
+    state().written.insert(file);
   if (!meter("write"))
     return next(file, buffer, std::min(size, state().most));
   if (!state().kills)
@@ -150,7 +154,8 @@ extern "C" dirent *readdir(DIR *stream) {
 
 extern "C" int close(int file) {
   static auto *const next = real<int(int)>("close", "close");
-  const bool has_failed = fails("close");
+  const bool was_written = state().counting && state().written.erase(file) != 0;
+  const bool has_failed = fails(was_written ? "close of what was written" : "close");
   const int error = errno;
   const int result = next(file);
   if (!has_failed)

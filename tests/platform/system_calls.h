@@ -30,7 +30,8 @@ public:
   size_t calls() const;
   size_t calls(const std::string &name) const;
   size_t failures() const;
-  std::string last_failed() const; // the name of the call
+  // The name of the call; that of a file that was written to is "close of what was written".
+  std::string last_failed() const;
 };
 
 } // namespace zrvtest

@@ -385,10 +385,11 @@ TEST(ComEncTest, SearchFindsACopyThatIsLeft) {
   EXPECT_TRUE(stack.holds(secret_text));
 }
 
-// No word of the text is left beside the working copy. The sanitizers' code keeps half a block that
-// the release keeps in a register in memory, which says nothing about the library.
+// No word of the text is left beside the working copy. Half a block, which the release keeps in a
+// register, is a variable in memory with the sanitizers and without optimisation: that says nothing
+// about the library.
 void expect_no_part_of_the_secret(const SearchableStack &stack) {
-  if (!zrvtest::sanitized) {
+  if (!zrvtest::sanitized && zrvtest::optimized) {
     EXPECT_FALSE(stack.holds_part_of(secret_text, 4));
   }
 }

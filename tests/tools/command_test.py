@@ -1381,7 +1381,15 @@ class Command(unittest.TestCase):
         self.check(zrvcomn("check", "german", ZARVEK=str(home)), 1,
                    f"{home}/locales/message/german/common.loc: COM_LOCFILE_ERROR, the file cannot be "
                    "opened: put the file back, and let this user read it\n1 checked, 1 wrong\n")
-        self.check(zrvcomn("check", "italian", ZARVEK=str(home)), 0, "1 checked, 0 wrong\n")
+        problem = [f"{home}/locales/message/german/common.loc", "COM_LOCFILE_ERROR, the file cannot be opened",
+                   "put the file back, and let this user read it"]
+        self.check(zrvcomn("check", "german", "--plain", ZARVEK=str(home)), 1, "\t".join(problem) + "\n")
+        result = zrvcomn("check", "german", "--json", ZARVEK=str(home))
+        self.assertEqual((result.code, json.loads(result.out)),
+                         (1, dict(zip(("what", "problem", "advice"), problem))))
+        for words in ([], ["--plain"], ["--json"]):
+            self.check(zrvcomn("check", "italian", *words, ZARVEK=str(home)), 0,
+                       "" if words else "1 checked, 0 wrong\n")
 
     # What is broken is named with its path, even where nothing can start, and no hint leads back here.
     def test_check_of_what_cannot_start(self):

@@ -6,9 +6,11 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "charset_names.h"
 #include "identifiers.h"
+#include "listing.h"
 #include "output.h"
 #include "started.h"
 #include "subcommand.h"
@@ -29,14 +31,18 @@ std::string home() {
   return path;
 }
 
-const char *converter_failure(int failure) {
+struct Trouble {
+  const char *problem, *advice;
+};
+
+Trouble converter_trouble(int failure) {
   switch (failure) {
   case UNICONV_ENOTABLE:
-    return "the file cannot be read: put the file back, and let this user read it";
+    return {"the file cannot be read", "put the file back, and let this user read it"};
   case UNICONV_EDAMAGED:
-    return "the file is damaged: put the shipped one back";
+    return {"the file is damaged", "put the shipped one back"};
   default:
-    return "no memory: free some memory";
+    return {"no memory", "free some memory"};
   }
 }
 
@@ -53,7 +59,7 @@ std::vector<std::string> directories(const fs::path &folder) {
 
 class Check {
 public:
-  explicit Check(Writer &writer) : out(writer), started("default") {}
+  Check(Writer &writer, const Listing &wanted) : out(writer), listing(wanted), started("default") {}
 
   void language(const std::string &name) {
     ++checked;
@@ -91,7 +97,7 @@ public:
       ++checked;
       std::string why_not;
       if (started.load(locale, why_not) == nullptr)
-        print("locale " + locale + ": " + why_not + ": mend the row or the file that it names");
+        print("locale " + locale, why_not, "mend the row or the file that it names");
     }
   }
 
@@ -106,13 +112,16 @@ public:
       if (failure == UNICONV_ENOCONV) // there is none for this set
         continue;
       ++checked;
-      if (failure != UNICONV_SUCCEED)
-        print(home() + "/charsets/unicode/" + set.name + ".bin: " + converter_failure(failure));
+      if (failure == UNICONV_SUCCEED)
+        continue;
+      const Trouble trouble = converter_trouble(failure);
+      print(home() + "/charsets/unicode/" + set.name + ".bin", trouble.problem, trouble.advice);
     }
   }
 
   int finish() {
-    out.text += std::to_string(checked) + " checked, " + std::to_string(problems) + " wrong\n";
+    if (!listing.is_for_programs())
+      out.text += std::to_string(checked) + " checked, " + std::to_string(problems) + " wrong\n";
     out.flush();
     return problems == 0 ? exit_success : exit_failure;
   }
@@ -134,25 +143,35 @@ private:
 
   void report(CS_RETCODE status) {
     if (status != CS_SUCCEED)
-      print(file + ": " + failure_text(status, *started.get()) + ": " + advice_on(status));
+      print(file, failure_text(status, *started.get()), advice_on(status));
   }
 
-  void print(const std::string &problem) {
+  void print(const std::string &what, const std::string &problem, const std::string &advice) {
     ++problems;
-    out.text += problem + "\n";
+    if (listing.is_for_programs())
+      listing.add(out.text, {{"what", what}, {"problem", problem}, {"advice", advice}});
+    else
+      out.text += what + ": " + problem + ": " + advice + "\n";
     out.settle();
   }
 
   Writer &out;
+  const Listing &listing;
   Started started;
   CS_CHAR messages_file[12] = "comnlib.loc";
   std::string file;
   size_t checked = 0, problems = 0;
 };
 
-int run(const std::string &what) {
+struct Options {
+  std::string what = "all";
+  Listing listing;
+};
+
+int run(const Options &options) {
+  const std::string &what = options.what;
   Writer out(STDOUT_FILENO);
-  Check check(out);
+  Check check(out, options.listing);
   const std::vector<std::string> languages = directories(home() + "/locales/message");
   std::vector<std::string> sets = directories(home() + "/charsets");
   std::erase(sets, "unicode"); // the tables of the converters
@@ -177,18 +196,19 @@ int run(const std::string &what) {
 }
 
 Subcommand::Run add(CLI::App &app) {
-  const auto what = std::make_shared<std::string>("all");
-  app.add_option("what", *what, "A language, a character set, or all (the default)")
+  const auto options = std::make_shared<Options>();
+  app.add_option("what", options->what, "A language, a character set, or all (the default)")
       ->type_name("LANGUAGE|SET|all");
+  add_listing(app, options->listing, "problem");
   app.footer("Loads what is checked: tables and messages of languages, character sets with their\n"
              "sort orders and, with all, the tables of the converters and every locale. Each\n"
-             "problem is a line: the file, the status, what to do.\n"
+             "problem is a line: the file or locale, the status, what to do.\n"
              "\nExamples:\n"
              "  zrvcomn check all\n"
              "  zrvcomn check german\n"
-             "  zrvcomn check iso_1\n"
+             "  zrvcomn check iso_1 --json\n"
              "\nExit codes: 0 nothing is wrong, 1 something is, 2 wrong usage.");
-  return [what](const std::vector<std::string> &) { return run(*what); };
+  return [options](const std::vector<std::string> &) { return run(*options); };
 }
 
 const Subcommand check("check", "Load the whole installation and say what is wrong with it", add);

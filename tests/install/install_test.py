@@ -119,14 +119,6 @@ class Install(unittest.TestCase):
                     run(valgrind, "-q", "--leak-check=full", "--error-exitcode=9",
                         f"--suppressions={here / 'valgrind.supp'}", program, env=environment)
 
-    # README shows the first example as it stands.
-    def test_readme_program(self):
-        source = (project.source_dir / "examples" / "convert.c").read_text()
-        program, printed = source.split("/* prints:\n")
-        readme = (project.source_dir / "README.md").read_text()
-        self.assertIn("```c\n" + program + "```\n", readme)
-        self.assertIn("`" + printed.splitlines()[0] + "`", readme)
-
     def test_find_package(self):
         binary = self.scratch / "find-package"
         toolchain = [f"-DCMAKE_TOOLCHAIN_FILE={build.toolchain}"] if build.toolchain else []

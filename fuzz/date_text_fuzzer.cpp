@@ -3,8 +3,6 @@
 // precision, the style and the order; each other one is an ASCII character, in its wide form where its
 // top bit is set. The same bytes are then a text as they stand, for all entry points.
 #include <cstdint>
-#include <cstring>
-#include <memory>
 #include <string>
 
 #include "date_text_reference.h"
@@ -13,22 +11,6 @@
 #include "zrvcomn/datetime.h"
 
 using zrvfuzz::require;
-
-namespace {
-
-// A copy that ends where its block does.
-class Text {
-public:
-  explicit Text(const std::string &text)
-      : bytes(new char[text.size() + (text.empty() ? 1 : 0)]),
-        length(static_cast<CS_INT>(text.size())) {
-    std::memcpy(bytes.get(), text.data(), text.size());
-  }
-  const std::unique_ptr<char[]> bytes;
-  const CS_INT length;
-};
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   constexpr size_t head = 4;
@@ -47,12 +29,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   for (size_t i = head; i < size; ++i)
     ascii += static_cast<char>(data[i] & 0x7F);
   size_t next = head - 1;
-  const Text text(set.spell(ascii, [&] { return (data[++next] & 0x80) != 0; }));
+  const zrvfuzz::ExactText text(set.spell(ascii, [&] { return (data[++next] & 0x80) != 0; }));
   CS_DATEREC fields;
   fields.dateyear = zrvtest::untouched_year;
   CS_BOOL truncated;
-  const int status = xdaterecfromchar(&fields, text.bytes.get(), text.length, partonly, style,
-                                      order, names, short_names, set.get(),
+  const int status = xdaterecfromchar(&fields, text.data(), text.size(), partonly, style, order,
+                                      names, short_names, set.get(),
                                       micros ? CS_TYPE_BIGDATETIME : CS_TYPE_DATETIME, &truncated);
   const zrvtest::DateParse expected =
       zrvtest::slow_date_parse(ascii, partonly, style, order, has_names, micros);
@@ -64,9 +46,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     require(got == expected.fields && (truncated == 1) == expected.truncated);
   }
 
-  const Text raw(std::string(reinterpret_cast<const char *>(data) + head, size - head));
+  const zrvfuzz::ExactText raw(
+      std::string(reinterpret_cast<const char *>(data) + head, size - head));
   const auto read = [&](auto entry, auto value) {
-    return entry(&value, raw.bytes.get(), raw.length, style, order, names, short_names, set.get(),
+    return entry(&value, raw.data(), raw.size(), style, order, names, short_names, set.get(),
                  nullptr);
   };
   const int results[] = {read(com__datefromchar_mb, CS_DATETIME{}),

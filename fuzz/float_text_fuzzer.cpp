@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "fuzz_input.h"
@@ -30,13 +29,12 @@ struct FloatParse {
 template <class Float>
 FloatParse<Float> convert(CS_CONV_FUNC function, CS_INT type, zrvfuzz::TextSets &sets,
                           zrvfuzz::TextSet &set, const std::string &text) {
-  const std::unique_ptr<char[]> copy(new char[text.size() + (text.empty() ? 1 : 0)]);
-  std::memcpy(copy.get(), text.data(), text.size());
-  CS_DATAFMT srcfmt = zrvfuzz::make_format(CS_TYPE_CHAR, static_cast<CS_INT>(text.size()), 0, set);
-  CS_DATAFMT destfmt = zrvfuzz::make_format(type, sizeof(Float), 0, set);
+  const zrvfuzz::ExactText copy(text);
+  CS_DATAFMT srcfmt = zrvfuzz::make_format(CS_TYPE_CHAR, text.size(), 0, &set);
+  CS_DATAFMT destfmt = zrvfuzz::make_format(type, sizeof(Float), 0, &set);
   FloatParse<Float> result{0, -1, 0};
   result.status =
-      function(&sets.context, &srcfmt, copy.get(), &destfmt, &result.value, &result.length);
+      function(&sets.context, &srcfmt, copy.data(), &destfmt, &result.value, &result.length);
   return result;
 }
 
@@ -93,8 +91,8 @@ void check_text(zrvfuzz::TextSets &sets, CS_FLOAT value) {
     expected.erase(0, 1);
   if (expected.find_first_of(".e") == std::string::npos)
     expected += ".0";
-  CS_DATAFMT srcfmt = zrvfuzz::make_format(CS_TYPE_FLOAT, 8, 0, sets.one_byte);
-  CS_DATAFMT destfmt = zrvfuzz::make_format(CS_TYPE_CHAR, sizeof printed, 0, sets.one_byte);
+  CS_DATAFMT srcfmt = zrvfuzz::make_format(CS_TYPE_FLOAT, 8, 0, &sets.one_byte);
+  CS_DATAFMT destfmt = zrvfuzz::make_format(CS_TYPE_CHAR, sizeof printed, 0, &sets.one_byte);
   CS_INT length = -1;
   require(comn_flt8tochar(&sets.context, &srcfmt, &value, &destfmt, printed, &length) ==
           CS_SUCCEED);

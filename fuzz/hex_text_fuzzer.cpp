@@ -7,21 +7,15 @@
 #include <vector>
 
 #include "fuzz_input.h"
+#include "text_sets.h"
 #include "zrvcomn/comnlib.h"
 
+using zrvfuzz::make_format;
 using zrvfuzz::require;
 
 namespace {
 
 constexpr CS_BYTE filler = 0xA5;
-
-CS_DATAFMT make_format(CS_INT type, size_t maxlength, CS_INT format = 0) {
-  CS_DATAFMT result{};
-  result.datatype = type;
-  result.maxlength = static_cast<CS_INT>(maxlength);
-  result.format = format;
-  return result;
-}
 
 // The text without the white space at its ends and without a prefix.
 std::string digits_of(std::string text) {

@@ -2,8 +2,6 @@
 // input, the first byte picks the set; each other one is an ASCII character, in its wide form where its
 // top bit is set. The same bytes are then a text as they stand.
 #include <cstdint>
-#include <cstring>
-#include <memory>
 #include <string>
 
 #include "fuzz_input.h"
@@ -15,14 +13,12 @@ using zrvfuzz::require;
 
 namespace {
 
-// Reads a copy that ends where its block does.
 template <class Integer>
 zrvtest::IntegerParse parse(int (*parser)(char *, int, Integer *, CHAR_ATTRIB *),
                             const std::string &text, CS_ATTRIB *set) {
-  const std::unique_ptr<char[]> copy(new char[text.size() + (text.empty() ? 1 : 0)]);
-  std::memcpy(copy.get(), text.data(), text.size());
+  const zrvfuzz::ExactText copy(text);
   Integer value;
-  const int status = parser(copy.get(), static_cast<int>(text.size()), &value, set);
+  const int status = parser(copy.data(), copy.size(), &value, set);
   return {status, std::to_string(value)};
 }
 

@@ -20,13 +20,13 @@ void check_name(const CS_CHAR (&name)[COM_LOCNAME_SIZE], CS_INT length, CS_INT l
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   static const zrvfuzz::Home home("locales/locales.dat");
   home.write(data, size);
-  std::signal(SIGABRT,
-              SIG_IGN); // a name that is too long is fatal, and the look-up goes on to fail
+  // A name that is too long is fatal, and the look-up goes on to fail.
+  const auto fuzzers_handler = std::signal(SIGABRT, SIG_IGN);
   CS_CONTEXT context{};
   CsLocNames names;
   CS_CHAR name[] = "default";
   const CS_RETCODE result = comn__intl_lookup(&context, name, sizeof name - 1, &names, nullptr, 0);
-  std::signal(SIGABRT, SIG_DFL);
+  std::signal(SIGABRT, fuzzers_handler);
   require(result == CS_SUCCEED || result == CS_FAIL || result == COM_INTL_ERROR);
   require((context.ctxintlerr < 0) == (result == COM_INTL_ERROR));
   const CS_INT least = result == CS_SUCCEED ? 1 : 0;

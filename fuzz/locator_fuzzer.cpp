@@ -8,37 +8,21 @@
 #include <vector>
 
 #include "fuzz_input.h"
-#include "test_charset.h"
-#include "zrvcomn/comloc.h"
+#include "text_sets.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvintl.h"
 
+using zrvfuzz::make_format;
 using zrvfuzz::require;
 
 namespace {
 
 struct World {
-  World() {
-    charset.oid = &oid;
-    charset.char_attrib = tables.get();
-    cache.locchardesc = &charset;
-    locale.ctypeptr = &cache;
-    context.ctxlocale = &locale;
-  }
-  zrvtest::TestCharset tables = zrvtest::TestCharset::one_byte();
-  CsOID oid{};
-  CsCharDesc charset{};
-  CsLocCache cache{};
-  CS_LOCALE locale{};
+  World() { context.ctxlocale = &set.locale; }
+
+  zrvfuzz::TextSet set{zrvtest::TestCharset::one_byte()};
   CS_CONTEXT context{};
 };
-
-CS_DATAFMT make_format(CS_INT type, size_t maxlength) {
-  CS_DATAFMT made{};
-  made.datatype = type;
-  made.maxlength = static_cast<CS_INT>(maxlength);
-  return made;
-}
 
 void *allocated(const std::string &bytes) {
   void *const block = comn_calloc(1, bytes.size());

@@ -2,8 +2,6 @@
 // back to text. Of the input, the first byte picks the set; each other one is an ASCII character, in its
 // wide form where its top bit is set. The same bytes are then a text as they stand.
 #include <cstdint>
-#include <cstring>
-#include <memory>
 #include <string>
 
 #include "fuzz_input.h"
@@ -15,13 +13,10 @@ using zrvfuzz::require;
 
 namespace {
 
-// Reads a copy that ends where its block does.
 zrvtest::MoneyParse parse(const std::string &text, CS_ATTRIB *set) {
-  const std::unique_ptr<char[]> copy(new char[text.size() + (text.empty() ? 1 : 0)]);
-  std::memcpy(copy.get(), text.data(), text.size());
+  const zrvfuzz::ExactText copy(text);
   CS_MONEY value;
-  const int status =
-      com__mnyfromchar_mb(&value, copy.get(), static_cast<CS_INT>(text.size()), 0, set);
+  const int status = com__mnyfromchar_mb(&value, copy.data(), copy.size(), 0, set);
   return {status, static_cast<int64_t>(static_cast<uint64_t>(value.mnyhigh) << 32 | value.mnylow)};
 }
 

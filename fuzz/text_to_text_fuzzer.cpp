@@ -23,34 +23,30 @@ namespace {
 constexpr CS_INT formats = CS_DFMT_NULLTERM | CS_DFMT_PADNULL | CS_DFMT_PADBLANK | CS_DFMT_ESCQUOTE;
 constexpr char filler = '\xA5';
 
-// A source that ends where its block does; a record whose text is cut is none.
-std::unique_ptr<char[]> source_of(const std::string &text, bool is_record) {
-  if (!is_record) {
-    std::unique_ptr<char[]> bytes(new char[text.size() + (text.empty() ? 1 : 0)]);
-    std::memcpy(bytes.get(), text.data(), text.size());
-    return bytes;
-  }
-  std::unique_ptr<char[]> bytes(new char[sizeof(CS_VARCHAR)]);
-  std::memset(bytes.get(), 'q', sizeof(CS_VARCHAR));
+// The text as a source: bytes, or a record, which is always whole.
+zrvfuzz::ExactText source_of(const std::string &text, bool is_record) {
+  if (!is_record)
+    return zrvfuzz::ExactText(text);
   const auto length = static_cast<CS_SMALLINT>(text.size());
-  std::memcpy(bytes.get(), &length, sizeof length);
-  std::memcpy(bytes.get() + sizeof length, text.data(), text.size());
-  return bytes;
+  std::string record(reinterpret_cast<const char *>(&length), sizeof length);
+  record += text;
+  record.resize(sizeof(CS_VARCHAR), 'q');
+  return zrvfuzz::ExactText(record);
 }
 
 zrvtest::TextResult convert(TextSets &sets, const std::string &text, bool is_record, CS_INT format,
                             CS_INT maxlength, TextSet &from, TextSet &to) {
   const auto source = source_of(text, is_record);
-  CS_DATAFMT srcfmt = make_format(is_record ? CS_TYPE_VARCHAR : CS_TYPE_CHAR,
-                                  static_cast<CS_INT>(text.size()), 0, from);
-  CS_DATAFMT destfmt = make_format(CS_TYPE_CHAR, maxlength, format, to);
+  CS_DATAFMT srcfmt =
+      make_format(is_record ? CS_TYPE_VARCHAR : CS_TYPE_CHAR, text.size(), 0, &from);
   const auto room = static_cast<size_t>(maxlength);
+  CS_DATAFMT destfmt = make_format(CS_TYPE_CHAR, room, format, &to);
   // A block of exactly the room, for the sanitizers.
   const std::unique_ptr<char[]> dest(new char[room + (room == 0 ? 1 : 0)]);
   std::memset(dest.get(), filler, room + (room == 0 ? 1 : 0));
   zrvtest::TextResult result{0, -1, {}};
   result.status = (is_record ? comn_varchartochar : comn_chartochar)(
-      &sets.context, &srcfmt, source.get(), &destfmt, dest.get(), &result.destlen);
+      &sets.context, &srcfmt, source.data(), &destfmt, dest.get(), &result.destlen);
   require(room != 0 || dest[0] == filler);
   require(result.destlen >= 0 && result.destlen <= maxlength);
   result.bytes.assign(dest.get(), room);
@@ -60,14 +56,14 @@ zrvtest::TextResult convert(TextSets &sets, const std::string &text, bool is_rec
 zrvtest::TextResult convert_to_record(TextSets &sets, const std::string &text, bool is_record,
                                       TextSet &from, TextSet &to) {
   const auto source = source_of(text, is_record);
-  CS_DATAFMT srcfmt = make_format(is_record ? CS_TYPE_VARCHAR : CS_TYPE_CHAR,
-                                  static_cast<CS_INT>(text.size()), 0, from);
-  CS_DATAFMT destfmt = make_format(CS_TYPE_VARCHAR, 0, 0, to);
+  CS_DATAFMT srcfmt =
+      make_format(is_record ? CS_TYPE_VARCHAR : CS_TYPE_CHAR, text.size(), 0, &from);
+  CS_DATAFMT destfmt = make_format(CS_TYPE_VARCHAR, 0, 0, &to);
   const std::unique_ptr<CS_VARCHAR> dest(new CS_VARCHAR);
   dest->len = -1;
   zrvtest::TextResult result{0, -1, {}};
   result.status = (is_record ? comn_varchartovarchar : comn_chartovarchar)(
-      &sets.context, &srcfmt, source.get(), &destfmt, dest.get(), &result.destlen);
+      &sets.context, &srcfmt, source.data(), &destfmt, dest.get(), &result.destlen);
   const CS_SMALLINT length = dest->len;
   require(length >= -1 && length <= CS_INT{sizeof dest->str});
   if (length >= 0)

@@ -7,11 +7,11 @@
 
 #include "fuzz_input.h"
 #include "pad_reference.h"
-#include "test_charset.h"
+#include "text_sets.h"
 #include "utf_reference.h"
-#include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
 
+using zrvfuzz::make_format;
 using zrvfuzz::require;
 using zrvtest::Octets;
 
@@ -20,20 +20,14 @@ namespace {
 // A context whose only locale is UTF-8.
 struct World {
   World() {
-    charset.oid = &oid;
-    charset.char_attrib = tables.get();
-    cache.locchardesc = &charset;
-    locale.ctypeptr = locale.timeptr = &cache;
-    globals.cmg_utf8_charset = &charset;
-    globals.cmg_utf8_ctypeptr = &cache;
+    utf8.locale.timeptr = &utf8.cache;
+    globals.cmg_utf8_charset = &utf8.charset;
+    globals.cmg_utf8_ctypeptr = &utf8.cache;
     context.ctxglobals = &globals;
-    context.ctxlocale = &locale;
+    context.ctxlocale = &utf8.locale;
   }
-  zrvtest::TestCharset tables = zrvtest::TestCharset::utf8();
-  CsOID oid{};
-  CsCharDesc charset{};
-  CsLocCache cache{};
-  CS_LOCALE locale{};
+
+  zrvfuzz::TextSet utf8{zrvtest::TestCharset::utf8()};
   CsCtxGlobals globals{};
   CS_CONTEXT context{};
 };
@@ -43,14 +37,6 @@ struct Result {
   CS_INT length;
   std::string bytes;
 };
-
-CS_DATAFMT make_format(CS_INT type, size_t maxlength, CS_INT format = 0) {
-  CS_DATAFMT made{};
-  made.datatype = type;
-  made.maxlength = static_cast<CS_INT>(maxlength);
-  made.format = format;
-  return made;
-}
 
 // A source and a destination of exactly their sizes, behind `shift` bytes.
 Result convert(World &world, CS_CONV_FUNC function, CS_INT from, const Octets &text, CS_INT to,

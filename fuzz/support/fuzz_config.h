@@ -6,9 +6,8 @@
 
 #include "fuzz_home.h"
 #include "fuzz_input.h"
-#include "zrvcomn/charset.h"
+#include "text_sets.h"
 #include "zrvcomn/comcfg.h"
-#include "zrvcomn/comloc.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/zrvintl.h"
 
@@ -17,10 +16,7 @@ namespace zrvfuzz {
 class ConfigWorld {
 public:
   ConfigWorld() : home("config/ncl.cfg") {
-    set_charset(com_get_charattrib());
-    cache.locchardesc = &charset;
-    locale.ctypeptr = &cache;
-    context.ctxlocale = &locale;
+    context.ctxlocale = &set.locale;
     context.ctxversion = 1600;
     context.ctxmalloc = [](CS_CONTEXT *, CS_UINT size) -> CS_VOID * { return comn_malloc(size); };
     context.ctxerrfunc = [](CS_CONTEXT *, CS_CLIENTMSG *message) -> CS_RETCODE {
@@ -35,7 +31,7 @@ public:
     return messages;
   }
 
-  void set_charset(CS_ATTRIB *set) { charset.char_attrib = set; }
+  void set_charset(CS_ATTRIB *attributes) { set.charset.char_attrib = attributes; }
 
   void write(const uint8_t *data, size_t size) { home.write(data, size); }
 
@@ -52,9 +48,7 @@ public:
 
 private:
   Home home;
-  CsCharDesc charset{};
-  CsLocCache cache{};
-  CS_LOCALE locale{};
+  SetLocale set{com_get_charattrib()};
   CS_CONTEXT context{};
 };
 

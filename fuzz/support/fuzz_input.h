@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <string>
 
 namespace zrvfuzz {
@@ -13,6 +15,23 @@ inline void require(bool condition) {
   if (!condition)
     std::abort();
 }
+
+// A copy of a text that ends where its block does, so that the sanitizers see a byte read behind it.
+class ExactText {
+public:
+  explicit ExactText(const std::string &text)
+      : bytes(new char[text.size() + (text.empty() ? 1 : 0)]),
+        length(static_cast<int>(text.size())) {
+    std::memcpy(bytes.get(), text.data(), text.size());
+  }
+
+  char *data() const { return bytes.get(); }
+  int size() const { return length; }
+
+private:
+  std::unique_ptr<char[]> bytes;
+  int length;
+};
 
 // The bytes of an input, zeroes when they are used up.
 class Input {

@@ -1,4 +1,5 @@
-// A context whose formats may ask for one of four character sets, made by hand.
+// Formats and locales of character sets that are made by hand, and a context whose formats may ask for one
+// of four.
 #ifndef ZRVFUZZ_TEXT_SETS_H
 #define ZRVFUZZ_TEXT_SETS_H
 
@@ -8,23 +9,32 @@
 
 namespace zrvfuzz {
 
-// A character set, and a locale that has it.
-struct TextSet {
-  TextSet(zrvtest::TestCharset set, int csid) : tables(std::move(set)) {
-    tables.get()->cs_id = static_cast<CS_BYTE>(csid);
+// A locale that has a character set.
+struct SetLocale {
+  explicit SetLocale(CS_ATTRIB *attributes) {
     charset.oid = &oid;
-    charset.char_attrib = tables.get();
+    charset.char_attrib = attributes;
     cache.locchardesc = &charset;
     locale.ctypeptr = &cache;
   }
-  TextSet(const TextSet &) = delete;
-  TextSet &operator=(const TextSet &) = delete;
+  SetLocale(const SetLocale &) = delete;
+  SetLocale &operator=(const SetLocale &) = delete;
 
-  zrvtest::TestCharset tables;
   CsOID oid{};
   CsCharDesc charset{};
   CsLocCache cache{};
   CS_LOCALE locale{};
+};
+
+// The same with the tables of the set.
+struct TextSet : SetLocale {
+  explicit TextSet(zrvtest::TestCharset set, int csid = 0)
+      : SetLocale(nullptr), tables(std::move(set)) {
+    tables.get()->cs_id = static_cast<CS_BYTE>(csid);
+    charset.char_attrib = tables.get();
+  }
+
+  zrvtest::TestCharset tables;
 };
 
 struct TextSets {
@@ -46,12 +56,13 @@ struct TextSets {
   CS_CONTEXT context{};
 };
 
-inline CS_DATAFMT make_format(CS_INT type, CS_INT maxlength, CS_INT format, TextSet &set) {
+inline CS_DATAFMT make_format(CS_INT type, size_t maxlength, CS_INT format = 0,
+                              SetLocale *set = nullptr) {
   CS_DATAFMT result{};
   result.datatype = type;
-  result.maxlength = maxlength;
+  result.maxlength = static_cast<CS_INT>(maxlength);
   result.format = format;
-  result.locale = &set.locale;
+  result.locale = set != nullptr ? &set->locale : nullptr;
   return result;
 }
 

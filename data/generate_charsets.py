@@ -11,7 +11,8 @@ What a code means stands in data/mappings, what a character is in the character 
 - A digit is what reduces to an ASCII digit, a hexadecimal digit likewise.
 - Where all bytes of ASCII mean ASCII and the set has one byte for each character, it is of class 1, which
   has no reduction. All others are of class 2: ASCII characters, their wide, narrow and small forms, the
-  digits of all scripts, no-break blanks and the minus sign reduce to ASCII.
+  digits of all scripts, no-break blanks and the minus sign reduce to ASCII, letters to lower case as in
+  the built-in set: so the words of dates and numbers are read in either case whatever the set.
 - Another case counts where the set has it, in class 2 behind the same first byte.
 - A character of three or four bytes has what all characters have that share its first two bytes.
 - A first byte takes the columns of most of its characters. Outside utf8 the doubtful ones are wide.
@@ -303,7 +304,8 @@ def describe_class2(mapping, describer):
         ascii = unicode.ascii(character)
         return bytes((case(code, text, unicode.upper(character)),
                       case(code, text, unicode.lower(character)),
-                      describer.lex(character, ascii), describer.type(character, ascii))), ascii
+                      describer.lex(character, ascii), describer.type(character, ascii))), \
+            ord(chr(ascii).lower())
 
     by_lead = defaultdict(dict)
     for code, text in mapping.decode.items():

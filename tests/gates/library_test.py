@@ -156,9 +156,10 @@ class Library(unittest.TestCase):
                     entry = int.from_bytes(bytes.fromhex(words), "little")
                     self.assertEqual(entry, address[function], section)
 
-    # A call of one of our functions to another is direct, so nobody can preempt it and it costs
-    # no table, but for the memory functions, which a program may take over. Variables may stand in the global offset table: a program that reads one directly
-    # has a copy of its own, which the library must see.
+    # A call of one of our functions to another is direct, so nobody can preempt it and it costs no
+    # table, but for the memory functions, which a program may take over. Variables may stand in the
+    # global offset table: a program that reads one directly has a copy of its own, which the library
+    # must see.
     def test_own_calls_are_direct(self):
         for name, path in libraries.items():
             with self.subTest(name):

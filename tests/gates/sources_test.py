@@ -21,7 +21,7 @@ class Warnings(unittest.TestCase):
 
 
 class Trace(unittest.TestCase):
-    """Every exit of an exported function that returns a code passes through COMN_TRACE."""
+    """Every exit of a function of the contract that returns a code passes through COMN_TRACE."""
 
     # The conversions from integers report by their result alone, and the trace cannot trace itself.
     exempt = re.compile(r"comn_u?i[1248]to\w+|com_errtrace")
@@ -29,7 +29,7 @@ class Trace(unittest.TestCase):
     # The refusals of the provider, which a trace is not to tell apart from one another.
     untraced_failures = {"comn_keypair_privkey_decrypt"}
 
-    # The one exit of any other kind: the quick allocation of a pool that only allocates.
+    # The quick allocation of a pool that only allocates.
     untraced_successes = {"com___alloconly_malloc"}
 
     @classmethod

@@ -128,7 +128,7 @@ TEST_F(ShippedIdentifiers, CharacterSetsByOtherNames) {
     EXPECT_EQ(canonical(COM_OID_CHARSET, row.name), row.canonical) << row.name;
 }
 
-TEST_F(ShippedIdentifiers, FortyLanguages) {
+TEST_F(ShippedIdentifiers, FortyThreeLanguages) {
   constexpr const char *languages[] = {
       "us_english",
       "uk_english",

@@ -440,6 +440,11 @@ ZRV_API CS_RETCODE comn_intl_load(CS_CONTEXT *context, CS_CHAR *name, CS_INT nam
  * for it, its sort order have the wanted identifiers. A new one has no locale name, so no name finds
  * it, and no formats for numbers and money; its dates are those of the language.
  *
+ * A new cache that differs in its character set shares the messages of the old one, and each text stays
+ * in the set of that cache of the two through which it was loaded first. Its sort order is the one of that name in the new
+ * set when this call loads the set and the context has a ctxlocale. Otherwise, and so when the set was
+ * loaded before, it is the very order of the old cache, made for the characters of the old set.
+ *
  * Returns CS_SUCCEED; COM_UNKNOWN_NAME for a name without an identifier; CS_MEM_ERROR; else as
  * comn_intl_load.
  */

@@ -448,6 +448,21 @@ TEST_F(Load, ANewCharacterSetGetsTheSortOrderOfItsOwn) {
   EXPECT_EQ(first_name(cache->locsortorder->oid), "other");
 }
 
+TEST_F(Load, ALoadedCharacterSetLeavesTheSortOrder) {
+  installation.write("locales/locales.dat", "[linux]\n"
+                                            "locale = a, german, set1, other\n"
+                                            "locale = b, english, set2, other\n");
+  CsLocCache *const old = family.loaded("a");
+  CsLocCache *const other = family.loaded("b");
+  family.default_locale = Family::locale_of(old);
+  family.context.ctxlocale = &family.default_locale;
+  CsLocCache *const cache = derive(COM_LOCTYPE_CHARSET, "set2", old);
+  ASSERT_NE(cache, nullptr);
+  EXPECT_EQ(cache->locchardesc, other->locchardesc);
+  EXPECT_EQ(cache->locsortorder, old->locsortorder);
+  EXPECT_NE(cache->locsortorder, other->locsortorder);
+}
+
 TEST_F(Load, DerivesAnotherSortOrder) {
   CsLocCache *const old = family.loaded("de_DE");
   CsLocCache *const cache = derive(COM_LOCTYPE_SORTORDER, "binary", old);

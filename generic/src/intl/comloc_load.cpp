@@ -149,7 +149,9 @@ CS_RETCODE rename(CS_CHAR *&field, CS_INT &field_length, const CS_CHAR *name,
   return set_name(field, field_length, name, length);
 }
 
-// Puts the new object in the place of the one that the cache has from its model.
+// Puts the new object in the place of the one that the cache has from its model. Deliberate: nothing
+// else is replaced, so with another character set the messages are those of the model, with the texts
+// that they have in its set, and so is the sort order, unless the set is loaded here and brings one along.
 CS_RETCODE replace(CS_CONTEXT *context, CS_INT type, const CS_CHAR *name, CS_INT length, CsOID *oid,
                    CsLocCache *cache, Report report) noexcept {
   CS_RETCODE result;

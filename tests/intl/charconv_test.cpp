@@ -396,6 +396,31 @@ TEST_F(CharConv, FromUtf8OfTooManyBytes) {
   }
 }
 
+// However much room there is, no more memory is taken than the text can need.
+TEST_F(CharConv, AHugeRoom) {
+  unsigned char text[] = {0xC3, 0xA9}, result[8];
+  CS_DATAFMT srcfmt = make_format(CS_TYPE_CHAR, 1), destfmt = make_format(CS_TYPE_CHAR, INT_MAX);
+  srcfmt.locale = &iso_1.locale;
+  destfmt.locale = &utf16.locale;
+  const AllocationProbe probe;
+  CS_INT length = -1;
+  EXPECT_EQ(comn_charset_convert(&context, 2, &srcfmt, text, &destfmt, result, &length),
+            CS_SUCCEED);
+  EXPECT_EQ(std::string(reinterpret_cast<char *>(result), 2), wide(u"\u00C3"));
+  EXPECT_EQ(length, 2);
+  EXPECT_EQ(probe.last_size(), 3U);
+  EXPECT_EQ(comn__convt_to_utf8(&context, 1, &srcfmt, &iso_1.cache, text, result, INT_MAX, &length),
+            CS_SUCCEED);
+  EXPECT_EQ(std::string(reinterpret_cast<char *>(result), 2), "\xC3\x83");
+  EXPECT_EQ(length, 2);
+  EXPECT_EQ(probe.last_size(), 4U);
+  EXPECT_EQ(comn__convt_from_utf8(&context, 1, text, 2, &destfmt, &utf16.cache, result, &length),
+            CS_SUCCEED);
+  EXPECT_EQ(std::string(reinterpret_cast<char *>(result), 2), wide(u"\u00E9"));
+  EXPECT_EQ(length, 2);
+  EXPECT_EQ(probe.last_size(), 3U);
+}
+
 TEST_F(CharConv, NegativeLengthsAreNone) {
   unsigned char byte = 0xE9, result = 0x5A;
   CS_DATAFMT srcfmt = make_format(CS_TYPE_CHAR, -1), destfmt = make_format(CS_TYPE_CHAR, -1);

@@ -94,22 +94,33 @@ CS_RETCODE read_as_unicode(CVTH handle, TextRange text, Source &source, int *sta
   return CS_SUCCEED;
 }
 
-// Writes Unicode in a set, at most `room` bytes: CS_SUCCEED, CS_CONV_TRUNCATED with `*length` the room,
-// CS_FAIL with `*length` 0, or CS_MEM_ERROR.
-CS_RETCODE write_unicode(CVTH handle, const UChar16 *unicode, CS_INT room, Scratch<CS_BYTE> &text,
-                         CS_INT *length) noexcept {
+// The room for what comes of Unicode text: as much as can come of it, where that is less than the room
+// of the caller.
+CS_INT room_for(int units, int bytes_per_unit, CS_INT room) noexcept {
+  return static_cast<CS_INT>(
+      std::clamp<std::int64_t>(std::int64_t{units} * bytes_per_unit, 0, std::max(room, 0)));
+}
+
+// Writes Unicode of `units` in a set, at most `room` bytes: CS_SUCCEED, CS_CONV_TRUNCATED with `*length`
+// the room, CS_FAIL with `*length` 0, or CS_MEM_ERROR.
+CS_RETCODE write_unicode(CVTH handle, const UChar16 *unicode, int units, CS_INT room,
+                         Scratch<CS_BYTE> &text, CS_INT *length) noexcept {
   *length = 0;
-  if (!text.allocate(std::uint64_t(room) + 1))
+  int factor = 0;
+  if (uniconv_GetExpansionFactor(handle, &factor) != UNICONV_SUCCEED)
+    return CS_FAIL;
+  const CS_INT size = room_for(units, factor, room);
+  if (!text.allocate(std::uint64_t(size) + 1))
     return CS_MEM_ERROR;
   int written = 0;
-  const int status = uniconv_unistrToS(handle, text.data(), size_for(room, 1), unicode, &written);
+  const int status = uniconv_unistrToS(handle, text.data(), size_for(size, 1), unicode, &written);
   if (is_converted(status)) {
-    *length = std::clamp(written - 1, 0, room);
+    *length = std::clamp(written - 1, 0, size);
     return CS_SUCCEED;
   }
   if (status != UNICONV_FULL && status != UNICONV_NOFIT)
     return CS_FAIL;
-  *length = room;
+  *length = size;
   return CS_CONV_TRUNCATED;
 }
 
@@ -160,8 +171,8 @@ bool is_ascii(const CS_BYTE *text, size_t length) noexcept {
     return CS_FAIL;
 
   Scratch<CS_BYTE> converted;
-  result = write_unicode(writer.handle, source.unicode(), std::max(room.length, 0), converted,
-                         resultlen);
+  result =
+      write_unicode(writer.handle, source.unicode(), units - 1, room.length, converted, resultlen);
   if (result == CS_SUCCEED && is_partial)
     result = CS_CONV_TRUNCATED;
   if (*resultlen > 0)
@@ -320,7 +331,8 @@ CS_RETCODE comn__convt_to_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_DA
   if (!is_converted(status))
     return COMN_TRACE(CS_FAIL);
 
-  const CS_INT size = std::max(destlen, 0);
+  constexpr int bytes_per_unit = 3;
+  const CS_INT size = room_for(units - 1, bytes_per_unit, destlen);
   Scratch<CS_BYTE> converted;
   if (!converted.allocate(std::uint64_t(size) + 1))
     return COMN_TRACE(CS_MEM_ERROR);
@@ -374,15 +386,11 @@ CS_RETCODE comn__convt_from_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_
   int used;
   const int units =
       uniutf8_unistrFromUTF8(source.unicode(), size_for(length, 1), source.bytes(), &used);
-  int factor = 0;
-  if (units < 0 || uniconv_GetExpansionFactor(handle, &factor) != UNICONV_SUCCEED)
+  if (units < 0)
     return COMN_TRACE(CS_FAIL);
-
-  // As much as can come out of it, where that is less than the room.
-  const auto size = static_cast<CS_INT>(
-      std::clamp<std::int64_t>(std::int64_t{units} * factor, 0, std::max(room.length, 0)));
   Scratch<CS_BYTE> converted;
-  const CS_RETCODE result = write_unicode(handle, source.unicode(), size, converted, resultlen);
+  const CS_RETCODE result =
+      write_unicode(handle, source.unicode(), units, room.length, converted, resultlen);
   if (*resultlen > 0)
     std::memcpy(dest, converted.data(), static_cast<size_t>(*resultlen));
   return COMN_TRACE(result);

@@ -493,7 +493,8 @@ ZRV_API CS_INT com_intl_loccmp(CS_INT lctype, CS_INT type, CsLocale *loc1,
  * loccache  in   a CsLocCache
  * buffer    out  the name, not NUL-terminated
  * buflen    in   bytes at `buffer`
- * outlen    out  the length of the name; 0 for a cache without a name
+ * outlen    out  the length of the name, as `resultlen` of comn_charset_convert; 0 for a cache without
+ *                a name
  *
  * Returns what the conversion from UTF-8 returns.
  */
@@ -757,7 +758,7 @@ ZRV_API CS_INT com_intl_convt_firstday(CS_INT orig_firstday, CS_INT orig_day,
  * type    in   COM_DT_MONTH or COM_DT_SHORTMONTH for months, COM_DT_DAYNAME for days, else fatal
  * buffer  out  the text in the character set of the locale, not NUL-terminated
  * buflen  in   bytes at `buffer`
- * outlen  out  its length
+ * outlen  out  its length, as `resultlen` of comn_charset_convert
  *
  * Return what the conversion from UTF-8 returns. A number out of range is fatal, CS_CONV_DOMAIN.
  */
@@ -861,7 +862,8 @@ ZRV_PRIVATE void comn__free_numinfo(CS_NUMINFO *numinfo) ZRV_NOEXCEPT;
  * Text goes from any set into any other through Unicode, by the converters of libzrvunic (zrvunic.h).
  * Text that is pure ASCII is copied without one. A pair of sets can have an algorithm of the user's
  * instead. What has no counterpart becomes "?" and is not reported; text that does not fit is cut at a
- * character. Conversions send no message. Two sets are the same when their records (CsCharDesc) are.
+ * character, between the same sets at any byte. Conversions send no message. Two sets are the same when
+ * their records (CsCharDesc) are.
  */
 
 /* A character set by number and by name, and its converter. */
@@ -921,7 +923,8 @@ ZRV_PRIVATE CVTH comn__get_persistent_handle(void) ZRV_NOEXCEPT;
  * src        in   the text. A NUL in it ends it, unless it is ASCII or the sets are the same
  * destfmt    in   the room in maxlength; with CS_TYPE_VARCHAR `dest` is a CS_VARCHAR
  * dest       out  the converted text, not terminated
- * resultlen  out  its length in bytes; 0 after a failure
+ * resultlen  out  its length in bytes; when the room ran out the whole room, where NUL bytes stand
+ *                 behind the last whole character; 0 after a failure
  *
  * Negative lengths count as 0. Returns CS_SUCCEED, also when something was replaced; CS_CONV_TRUNCATED
  * when the room ran out or the text ends within a character; CS_FAIL for a set without a converter, one

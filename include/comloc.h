@@ -860,7 +860,7 @@ ZRV_PRIVATE void comn__free_numinfo(CS_NUMINFO *numinfo) ZRV_NOEXCEPT;
 /* ---- conversion between character sets ----
  *
  * Text goes from any set into any other through Unicode, by the converters of libzrvunic (zrvunic.h).
- * Text that is pure ASCII is copied without one. A pair of sets can have an algorithm of the user's
+ * Text of bytes below 128 alone is copied without one, whatever the sets. A pair of sets can have an algorithm of the user's
  * instead. What has no counterpart becomes "?" and is not reported; text that does not fit is cut at a
  * character, between the same sets at any byte. Conversions send no message. Two sets are the same when
  * their records (CsCharDesc) are.
@@ -930,6 +930,10 @@ ZRV_PRIVATE CVTH comn__get_persistent_handle(void) ZRV_NOEXCEPT;
  * when the room ran out or the text ends within a character; CS_FAIL for a set without a converter, one
  * whose table cannot be read, and text that cannot be read; CS_MEM_ERROR; what an algorithm of the user's
  * returns, which gets the call's own arguments. Between the same sets a cut text is CS_SUCCEED.
+ *
+ * Text of bytes below 128 alone that fits is taken for ASCII and comes out as it is, also from and to a
+ * set in which those bytes are something else: EBCDIC text stays EBCDIC, UTF-16 gets one byte for each
+ * character. Text with any other byte in it is converted whole.
  *
  * Towards the UTF-8 that all contexts share the call is passed to comn__convt_to_utf8 as it came in:
  * `src` then counts as maxlength bytes and `dest` is written from its first byte, CS_VARCHAR or not.

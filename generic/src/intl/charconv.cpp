@@ -270,6 +270,7 @@ CS_RETCODE comn_charset_convert(CS_CONTEXT *context, CS_INT type, CS_DATAFMT *sr
   }
   if (const CS_CONV_FUNC convert = user_function(context, from->oid, to->oid))
     return COMN_TRACE(convert(context, srcfmt, src, destfmt, dest, resultlen));
+  // Deliberate: nobody asks whether bytes below 128 are ASCII in these sets.
   if (comn__copy_ascii_only(room.bytes, room.length, text.bytes, text.length, resultlen) ==
       CS_SUCCEED) {
     comn::store_length(destfmt, dest, *resultlen);
@@ -308,6 +309,7 @@ CS_RETCODE comn__convt_to_utf8(CS_CONTEXT *context, CS_INT /*match_mode*/, CS_DA
     CS_DATAFMT destfmt = utf8_format(destlen);
     return COMN_TRACE(convert(context, srcfmt, src, &destfmt, dest, resultlen));
   }
+  // Deliberately whatever the set, as above.
   if (comn__copy_ascii_only(room.bytes, room.length, text.bytes, text.length, resultlen) ==
       CS_SUCCEED)
     return COMN_TRACE(CS_SUCCEED);

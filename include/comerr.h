@@ -173,12 +173,14 @@ ZRV_API CS_RETCODE com_errdrop(CsContext *context) ZRV_NOEXCEPT;
  * numerrors    in   their number, up to 100; below 1 for none
  *
  * A text that is loaded already is not loaded again, one that the file does not have is no failure.
+ * Sections are counted as they come: one that stands in the file twice counts twice, and the file may
+ * then lack another one.
  *
  * Returns CS_SUCCEED; CS_FAIL for a null argument but `deferrors`, for more than 100 texts, when the
- * file lacks one of the sections and when an entry that is wanted has no value; CS_MEM_ERROR; what
- * comn__open_msgfile returns when it fails; COM_INTL_ERROR for a failure of the reader, whose status
- * is in ctxintlerr; and what comn__convt_from_utf8 returns when it fails. On a failure all caches are
- * as they were.
+ * file has fewer sections than wanted and when an entry that is wanted has no value; CS_MEM_ERROR;
+ * what comn__open_msgfile returns when it fails; COM_INTL_ERROR for a failure of the reader, whose
+ * status is in ctxintlerr; and what comn__convt_from_utf8 returns when it fails. On a failure all
+ * caches are as they were.
  */
 ZRV_API CS_RETCODE com_err_init(CsContext *context, CS_ERRHAN *errhan, CS_ERRSECTION *sections,
                                 CS_INT numsections, CS_ERRIDX *deferrors,

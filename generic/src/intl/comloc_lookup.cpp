@@ -35,6 +35,7 @@ constexpr size_t required_values = 2;
 
 CS_RETCODE store(CsLocNames *names, const Place &place, const char *value) noexcept {
   const size_t length = std::strlen(value);
+  // Deliberately fatal, though a file can provoke it.
   COMN_CHECK(length < COM_LOCNAME_SIZE, CS_FAIL);
   std::memcpy(names->*place.name, value, length + 1);
   names->*place.length = static_cast<CS_INT>(length);

@@ -113,9 +113,10 @@ ZRV_PRIVATE void *lm___malloc(void *user, size_t size) ZRV_NOEXCEPT;
 ZRV_PRIVATE void lm___free(void *user, void *block) ZRV_NOEXCEPT;
 
 /*
- * The hash of a key. Its bytes are signed and read as big-endian words, the last of which is filled
- * up with 0x5A; 37 is the multiplier. A size of 0 gives 0. CS_SUCCEED; a negative size, or null with
- * a size, is fatal.
+ * The hash of a key. It is read as big-endian words, the last of which is filled up with 0x5A, and each
+ * is added to 37 times the hash so far. The bytes of a word are signed: the lowest one with its sign set
+ * sets all bits above it. Words count in pairs: a word of 0 that would begin one is passed over. A size
+ * of 0 gives 0. CS_SUCCEED; a negative size, or null with a size, is fatal.
  */
 ZRV_PRIVATE CS_RETCODE lm___api_key_to_uint(CS_CHAR *key, CS_INT key_size,
                                             CS_UINT *output) ZRV_NOEXCEPT;

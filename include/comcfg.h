@@ -68,7 +68,7 @@ struct intl_iocs;
  * configname      in   the path; not looked at for the default file and for a length that is too short
  * confignamelen   in   its length in bytes; CS_LEN_NULLTERM for a NUL-terminated one; CS_UNUSED for the
  *                      default file, "config/ncl.cfg" below the directory that ZARVEK names, which
- *                      must be set, else fatal
+ *                      must be set to less than 256 bytes, else fatal; so is no memory for a copy of it
  * cfg             out  the handle, set on success only
  *
  * A file that is on the chain of the process-wide record under the very same name is shared, not read

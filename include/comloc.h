@@ -364,9 +364,9 @@ typedef struct _parse_struct {
  * table in ctxoids; comn_intl_init; com_intl_envloc, and comn_intl_load of the name that it gives;
  * the cache in the six pointers of the default locale; ctxlocale. The order of the end:
  * comn_loc_drop_all, com_intl_loccache_drop, com_intl_chardesc_drop, comn_intl_dt_drop,
- * comn_intl_mon_drop, comn_intl_num_drop, comn_intl_message_drop, comn_lm_exit,
- * comn_intl_drop_globalid. Nothing here takes a lock: the callers let one thread at a time start,
- * load and end.
+ * comn_intl_mon_drop, comn_intl_num_drop, comn_intl_message_drop, comn_intl_drop_mnemdb,
+ * comn_lm_exit, comn_intl_drop_globalid. Nothing here takes a lock: the callers let one thread at a
+ * time start, load and end.
  *
  * What reads files has the parameters `locfilename` and `filenamelen` of the openers in comnlib.h:
  * a buffer, or null, that receives the path of each file as it is opened, and so names the one that
@@ -732,15 +732,33 @@ typedef struct _csmoninfo {
  * arguments may be null, the answer is built in. What is handed out belongs to the tables and must
  * not be written. A locale that is not complete is fatal, null or 0.
  */
+
+/* The names of the 12 months, whole and short, from January on, and of the 7 days, the first day of the
+ * week first: each NUL-terminated and in UTF-8, whatever the character set of the locale. Built in are
+ * the English names, those of days short and from Sunday on. */
 ZRV_API CS_CHAR **com_intl_months(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
 ZRV_API CS_CHAR **com_intl_shortmonths(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
 ZRV_API CS_CHAR **com_intl_days(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
-ZRV_API CS_INT com_intl_firstday(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT; /* else 7 */
+
+/* The first day of the week, from 1, Monday, to 7, Sunday, which is built in. */
+ZRV_API CS_INT com_intl_firstday(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+
+/* The date order, as text and as COM_DATEORDER_; "mdy" is built in. */
 ZRV_API CS_CHAR *com_intl_dateorder(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
 ZRV_API int com_intl_dateorder_id(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
-ZRV_API CS_INT com_intl_is12hour(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT; /* else 1 */
 
-/* Moves the number of a day from one convention for the first day of the week to another. */
+/* True for a 12-hour clock, which is built in. */
+ZRV_API CS_INT com_intl_is12hour(CsContext *context, CS_DATAFMT *dfmt) ZRV_NOEXCEPT;
+
+/*
+ * Moves the number of a day from one convention for the first day of the week to another.
+ *
+ * orig_firstday  in  the first day of the week by which the day is counted, 1 (Monday) to 7 (Sunday)
+ * orig_day       in  the day, 0 to 6 from that first day on
+ * dest_firstday  in  the first day of the other convention
+ *
+ * Returns the same day, 0 to 6 from the other first day on. Nothing is checked.
+ */
 ZRV_API CS_INT com_intl_convt_firstday(CS_INT orig_firstday, CS_INT orig_day,
                                        CS_INT dest_firstday) ZRV_NOEXCEPT;
 
@@ -863,10 +881,10 @@ ZRV_PRIVATE void comn__free_numinfo(CS_NUMINFO *numinfo) ZRV_NOEXCEPT;
 /* ---- conversion between character sets ----
  *
  * Text goes from any set into any other through Unicode, by the converters of libzrvunic (zrvunic.h).
- * Text of bytes below 128 alone is copied without one, whatever the sets. A pair of sets can have an algorithm of the user's
- * instead. What has no counterpart becomes "?" and is not reported; text that does not fit is cut at a
- * character, between the same sets at any byte. Conversions send no message. Two sets are the same when
- * their records (CsCharDesc) are.
+ * Text of bytes below 128 alone is copied without one, whatever the sets. A pair of sets can have an
+ * algorithm of the user's instead. What has no counterpart becomes "?" and is not reported; text that
+ * does not fit is cut at a character, between the same sets at any byte. Conversions send no message. Two
+ * sets are the same when their records (CsCharDesc) are.
  */
 
 /* A character set by number and by name, and its converter. */

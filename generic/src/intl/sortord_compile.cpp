@@ -153,6 +153,9 @@ CS_BYTE index_of(const SO_1CLASS *so, const SMEL *element) noexcept {
   return static_cast<CS_BYTE>(element - so->smels);
 }
 
+// The lists that a file makes hold nothing but double characters while characters are recorded. Who calls
+// comn__add_smel may bring a table with other elements, and these two say which of them are refused.
+
 CS_RETCODE add_byte(SO_1CLASS *so, CS_BYTE byte, const LSC &weights) noexcept {
   LSC &own = so->lscs[byte];
   if (own.pst.t > 0)
@@ -167,7 +170,7 @@ CS_RETCODE add_byte(SO_1CLASS *so, CS_BYTE byte, const LSC &weights) noexcept {
 }
 
 CS_RETCODE add_double(SO_1CLASS *so, const CS_BYTE *character, const LSC &weights) noexcept {
-  constexpr CS_BYTE empty_element = 2; // never made here, and passed over
+  constexpr CS_BYTE empty_element = 2; // passed over
   CS_BYTE &list = so->lscs[character[0]].pst.smelist;
   for (CS_BYTE i = list; i != SMEL_NONE; i = so->smels[i].next_smel) {
     const SMEL &element = so->smels[i];

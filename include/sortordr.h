@@ -289,8 +289,7 @@ ZRV_PRIVATE CS_RETCODE comn__get_boolval(CsContext *context, struct intl_locfile
 /*
  * A text of less than `maxlen` bytes, NUL-terminated.
  *
- * string    out  the text, `maxlen` bytes; null only passes the value. After a failure it may hold
- *                what was refused, cut to fit
+ * string    out  the text, `maxlen` bytes; null only passes the value
  * is_alnum  in   1: the text must begin with a letter (com_isalpha) and go on in letters, digits
  *                (com_isdigit) and "_". 0: any text. Anything else is fatal
  */

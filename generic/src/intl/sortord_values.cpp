@@ -84,11 +84,10 @@ CS_RETCODE comn__get_string(CsContext *context, INTL_LOCFILE *ifile, CS_CHAR *st
     return COMN_TRACE(comn::missing_result(context, status));
   if (string == nullptr)
     return COMN_TRACE(CS_SUCCEED);
-  if (maxlen < 0 || std::strlen(value) > static_cast<size_t>(maxlen))
+  const size_t length = std::strlen(value);
+  if (maxlen < 0 || length >= static_cast<size_t>(maxlen) ||
+      (is_alnum == 1 && !is_alphanumeric(value)))
     return COMN_TRACE(CS_FAIL);
-  const auto size = static_cast<size_t>(maxlen);
-  // A text that fills the buffer has no room for its terminator.
-  if (intl_strlcpy(string, value, size) >= size || (is_alnum == 1 && !is_alphanumeric(value)))
-    return COMN_TRACE(CS_FAIL);
+  std::memcpy(string, value, length + 1);
   return COMN_TRACE(CS_SUCCEED);
 }

@@ -618,8 +618,9 @@ ZRV_PRIVATE CS_RETCODE comn__chk_format(CS_INT type, ParseStruct *pptr, CS_VOID 
  * grpptr      out  a new array, to be released with comn_free; null on failure
  * cntptr      out  its length; 0 on failure
  *
- * A first size of -1, no groups at all, is a complete list. CS_SUCCEED; CS_FAIL for an entry without
- * values and for a first size of 0 or below -1; CS_MEM_ERROR; COM_INTL_ERROR when the reader failed.
+ * A first size of -1, no groups at all, is a complete list; a size beyond CS_INT is the nearest one.
+ * CS_SUCCEED; CS_FAIL for an entry without values and for a first size of 0 or below -1; CS_MEM_ERROR;
+ * COM_INTL_ERROR when the reader failed.
  */
 ZRV_PRIVATE CS_RETCODE comn__read_grp(struct intl_locfile *ifile, struct char_attrib *charattrib,
                                       CS_INT **grpptr, CS_INT *cntptr) ZRV_NOEXCEPT;

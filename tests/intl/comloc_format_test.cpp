@@ -1,4 +1,6 @@
 // The formats that a row of locales.dat names.
+#include <climits>
+
 #include "allocation_probe.h"
 #include "check_trap.h"
 #include "guarded_buffer.h"
@@ -167,6 +169,13 @@ TEST_F(Groups, AList) {
   EXPECT_EQ(read_sizes, Sizes{3});
   EXPECT_EQ(read("3, 2, 0, -1, 5x, x"), CS_SUCCEED); // only the first is looked at
   EXPECT_EQ(read_sizes, (Sizes{3, 2, 0, -1, 5, 0}));
+}
+
+TEST_F(Groups, SizesBeyondIntAreTheNearest) {
+  EXPECT_EQ(read("2147483647, 2147483648, 4294967299, 99999999999999999999, -2147483649"),
+            CS_SUCCEED);
+  EXPECT_EQ(read_sizes, (Sizes{INT_MAX, INT_MAX, INT_MAX, INT_MAX, INT_MIN}));
+  EXPECT_EQ(read("-4294967297"), CS_FAIL); // not -1
 }
 
 TEST_F(Groups, NoGroupsAtAll) {

@@ -1,5 +1,6 @@
 // The cache of message texts: what is loaded, found, dropped, and what a failure leaves behind.
 #include <algorithm>
+#include <climits>
 
 #include "allocation_probe.h"
 #include "check_trap.h"
@@ -243,6 +244,16 @@ TEST_F(MessageCache, NumbersOfEntries) {
   EXPECT_EQ(own(1, -4), "minus");
   EXPECT_EQ(own(1, 12), "twelve");
   EXPECT_EQ(own(1, 99), "status 0");
+}
+
+TEST_F(MessageCache, NumbersBeyondIntAreTheNearest) {
+  write("[a]\n4294967297 = s, not one\n99999999999999999999 = s, no more\n"
+        "-4294967297 = s, least\n1 = s, one\n",
+        "own.loc");
+  ASSERT_EQ(init({{1, INT_MAX}, {1, INT_MIN}, {1, 1}}, {{1, "a"}}), CS_SUCCEED);
+  EXPECT_EQ(own(1, INT_MAX), "not one"); // the first of two
+  EXPECT_EQ(own(1, INT_MIN), "least");
+  EXPECT_EQ(own(1, 1), "one");
 }
 
 TEST_F(MessageCache, TheTextsOfOtherSectionsAreNotWanted) {

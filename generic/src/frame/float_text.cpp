@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "leading_integer.h"
+
 CS_INT comn::print_double(CS_CHAR (&text)[longest_double + 1], CS_FLOAT value) noexcept {
   constexpr int significant = std::numeric_limits<CS_FLOAT>::max_digits10;
   static_assert(significant == 17);
@@ -21,10 +23,6 @@ namespace {
 
 using Text = const CS_CHAR *;
 constexpr CS_FLOAT infinity = std::numeric_limits<CS_FLOAT>::infinity();
-
-bool is_space(CS_CHAR c) noexcept {
-  return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 CS_CHAR lower(CS_CHAR c) noexcept {
   return c >= 'A' && c <= 'Z' ? static_cast<CS_CHAR>(c | 0x20) : c;

@@ -5,6 +5,7 @@
 
 #include "checks.h"
 #include "comloc.h"
+#include "leading_integer.h"
 #include "zrvintl.h"
 
 namespace {
@@ -29,34 +30,19 @@ public:
       ++at;
     if (at == end)
       return false;
-    arc = read();
+    arc = to_arc(comn::leading_integer(at, end));
     while (at < end && *at != '.')
       ++at;
     return true;
   }
 
 private:
-  bool is_at_digit() const noexcept { return at < end && *at >= '0' && *at <= '9'; }
-
-  // What strtoul makes of a text where a long has 32 bits, whatever the host's locale and data model:
-  // white space and a sign count, and what follows the digits does not.
-  CS_UINT read() noexcept {
-    bool is_negative = false;
-    if (!is_at_digit()) {
-      while (at < end && (*at == ' ' || (*at >= '\t' && *at <= '\r')))
-        ++at;
-      is_negative = at < end && *at == '-';
-      if (is_negative || (at < end && *at == '+'))
-        ++at;
-    }
-    CS_UBIGINT value = 0;
-    for (; is_at_digit(); ++at)
-      if (value <= UINT_MAX)
-        value = value * 10 + static_cast<CS_UBIGINT>(*at - '0');
-    if (value > UINT_MAX)
+  // As strtoul has it where a long has 32 bits.
+  static CS_UINT to_arc(comn::LeadingInteger integer) noexcept {
+    if (integer.magnitude > UINT_MAX)
       return UINT_MAX;
-    const auto arc = static_cast<CS_UINT>(value);
-    return is_negative ? 0 - arc : arc;
+    const auto arc = static_cast<CS_UINT>(integer.magnitude);
+    return integer.is_negative ? 0 - arc : arc;
   }
 
   const CS_CHAR *at, *const end;

@@ -1,10 +1,10 @@
 // Number and money formats, and those of dates that a row of locales.dat names: their files are
 // opened, and accepted as they are.
-#include <cstdlib>
 #include <cstring>
 
 #include "charset.h"
 #include "checks.h"
+#include "leading_integer.h"
 #include "section_files.h"
 
 namespace {
@@ -62,7 +62,7 @@ CS_INT group_size(char *value, CS_ATTRIB *charset) noexcept {
   comn_str_to_ascii(reinterpret_cast<CS_BYTE *>(value), static_cast<CS_INT>(std::strlen(value)),
                     ascii, &length, charset);
   ascii[length] = 0;
-  return std::atoi(reinterpret_cast<char *>(ascii));
+  return comn::leading_int(reinterpret_cast<CS_CHAR *>(ascii));
 }
 
 CS_RETCODE append(CS_INT **sizes, CS_INT *count, CS_INT size) noexcept {

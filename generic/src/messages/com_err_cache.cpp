@@ -4,12 +4,12 @@
 // A CS_MESSAGE has its texts twice: each hangs under its section, where look-ups find it, and in the
 // history of all texts, newest first, whose end is dropped when there are too many.
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
 #include "checks.h"
 #include "comerr.h"
+#include "leading_integer.h"
 #include "section_files.h"
 #include "table.h"
 #include "zrvintl.h"
@@ -410,7 +410,7 @@ CS_RETCODE com__err_load_errors(CsContext *context, CS_ERRHAN *errhan, INTL_LOCF
     const CS_CHAR *const key = intl_nextentry(ifile, &status);
     if (key == nullptr)
       break;
-    const CS_MSGNUM number = std::atoi(key);
+    const CS_MSGNUM number = comn::leading_int(key);
     if (!is_wanted(errors, numerrors, section->errtag, number))
       continue;
     ++seen;

@@ -23,28 +23,33 @@ void drop_list(CS_VOID *&head, void (*release)(Table *)) noexcept {
 // What is loaded for a cache: the tables of a list, or what the reader of a file makes of it.
 template <class Table>
 struct Format {
+  CS_INT type; // COM_LOCDATA_
   CS_CHAR *CsLocCache::*name;
   Table *CsLocCache::*table;
   Table *(*scan)(CS_CONTEXT *, CsOID *);
   CS_RETCODE (*read)(CS_CONTEXT *, INTL_LOCFILE *, CsOID *, Table **);
 };
 
-constexpr Format<CS_MONINFO> money = {&CsLocCache::monname, &CsLocCache::locmoninfo,
-                                      comn__scan_cache_mon, comn__read_monfile};
-constexpr Format<CS_NUMINFO> numbers = {&CsLocCache::numname, &CsLocCache::locnuminfo,
-                                        comn__scan_cache_num, comn__read_numfile};
-constexpr Format<CS_DATEINFO> dates = {&CsLocCache::datename, &CsLocCache::locdateinfo,
-                                       comn__scan_cache_dt, comn__read_dtfile};
+constexpr Format<CS_MONINFO> money = {COM_LOCDATA_MONEY, &CsLocCache::monname,
+                                      &CsLocCache::locmoninfo, comn__scan_cache_mon,
+                                      comn__read_monfile};
+constexpr Format<CS_NUMINFO> numbers = {COM_LOCDATA_NUMERIC, &CsLocCache::numname,
+                                        &CsLocCache::locnuminfo, comn__scan_cache_num,
+                                        comn__read_numfile};
+constexpr Format<CS_DATEINFO> dates = {COM_LOCDATA_DATETIME, &CsLocCache::datename,
+                                       &CsLocCache::locdateinfo, comn__scan_cache_dt,
+                                       comn__read_dtfile};
 
 template <class Table>
-CS_RETCODE load(const Format<Table> &format, CS_CONTEXT *context, CS_INT type, CsOID *oid,
-                CsLocCache *cache, CS_CHAR *locfilename, CS_INT filenamelen) noexcept {
+CS_RETCODE load(const Format<Table> &format, CS_CONTEXT *context, CsOID *oid, CsLocCache *cache,
+                CS_CHAR *locfilename, CS_INT filenamelen) noexcept {
   if (Table *const loaded = format.scan(context, oid)) {
     cache->*format.table = loaded;
     return CS_SUCCEED;
   }
   CS_CHAR path[1025];
-  CS_RETCODE result = comn__path_locdata(context, type, cache->*format.name, path, sizeof path);
+  CS_RETCODE result =
+      comn__path_locdata(context, format.type, cache->*format.name, path, sizeof path);
   if (result != CS_SUCCEED)
     return result;
   INTL_LOCFILE file;
@@ -100,11 +105,11 @@ CS_RETCODE comn__load_locdata(CS_CONTEXT *context, CS_INT type, CsOID *oid, CsLo
   COMN_CHECK_PTR(lcache, CS_FAIL);
   switch (type) {
   case CS_LCTYPE_MONETARY:
-    return load(money, context, type, oid, lcache, locfilename, filenamelen);
+    return load(money, context, oid, lcache, locfilename, filenamelen);
   case CS_LCTYPE_NUMERIC:
-    return load(numbers, context, type, oid, lcache, locfilename, filenamelen);
+    return load(numbers, context, oid, lcache, locfilename, filenamelen);
   case CS_LCTYPE_TIME:
-    return load(dates, context, type, oid, lcache, locfilename, filenamelen);
+    return load(dates, context, oid, lcache, locfilename, filenamelen);
   default:
     return CS_FAIL;
   }

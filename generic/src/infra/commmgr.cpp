@@ -287,7 +287,6 @@ CS_RETCODE comn_mminit(CS_CONTEXT *ctx, MM_HANDLE **mmh) noexcept {
 
 CS_RETCODE comn_mmmanage(CS_VOID *buffer, CS_UINT buflen, MM_HANDLE **mmh) noexcept {
   COMN_CHECK_PTR(mmh, COMN_TRACE(CS_FAIL));
-  constexpr auto overhead = static_cast<CS_INT>(sizeof(MmPoolHead) + sizeof(MM_HANDLE));
   constexpr auto handle_size = static_cast<CS_INT>(sizeof(MM_HANDLE));
   const bool owned = *mmh == nullptr;
   auto length = static_cast<CS_INT>(buflen);
@@ -295,14 +294,14 @@ CS_RETCODE comn_mmmanage(CS_VOID *buffer, CS_UINT buflen, MM_HANDLE **mmh) noexc
     COMN_CHECK_PTR(buffer, COMN_TRACE(CS_FAIL));
     if (length >= 0 && length < handle_size)
       return COMN_TRACE(CS_FAIL);
-    COMN_CHECK(length >= overhead, COMN_TRACE(CS_FAIL));
-    length -= overhead;
+    COMN_CHECK(length >= pool_overhead, COMN_TRACE(CS_FAIL));
+    length -= pool_overhead;
   }
   auto *const head = at<MmPoolHead>(owned ? buffer : *mmh, 0);
   MM_HANDLE *const handle = handle_behind(head);
   initialise(head, handle, owned ? MM_ST_OWNED : MM_ST_CALLER);
   if (length != 0) {
-    void *const region = owned ? bytes(buffer) + overhead : buffer;
+    void *const region = owned ? bytes(buffer) + pool_overhead : buffer;
     const CS_RETCODE added = com___addheap(handle, region, length, MM_HEAP_CALLER);
     if (added != CS_SUCCEED)
       return COMN_TRACE(added);

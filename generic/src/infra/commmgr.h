@@ -13,6 +13,9 @@ namespace comn::pool {
 // Every header is one pool word, and every length in a region a multiple of it.
 constexpr CS_UINT word = sizeof(void *);
 
+// What a pool takes of the memory that its user brings: its head and its handle.
+constexpr CS_INT pool_overhead = sizeof(MmPoolHead) + sizeof(MM_HANDLE);
+
 // Where the first block of a region begins, and the length of a region that has no room for it.
 constexpr CS_UINT region_overhead = sizeof(MmHeap);
 

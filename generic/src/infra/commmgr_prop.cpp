@@ -7,9 +7,6 @@ using namespace comn::pool;
 
 namespace {
 
-constexpr CS_INT overhead = sizeof(MmPoolHead) + sizeof(MM_HANDLE);
-static_assert(sizeof(void *) != 4 || overhead == 156);
-
 // Delivers a property, an integer or a pointer, at the place that the caller gave.
 template <class T>
 CS_RETCODE store_value(CS_VOID *buffer, T value) noexcept {
@@ -152,7 +149,7 @@ CS_RETCODE act_on_property(MM_HANDLE *mmh, CS_INT action, CS_INT property, CS_VO
 // The one property without a pool: how much storage to give comn_mmmanage.
 CS_RETCODE act_on_overhead(CS_INT action, CS_VOID *buffer) noexcept {
   COMN_CHECK(action != MM_ACTION_CLEAR, MM_BAD_PROPERTY);
-  return action == MM_ACTION_GET ? store_value(buffer, overhead) : CS_FAIL;
+  return action == MM_ACTION_GET ? store_value(buffer, pool_overhead) : CS_FAIL;
 }
 
 } // namespace

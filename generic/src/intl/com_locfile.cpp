@@ -5,11 +5,7 @@
 
 #include "checks.h"
 
-namespace {
-
-constexpr CS_INT path_size = 1025;
-
-} // namespace
+using comn::path_size;
 
 namespace comn {
 

@@ -47,7 +47,7 @@ CS_RETCODE load(const Format<Table> &format, CS_CONTEXT *context, CsOID *oid, Cs
     cache->*format.table = loaded;
     return CS_SUCCEED;
   }
-  CS_CHAR path[1025];
+  CS_CHAR path[comn::path_size];
   CS_RETCODE result =
       comn__path_locdata(context, format.type, cache->*format.name, path, sizeof path);
   if (result != CS_SUCCEED)

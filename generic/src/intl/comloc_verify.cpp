@@ -8,11 +8,12 @@
 
 #include "checks.h"
 #include "comloc.h"
+#include "section_files.h"
 #include "zrvintl.h"
 
-namespace {
+using comn::path_size;
 
-constexpr CS_INT path_size = 1025;
+namespace {
 
 CS_CHAR identifiers_file[] = "objectid.dat";
 CS_CHAR locales_file[] = "locales.dat";

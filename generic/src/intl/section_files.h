@@ -7,6 +7,9 @@
 
 namespace comn {
 
+// The room for a path, with its NUL.
+constexpr CS_INT path_size = 1025;
+
 // The end of a loop over the reader: a success, or the failure that its status tells.
 inline CS_RETCODE reader_result(CS_CONTEXT *context, int status) noexcept {
   if (status >= 0)

@@ -16,6 +16,7 @@
 #include "datetime.h"
 #include "float_text.h"
 #include "hex_text.h"
+#include "locale_of.h"
 #include "number.h"
 #include "numeric.h"
 #include "pad.h"
@@ -283,7 +284,7 @@ template <class Value, DateParser<Value> Parse, class Source, class Where>
 CS_RETCODE to_date(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_INT *destlen,
                    const Source &source, Where where) noexcept {
   *destlen = sizeof(Value);
-  const CS_LOCALE *const locale = srcfmt->locale != nullptr ? srcfmt->locale : context->ctxlocale;
+  const CS_LOCALE *const locale = locale_of(context, srcfmt);
   if (locale == nullptr || locale->timeptr == nullptr || context->ctxglobals == nullptr ||
       context->ctxglobals->cmg_utf8_charset == nullptr) [[unlikely]]
     return raise_null(where);
@@ -318,10 +319,6 @@ CS_RETCODE to_date(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_IN
 }
 
 // ---- to text ----
-
-inline const CS_LOCALE *locale_of(const CS_CONTEXT *context, const CS_DATAFMT *format) noexcept {
-  return format->locale != nullptr ? format->locale : context->ctxlocale;
-}
 
 inline const CsLocCache *ctype_of(const CS_LOCALE *locale) noexcept {
   return static_cast<const CsLocCache *>(locale->ctypeptr);

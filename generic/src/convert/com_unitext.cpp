@@ -10,6 +10,7 @@
 #include "checks.h"
 #include "comfou.h"
 #include "comloc.h"
+#include "locale_of.h"
 #include "pad.h"
 
 namespace {
@@ -63,7 +64,7 @@ CS_RETCODE comn::prepare_utf8(CS_CONTEXT *context, CS_LOCALE *user_locale, CS_DA
                               CS_LOCALE *locale) noexcept {
   COMN_CHECK_PTR(context, CS_FAIL);
   COMN_CHECK_PTR(context->ctxglobals, CS_FAIL);
-  const CS_LOCALE *const user = user_locale != nullptr ? user_locale : context->ctxlocale;
+  const CS_LOCALE *const user = comn::locale_of(context, user_locale);
   COMN_CHECK_PTR(user, CS_FAIL);
   *locale = *user;
   locale->ctypeptr = context->ctxglobals->cmg_utf8_ctypeptr;
@@ -88,7 +89,7 @@ CS_BOOL charset_in_datafmt_equals_utf8(CS_CONTEXT *context, CS_DATAFMT *datafmt)
   COMN_CHECK_PTR(context, 0);
   COMN_CHECK_PTR(datafmt, 0);
   COMN_CHECK_PTR(context->ctxglobals, 0);
-  const CS_LOCALE *const locale = datafmt->locale != nullptr ? datafmt->locale : context->ctxlocale;
+  const CS_LOCALE *const locale = comn::locale_of(context, datafmt);
   COMN_CHECK_PTR(locale, 0);
   COMN_CHECK_PTR(locale->ctypeptr, 0);
   return static_cast<const CsLocCache *>(locale->ctypeptr)->locchardesc ==

@@ -9,6 +9,7 @@
 
 #include "comloc.h"
 #include "date_value.h"
+#include "locale_of.h"
 #include "pad.h"
 #include "zrvintl.h"
 
@@ -36,7 +37,7 @@ CS_INT lay_out(CS_INT type, const CS_VOID *src, CS_CHAR *area, CS_INT room, CS_I
 template <class... Kinds, class Where>
 CS_RETCODE write_text(COMN_CONV_PARAMETERS, CS_INT room, bool &cut, Where where) noexcept {
   *destlen = 0;
-  const CS_LOCALE *const locale = destfmt->locale != nullptr ? destfmt->locale : context->ctxlocale;
+  const CS_LOCALE *const locale = comn::locale_of(context, destfmt);
   if (locale == nullptr || locale->ctypeptr == nullptr) [[unlikely]]
     return comn::raise_null(where);
 

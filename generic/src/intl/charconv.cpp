@@ -7,6 +7,7 @@
 
 #include "checks.h"
 #include "comnlib.h"
+#include "locale_of.h"
 
 using comn::Scratch;
 using comn::TextRange;

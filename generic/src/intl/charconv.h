@@ -44,18 +44,6 @@ inline void store_length(const CS_DATAFMT *format, CS_VOID *dest, CS_INT length)
     store(dest, static_cast<CS_SMALLINT>(length));
 }
 
-inline CS_LOCALE *locale_of(const CS_CONTEXT *context, const CS_DATAFMT *format) noexcept {
-  return format->locale != nullptr ? format->locale : context->ctxlocale;
-}
-
-// The cache of a category that has text, from CS_LCTYPE_CTYPE to CS_LCTYPE_TIME.
-inline CsLocCache *cache_of(const CS_LOCALE *locale, CS_INT type) noexcept {
-  static constexpr CS_VOID *CsLocale::*categories[] = {&CsLocale::ctypeptr, &CsLocale::messageptr,
-                                                       &CsLocale::monetaryptr,
-                                                       &CsLocale::numericptr, &CsLocale::timeptr};
-  return static_cast<CsLocCache *>(locale->*categories[type - CS_LCTYPE_CTYPE]);
-}
-
 // Whether a set is the UTF-8 that all contexts share.
 inline bool is_utf8(const CS_CONTEXT *context, const CsCharDesc *charset) noexcept {
   return context->ctxglobals != nullptr && context->ctxglobals->cmg_utf8_charset == charset;

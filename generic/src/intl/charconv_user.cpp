@@ -3,6 +3,7 @@
 
 #include "charconv.h"
 #include "checks.h"
+#include "locale_of.h"
 
 namespace {
 
@@ -139,8 +140,8 @@ CS_RETCODE comn_convert_max_multiplier(CS_CONTEXT *context, CS_INT type, CS_LOCA
                                        CS_LOCALE *destloc, CS_INT *multiplier) noexcept {
   COMN_CHECK_PTR(context, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(multiplier, COMN_TRACE(CS_FAIL));
-  const CS_LOCALE *const from = srcloc != nullptr ? srcloc : context->ctxlocale;
-  const CS_LOCALE *const to = destloc != nullptr ? destloc : context->ctxlocale;
+  const CS_LOCALE *const from = comn::locale_of(context, srcloc);
+  const CS_LOCALE *const to = comn::locale_of(context, destloc);
   COMN_CHECK_PTR(from, COMN_TRACE(CS_FAIL));
   COMN_CHECK_PTR(to, COMN_TRACE(CS_FAIL));
   if (from == to) {

@@ -5,6 +5,7 @@
 
 #include "charconv.h"
 #include "checks.h"
+#include "locale_of.h"
 #include "table.h"
 
 namespace {

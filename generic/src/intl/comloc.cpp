@@ -6,13 +6,9 @@
 
 #include "charset.h"
 #include "checks.h"
+#include "locale_of.h"
 
 namespace {
-
-constexpr CS_VOID *CsLocale::*categories[] = {
-    &CsLocale::collateptr,  &CsLocale::ctypeptr,   &CsLocale::messageptr,
-    &CsLocale::monetaryptr, &CsLocale::numericptr, &CsLocale::timeptr,
-};
 
 struct Name {
   const CS_CHAR *text;
@@ -54,7 +50,7 @@ CS_RETCODE com_intl_getstr(CsLocale *locale, CS_INT lctype, CS_INT type, CS_CHAR
   COMN_CHECK_PTR(outlen, COMN_TRACE(CS_FAIL));
   COMN_CHECK(lctype >= CS_LCTYPE_COLLATE && lctype <= CS_LCTYPE_TIME, COMN_TRACE(CS_FAIL));
   COMN_CHECK(type >= CS_LOCSTR_CHARSET && type <= CS_LOCSTR_LANG_CHARSET, COMN_TRACE(CS_FAIL));
-  const auto *const cache = static_cast<const CsLocCache *>(locale->*categories[lctype - 1]);
+  const CsLocCache *const cache = comn::cache_of(locale, lctype);
   COMN_CHECK_PTR(cache, COMN_TRACE(CS_FAIL));
 
   const Name charset = {cache->charname, cache->charnamelen};
@@ -92,11 +88,10 @@ CS_INT com_intl_loccmp(CS_INT lctype, CS_INT type, CsLocale *loc1, CsLocale *loc
   COMN_CHECK_PTR(loc2, 1);
   COMN_CHECK(lctype >= CS_LCTYPE_COLLATE && lctype <= CS_LCTYPE_TIME, 1);
   COMN_CHECK(type >= CS_LOCSTR_CHARSET && type <= CS_LOCSTR_SORTORDER, 1);
-  const auto category = categories[lctype - 1];
-  if (loc1 == loc2 || loc1->*category == loc2->*category)
+  const CsLocCache *const cache1 = comn::cache_of(loc1, lctype);
+  const CsLocCache *const cache2 = comn::cache_of(loc2, lctype);
+  if (cache1 == cache2)
     return 0;
-  const auto *const cache1 = static_cast<const CsLocCache *>(loc1->*category);
-  const auto *const cache2 = static_cast<const CsLocCache *>(loc2->*category);
   COMN_CHECK_PTR(cache1, 1);
   COMN_CHECK_PTR(cache2, 1);
   return object_of(*cache1, type) == object_of(*cache2, type) ? 0 : 1;

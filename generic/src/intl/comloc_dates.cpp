@@ -5,6 +5,7 @@
 #include "checks.h"
 #include "date_table.h"
 #include "datetime.h"
+#include "locale_of.h"
 
 namespace {
 
@@ -24,13 +25,13 @@ CsLocCache *complete_cache(const CS_LOCALE *locale) noexcept {
   return cache;
 }
 
-// The locale that counts; null when there is neither.
-const CS_LOCALE *locale_of(const CS_CONTEXT *context, const CS_LOCALE *locale) noexcept {
-  return locale != nullptr || context == nullptr ? locale : context->ctxlocale;
+// The locale that counts, where the context may be missing too; null when there is neither.
+const CS_LOCALE *any_locale(const CS_CONTEXT *context, CS_LOCALE *locale) noexcept {
+  return context != nullptr ? comn::locale_of(context, locale) : locale;
 }
 
-const CS_LOCALE *locale_of(const CS_CONTEXT *context, const CS_DATAFMT *format) noexcept {
-  return locale_of(context, format != nullptr ? format->locale : nullptr);
+const CS_LOCALE *any_locale(const CS_CONTEXT *context, const CS_DATAFMT *format) noexcept {
+  return any_locale(context, format != nullptr ? format->locale : nullptr);
 }
 
 // What a table says, null or 0 for a locale that is not complete. `get` takes it from the table.
@@ -81,7 +82,7 @@ int date_order_id(const char *text) noexcept {
   return COM_DATEORDER_MDY;
 }
 
-CsLocCache *date_cache(CS_CONTEXT *context, const CS_LOCALE *locale) noexcept {
+CsLocCache *date_cache(CS_CONTEXT *context, CS_LOCALE *locale) noexcept {
   COMN_CHECK_PTR(context, nullptr);
   const CS_LOCALE *const used = locale_of(context, locale);
   COMN_CHECK_PTR(used, nullptr);
@@ -98,36 +99,36 @@ CS_INT com__map_dateorder_id_to_fmt(int dateorder_id) noexcept {
 // ---- by a format ----
 
 CS_CHAR **com_intl_months(CsContext *context, CS_DATAFMT *dfmt) noexcept {
-  return answer_or(com__get_months(), locale_of(context, dfmt),
+  return answer_or(com__get_months(), any_locale(context, dfmt),
                    [](CS_DATEINFO &table) { return names(table.months); });
 }
 
 CS_CHAR **com_intl_shortmonths(CsContext *context, CS_DATAFMT *dfmt) noexcept {
-  return answer_or(com__get_shortmonths(), locale_of(context, dfmt),
+  return answer_or(com__get_shortmonths(), any_locale(context, dfmt),
                    [](CS_DATEINFO &table) { return names(table.shortmonths); });
 }
 
 CS_CHAR **com_intl_days(CsContext *context, CS_DATAFMT *dfmt) noexcept {
-  return answer_or(com__get_days(), locale_of(context, dfmt),
+  return answer_or(com__get_days(), any_locale(context, dfmt),
                    [](CS_DATEINFO &table) { return names(table.days); });
 }
 
 CS_INT com_intl_firstday(CsContext *context, CS_DATAFMT *dfmt) noexcept {
-  return answer_or(com__get_firstday(), locale_of(context, dfmt),
+  return answer_or(com__get_firstday(), any_locale(context, dfmt),
                    [](CS_DATEINFO &table) { return table.firstday; });
 }
 
 CS_CHAR *com_intl_dateorder(CsContext *context, CS_DATAFMT *dfmt) noexcept {
-  return answer_or(com__get_date_order(), locale_of(context, dfmt),
+  return answer_or(com__get_date_order(), any_locale(context, dfmt),
                    [](CS_DATEINFO &table) -> CS_CHAR * { return table.dateorder; });
 }
 
 int com_intl_dateorder_id(CsContext *context, CS_DATAFMT *dfmt) noexcept {
-  return answer_or(com__get_date_order_id(), locale_of(context, dfmt), order_id);
+  return answer_or(com__get_date_order_id(), any_locale(context, dfmt), order_id);
 }
 
 CS_INT com_intl_is12hour(CsContext *context, CS_DATAFMT *dfmt) noexcept {
-  return answer_or(1, locale_of(context, dfmt), is_12_hour);
+  return answer_or(1, any_locale(context, dfmt), is_12_hour);
 }
 
 CS_INT com_intl_convt_firstday(CS_INT orig_firstday, CS_INT orig_day,
@@ -150,16 +151,16 @@ CS_INT comn_intl_get_bdtfmt(CS_CONTEXT *context, CS_LOCALE *locale) noexcept {
 }
 
 CS_INT comn_dtloc_is12hour(CS_CONTEXT *context, CS_LOCALE *locale) noexcept {
-  return answer_or(1, locale_of(context, locale), is_12_hour);
+  return answer_or(1, any_locale(context, locale), is_12_hour);
 }
 
 int comn_dtloc_format(CS_CONTEXT *context, CS_LOCALE *locale) noexcept {
-  return answer_or(com__get_date_order_id(), locale_of(context, locale), order_id);
+  return answer_or(com__get_date_order_id(), any_locale(context, locale), order_id);
 }
 
 // Without a locale the answer is a date order, not a style, deliberately.
 CS_INT comn_dtloc_format_fmt(CS_CONTEXT *context, CS_LOCALE *locale) noexcept {
-  return answer_or(com__get_date_order_id(), locale_of(context, locale), text_style);
+  return answer_or(com__get_date_order_id(), any_locale(context, locale), text_style);
 }
 
 CS_INT comn_get_datetochar_fmt(CS_CONTEXT *context, CS_DATAFMT *srcfmt,

@@ -2,6 +2,7 @@
 #include "checks.h"
 #include "date_table.h"
 #include "loc_cache.h"
+#include "locale_of.h"
 
 namespace {
 
@@ -40,8 +41,8 @@ void drop_both(CsLocCache *cache) noexcept {
 }
 
 void serve_all_categories(CS_LOCALE *locale, CsLocCache *cache) noexcept {
-  locale->collateptr = locale->ctypeptr = locale->messageptr = locale->monetaryptr =
-      locale->numericptr = locale->timeptr = cache;
+  for (const auto category : comn::categories)
+    locale->*category = cache;
 }
 
 } // namespace
@@ -79,7 +80,7 @@ CS_RETCODE comn__intl_set_dtfmt(CS_CONTEXT *context, CS_LOCALE *locale, CS_INT t
     cache = equal;
   comn::link_cache(context->ctxglobals, cache);
   comn::link_date_table(context->ctxglobals, cache->locdateinfo);
-  serve_all_categories(locale != nullptr ? locale : context->ctxlocale, cache);
+  serve_all_categories(comn::locale_of(context, locale), cache);
   return CS_SUCCEED;
 }
 

@@ -11,7 +11,7 @@ int date_order_id(const char *text) noexcept;
 
 // The cache that says what dates look like in a locale, null meaning ctxlocale. What is not there is
 // fatal, null.
-CsLocCache *date_cache(CS_CONTEXT *context, const CS_LOCALE *locale) noexcept;
+CsLocCache *date_cache(CS_CONTEXT *context, CS_LOCALE *locale) noexcept;
 
 } // namespace comn
 

@@ -4,6 +4,7 @@
 #include "charconv.h"
 #include "checks.h"
 #include "locale_of.h"
+#include "oid_table.h"
 
 namespace {
 
@@ -21,11 +22,7 @@ CsUserAlgo *find(const CS_CONTEXT *context, const CsOID *from, const CsOID *to) 
 // The record of a character set's name, or null.
 CsOID *resolve(CS_CONTEXT *context, CS_CHAR *name, CS_INT length) noexcept {
   CsOID *oid = nullptr;
-  CS_INT oidclass = COM_OID_CHARSET;
-  if (comn_globalid(context, COM_NAME_TO_OID, &oid, &oidclass, CS_UNUSED, name, length, nullptr,
-                    nullptr) != CS_SUCCEED)
-    return nullptr;
-  return oid;
+  return comn::identify(context, COM_OID_CHARSET, name, length, &oid) == CS_SUCCEED ? oid : nullptr;
 }
 
 // A name as it was given: its bytes and an explicit length.

@@ -6,6 +6,7 @@
 #include "charset_image.h"
 #include "checks.h"
 #include "hex_digits.h"
+#include "oid_table.h"
 #include "section_files.h"
 #include "sortordr.h"
 
@@ -155,9 +156,8 @@ CS_RETCODE load_sort_order(CS_CONTEXT *context, CsLocCache *lcache, CS_CHAR *loc
   if (context->ctxlocale == nullptr || lcache->sortname == nullptr)
     return CS_SUCCEED;
   CsOID *oid = nullptr;
-  CS_INT oidclass = COM_OID_COLLATE;
-  const CS_RETCODE result = comn_globalid(context, COM_NAME_TO_OID, &oid, &oidclass, CS_UNUSED,
-                                          lcache->sortname, lcache->sortnamelen, nullptr, nullptr);
+  const CS_RETCODE result =
+      comn::identify(context, COM_OID_COLLATE, lcache->sortname, lcache->sortnamelen, &oid);
   if (result != CS_SUCCEED)
     return result;
   return comn__intl_load_sortorder(context, oid, lcache, locfilename, filenamelen);

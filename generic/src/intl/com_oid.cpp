@@ -106,6 +106,12 @@ const CS_STRING_LIST *name_at(const CsOID &oid, CS_INT position) noexcept {
 
 } // namespace
 
+CS_RETCODE comn::identify(CS_CONTEXT *context, CS_INT oidclass, const CS_CHAR *name, CS_INT length,
+                          CsOID **oid) noexcept {
+  return comn_globalid(context, COM_NAME_TO_OID, oid, &oidclass, CS_UNUSED,
+                       const_cast<CS_CHAR *>(name), length, nullptr, nullptr);
+}
+
 CS_RETCODE comn_globalid(CS_CONTEXT *context, CS_INT type, CsOID **gidp, CS_INT *classp,
                          CS_INT nameid, CS_CHAR *localnp, CS_INT len, CS_INT *numnamesp,
                          CS_INT *outlen) noexcept {
@@ -233,8 +239,7 @@ CS_RETCODE comn_tds_to_oid(CS_CONTEXT *context, CS_INT oidclass, CS_INT tdsval,
   const CS_RETCODE status = comn_id_to_string(context, own_Com__tds_lclname_map, tdsval, &name);
   if (status != CS_SUCCEED)
     return COMN_TRACE(status);
-  return COMN_TRACE(comn_globalid(context, COM_NAME_TO_OID, oidp, &oidclass, CS_UNUSED, name,
-                                  CS_LEN_NULLTERM, nullptr, nullptr));
+  return COMN_TRACE(comn::identify(context, oidclass, name, CS_LEN_NULLTERM, oidp));
 }
 
 CS_RETCODE comn_oid_to_tds(CS_CONTEXT *context, CsOID *oid, CS_INT *tdsval) noexcept {
@@ -260,12 +265,10 @@ CS_RETCODE comn_locale_to_oid(CS_CONTEXT *context, CS_LOCALE *lp, CS_INT type,
   const bool is_charset = type == CS_LOCSTR_CHARSET;
   CS_CHAR name[name_size];
   CS_INT length = 0;
-  CS_RETCODE status = com_intl_getstr(lp, is_charset ? CS_LCTYPE_CTYPE : CS_LCTYPE_MESSAGE, type,
-                                      name, name_size, &length);
+  const CS_RETCODE status = com_intl_getstr(lp, is_charset ? CS_LCTYPE_CTYPE : CS_LCTYPE_MESSAGE,
+                                            type, name, name_size, &length);
   if (status != CS_SUCCEED)
     return COMN_TRACE(status);
-  CS_INT oidclass = is_charset ? COM_OID_CHARSET : COM_OID_NATLANG;
-  status = comn_globalid(context, COM_NAME_TO_OID, oidp, &oidclass, CS_UNUSED, name, length,
-                         nullptr, nullptr);
-  return COMN_TRACE(status);
+  const CS_INT oidclass = is_charset ? COM_OID_CHARSET : COM_OID_NATLANG;
+  return COMN_TRACE(comn::identify(context, oidclass, name, length, oidp));
 }

@@ -1,6 +1,6 @@
 // Conversion acknowledgements: what two peers have agreed on, format by format.
 #include "checks.h"
-#include "comloc.h"
+#include "oid_table.h"
 
 namespace {
 
@@ -50,11 +50,8 @@ CS_RETCODE comn_init_convack(CS_CONTEXT *context, CS_CONVACK *convack, CS_INT in
     if (status == CS_SUCCEED)
       status = comn_tds_to_oid(context, format.oidclass, format.code, format.field);
   for (const Name &name : names)
-    if (status == CS_SUCCEED && name.length >= 1) {
-      CS_INT oidclass = name.oidclass;
-      status = comn_globalid(context, COM_NAME_TO_OID, name.field, &oidclass, CS_UNUSED, name.name,
-                             name.length, nullptr, nullptr);
-    }
+    if (status == CS_SUCCEED && name.length >= 1)
+      status = comn::identify(context, name.oidclass, name.name, name.length, name.field);
   if (status != CS_SUCCEED)
     *convack = {};
   return COMN_TRACE(status);

@@ -5,6 +5,7 @@
 #include "checks.h"
 #include "lmpublic.h"
 #include "loc_cache.h"
+#include "oid_table.h"
 #include "sortordr.h"
 
 namespace {
@@ -64,12 +65,6 @@ CS_RETCODE prepare(CS_CONTEXT *context, CsLocCache *cache, CS_CHAR *locfilename,
 } // namespace
 
 namespace comn {
-
-CS_RETCODE identify(CS_CONTEXT *context, CS_INT oidclass, const CS_CHAR *name, CS_INT length,
-                    CsOID **oid) noexcept {
-  return comn_globalid(context, COM_NAME_TO_OID, oid, &oidclass, CS_UNUSED,
-                       const_cast<CS_CHAR *>(name), length, nullptr, nullptr);
-}
 
 void forget_utf8(CsCtxGlobals *globals) noexcept {
   std::free(globals->cmg_utf8_ctypeptr);

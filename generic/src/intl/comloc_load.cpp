@@ -5,6 +5,7 @@
 #include "checks.h"
 #include "comerr.h"
 #include "loc_cache.h"
+#include "oid_table.h"
 #include "sortordr.h"
 
 namespace {

@@ -29,10 +29,6 @@ inline void link_date_table(CsCtxGlobals *globals, CS_DATEINFO *table) noexcept 
   globals->cmg_datetime = table;
 }
 
-// The identifier of a name in a class, as comn_globalid finds it.
-CS_RETCODE identify(CS_CONTEXT *context, CS_INT oidclass, const CS_CHAR *name, CS_INT length,
-                    CsOID **oid) noexcept;
-
 // Releases the cache that comn_intl_init has made, so that it makes one again. The character set
 // stays on its list.
 void forget_utf8(CsCtxGlobals *globals) noexcept;

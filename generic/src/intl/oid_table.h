@@ -12,6 +12,10 @@ COMN_DECLARE_TABLE(Com__dup_classmap);
 
 namespace comn {
 
+// The identifier of a name in a class, as comn_globalid finds it.
+CS_RETCODE identify(CS_CONTEXT *context, CS_INT oidclass, const CS_CHAR *name, CS_INT length,
+                    CsOID **oid) noexcept;
+
 inline bool is_oid_class(CS_INT oidclass) noexcept {
   return oidclass >= 0 && oidclass < COM_OID_CLASS_COUNT;
 }

@@ -894,6 +894,39 @@ TEST(TextToDate, EachAllocationFails) {
     }
 }
 
+// What the algorithm of a user sees of a source.
+namespace {
+
+CS_DATAFMT seen_format;
+std::string seen_text;
+
+CS_RETCODE see(CS_CONTEXT *, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *, CS_VOID *dest,
+               CS_INT *resultlen) {
+  seen_format = *srcfmt;
+  seen_text.assign(static_cast<const char *>(src), static_cast<size_t>(srcfmt->maxlength));
+  *resultlen = srcfmt->maxlength;
+  std::memcpy(dest, src, seen_text.size());
+  return CS_SUCCEED;
+}
+
+} // namespace
+
+TEST(TextToDate, AnAlgorithmOfTheUserSeesNoRecord) {
+  TextWorld world;
+  CsUserAlgo algorithm{};
+  algorithm.from_oid = &world.iso_1.oid;
+  algorithm.to_oid = &world.utf8.oid;
+  algorithm.user_conv_func = see;
+  world.context.usercharconv = &algorithm;
+  for (const auto family : text_families) {
+    seen_format = {};
+    seen_text.clear();
+    EXPECT_EQ(world.to_fixed(family, timea, "00:00:02").value<CS_INT>(), 600);
+    EXPECT_EQ(seen_format.datatype, CS_TYPE_CHAR) << family;
+    EXPECT_EQ(seen_text, "00:00:02");
+  }
+}
+
 TEST(TextToDate, RoomOfARecordGoesByItsFormat) {
   TextWorld world;
   CS_VARCHAR record{5, "12:00"};

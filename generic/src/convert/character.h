@@ -300,6 +300,7 @@ CS_RETCODE to_date(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_IN
   if (utf8_text == nullptr)
     return CS_MEM_ERROR;
   CS_DATAFMT format = *srcfmt;
+  format.datatype = CS_TYPE_CHAR; // of a record it is the text alone
   format.maxlength = source.length;
   CS_INT length = 0;
   CS_RETCODE status =

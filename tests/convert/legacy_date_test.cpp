@@ -258,6 +258,25 @@ TEST(LegacyNumeric, FromText) {
   EXPECT_EQ(run_record("x", 1).result, overflow);
 }
 
+// A record may be longer than one of the matrix, whose room is 256 bytes.
+TEST(LegacyNumeric, FromLongRecords) {
+  const auto digits = [](const std::string &text, bool multi_byte) {
+    const Shaped done =
+        run_member(legacy_member("varychar", "num", multi_byte), record_of(text), 1, 35, 35);
+    EXPECT_EQ(done.result, 35) << text.size();
+    return done.bytes.substr(2, 9);
+  };
+  for (const bool multi_byte : {false, true}) {
+    EXPECT_EQ(digits(std::string(290, ' ') + "1234567890", multi_byte),
+              "\0\0\0\x0B\x3A\x73\xCE\x2B\x20"s);
+    EXPECT_EQ(digits(std::string(1022, '0') + "1", multi_byte), "\0\0\0\0\0\0\0\x27\x10"s);
+    EXPECT_EQ(run_member(legacy_member("varychar", "num", multi_byte),
+                         record_of(std::string(1024, '0')), 1, 35, 35)
+                  .result,
+              syntax);
+  }
+}
+
 TEST(LegacyNumeric, FromBinary) {
   std::string digits(33, '\0');
   digits[8] = '\x2A';

@@ -1,7 +1,7 @@
 // Exact numerics for callers without a context: each member goes through the matrix's conversion, with
 // formats of its own.
 #include "binary.h"
-#include "comloc.h"
+#include "character.h"
 #include "legacy.h"
 #include "number.h"
 #include "types.h"
@@ -49,43 +49,68 @@ struct Converted {
   CS_INT length;
 };
 
+// The conversions of numerics want a context and read nothing of it.
+CS_CONTEXT *blank_context() noexcept {
+  static constexpr CS_CONTEXT context{};
+  return const_cast<CS_CONTEXT *>(&context);
+}
+
 template <auto Convert>
 Converted convert(Side &from, CS_BYTE *src, Side &to, CS_BYTE *dest) noexcept {
-  // The conversions of numerics want a context and read nothing of it.
-  static constexpr CS_CONTEXT blank_context{};
   CS_INT length = 0;
-  const CS_RETCODE status = Convert(const_cast<CS_CONTEXT *>(&blank_context), &from.format, src,
-                                    &to.format, dest, &length);
+  const CS_RETCODE status = Convert(blank_context(), &from.format, src, &to.format, dest, &length);
   return {status, length};
 }
 
 // ---- to numerics ----
 
+struct NumericSide : Side {
+  NumericSide(CS_INT precision, CS_INT scale) noexcept : Side(CS_TYPE_NUMERIC, numeric_length) {
+    format.precision = precision;
+    format.scale = scale;
+  }
+};
+
 template <auto Convert, CS_INT Code>
 CS_INT to_num(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT precision, CS_INT scale,
               CS_LOCALE *locale = nullptr) noexcept {
-  Side from(Code, srclen), to(CS_TYPE_NUMERIC, numeric_length);
+  Side from(Code, srclen);
+  NumericSide to(precision, scale);
   from.format.locale = locale;
-  to.format.precision = precision;
-  to.format.scale = scale;
   const auto [status, length] = convert<Convert>(from, src, to, dest);
   return result_of(status, length);
 }
 
-template <auto Convert, CS_INT Code>
 CS_INT text_to_num(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT precision, CS_INT scale,
                    CS_ATTRIB *chatr) noexcept {
   SetLocale locale(chatr);
-  return to_num<Convert, Code>(src, srclen, dest, precision, scale, locale.get());
+  return to_num<comn_chartonum, CS_TYPE_CHAR>(src, srclen, dest, precision, scale, locale.get());
+}
+
+// Text in a record that may be longer than a CS_VARCHAR holds.
+struct of_varychar : comn::text::of_varchar {
+  of_varychar(Side &from, CS_BYTE *src) noexcept : of_varchar(blank_context(), &from.format, src) {
+    length = told_length;
+  }
+};
+
+CS_INT record_to_num(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT precision, CS_INT scale,
+                     CS_ATTRIB *chatr) noexcept {
+  SetLocale locale(chatr);
+  Side from(CS_TYPE_VARCHAR, srclen);
+  const NumericSide to(precision, scale);
+  from.format.locale = locale.get();
+  CS_INT length = 0;
+  const CS_RETCODE status =
+      comn::text::to_num(&to.format, dest, &length, of_varychar(from, src), COMN_HERE);
+  return result_of(status, length);
 }
 
 template <class Source>
 CS_INT bytes_to_num(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT precision,
                     CS_INT scale) noexcept {
   const Side from(CS_TYPE_BINARY, srclen);
-  Side to(CS_TYPE_NUMERIC, numeric_length);
-  to.format.precision = precision;
-  to.format.scale = scale;
+  const NumericSide to(precision, scale);
   CS_INT length = 0;
   const CS_RETCODE status =
       comn::binary::to_num(Source(&from.format, src), &to.format, dest, &length);
@@ -153,14 +178,10 @@ COMN_OLD(com_varybintonum,
          COMN_OLD_SHAPE)
 
 #define COMN_OLD_TEXT_TO_NUM(prefix, chatr, ...)                                                   \
-  COMN_OLD(                                                                                        \
-      prefix##chartonum,                                                                           \
-      (text_to_num<comn_chartonum, CS_TYPE_CHAR>(src, srclen, dest, precision, scale, chatr)),     \
-      COMN_OLD_SHAPE __VA_OPT__(, ) __VA_ARGS__)                                                   \
+  COMN_OLD(prefix##chartonum, (text_to_num(src, srclen, dest, precision, scale, chatr)),           \
+           COMN_OLD_SHAPE __VA_OPT__(, ) __VA_ARGS__)                                              \
   COMN_OLD(prefix##varychartonum,                                                                  \
-           (is_empty(src) ? nothing                                                                \
-                          : text_to_num<comn_varchartonum, CS_TYPE_VARCHAR>(                       \
-                                src, srclen, dest, precision, scale, chatr)),                      \
+           (is_empty(src) ? nothing : record_to_num(src, srclen, dest, precision, scale, chatr)),  \
            COMN_OLD_SHAPE __VA_OPT__(, ) __VA_ARGS__)
 
 COMN_OLD_TEXT_TO_NUM(com_, nullptr)

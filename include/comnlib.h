@@ -775,8 +775,9 @@ ZRV_NUMBER_CONVS(mny4);
  * to floats     flt8 beyond the largest single, infinities too, is that single with its sign and
  *               CS_CONV_OVERFLOW; what is too small becomes a denormal or zero with CS_SUCCEED.
  * to numeric    the 17 significant digits of the double, rounded to destfmt->scale. Statuses as from
- *               integers; CS_DFMT_FROMSOURCE is refused. CS_CONV_OVERFLOW also for infinities and
- *               for what is not a number.
+ *               integers, but CS_DFMT_FROMSOURCE is refused; of another negative scale the low byte
+ *               counts, and one above 77 lets the text of the double choose (com__subchartoexctnume).
+ *               CS_CONV_OVERFLOW also for infinities and for what is not a number.
  * to money      rounded to four decimals. CS_CONV_OVERFLOW, with zero stored, for what does not fit
  *               and for what is not a number.
  * to text       "%.17g" of the double with a point whatever the locale; no zero before a point that

@@ -328,9 +328,12 @@ TEST(FloatingToNum, Failures) {
       EXPECT_EQ(result.destlen, 35);
       EXPECT_EQ(result.bytes, std::string(35, '\xA5'));
     }
-    const Converted scale = to_num(source, 1.0, 77, 78);
-    EXPECT_EQ(scale.status, CS_CONV_BADSCALE);
-    EXPECT_EQ(scale.bytes, std::string(35, '\xA5'));
+    for (const CS_INT bad : {78, CS_DFMT_FROMSOURCE}) {
+      const Converted scale = to_num(source, 1e-05, 20, bad);
+      EXPECT_EQ(scale.status, CS_CONV_BADSCALE) << bad;
+      EXPECT_EQ(scale.destlen, 35);
+      EXPECT_EQ(scale.bytes, std::string(35, '\xA5'));
+    }
     EXPECT_EQ(to_num(source, 1000.0, 3, 0).status, CS_CONV_OVERFLOW);
     EXPECT_EQ(to_num(source, 999.0, 3, 0).status, CS_SUCCEED);
     // Data must not end the process: none of these fails a check.

@@ -139,10 +139,10 @@ template <class Source, class Where>
 CS_RETCODE to_num(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
                   Where where) noexcept {
   *destlen = sizeof(CS_NUMERIC);
-  // CS_DFMT_FROMSOURCE is no shape here. A negative scale is not refused: its low byte is the scale.
+  // Any other negative scale is not refused: its low byte is the scale.
   if (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC)
     return CS_CONV_BADPRECISION;
-  if (destfmt->scale > CS_MAX_SCALE)
+  if (destfmt->scale > CS_MAX_SCALE || destfmt->scale == CS_DFMT_FROMSOURCE)
     return CS_CONV_BADSCALE;
   auto *const result = static_cast<CS_NUMERIC *>(dest);
   const CS_FLOAT value = value_at<Source>(src);

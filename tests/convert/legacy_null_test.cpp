@@ -179,6 +179,7 @@ TEST(LegacyServices, Padding) {
   EXPECT_EQ(padded(1, 0), "\0\xA5\xA5\xA5"s);
   EXPECT_EQ(padded(0, 2), "\xA5\xA5\0\xA5"s);
   EXPECT_EQ(padded(-1, 0), "\0\xA5\xA5\xA5"s);
+  EXPECT_EQ(padded(std::numeric_limits<CS_INT>::min(), 2), "\xA5\xA5\0\xA5"s);
   EXPECT_NULL_POINTER_CHECK("oldutil.cpp", 0, (com__padstring(nullptr, 1, 0), 0));
 
   const auto trimmed = [](const std::string &text) {

@@ -1,5 +1,6 @@
 // Small services of the conversions for callers without a context: padding, copying, clearing; and money
 // under its old names.
+#include <algorithm>
 #include <cstring>
 
 #include "checks.h"
@@ -17,7 +18,7 @@ void com__padchar(CS_BYTE *dest, CS_INT destlen, CS_INT bytes_filled) noexcept {
 
 void com__padstring(CS_BYTE *dest, CS_INT destlen, CS_INT bytes_filled) noexcept {
   COMN_CHECK_PTR(dest);
-  com__padchar(dest, destlen - 1, bytes_filled);
+  com__padchar(dest, std::max(destlen, 1) - 1, bytes_filled);
   dest[destlen < 1 ? bytes_filled : destlen - 1] = 0;
 }
 

@@ -169,7 +169,8 @@ ZRV_BEGIN_DECLS
  *                  the first byte is not 0; to num as comn_bintonum does; to text two hexadecimal digits a
  *                  byte. Digits that were cut, COM_OLD_OVERFLOW, are not padded and have no terminator;
  *                  varychar has -1 in its header then. A destlen of 0 is no limit of digits
- * dates to text    as com_date2char, which also tells the failures; com_date2char is char from date
+ * dates to text    as com_date2char, which also tells the failures; com_date2char is char from date. Every
+ *                  negative destlen is no limit
  */
 ZRV_OLD_FROM_NUMBER(i1, ZRV_OLD);
 ZRV_OLD_FROM_NUMBER(i2, ZRV_OLD);
@@ -187,7 +188,7 @@ ZRV_OLD_FROM_BINARY(varybin);
 ZRV_OLD_FROM_DATE(date);
 ZRV_OLD_FROM_DATE(date4);
 
-/* A date in another style; the one to char has a second name, com_date2char_ex. */
+/* A date in another style; com_date2char_ex is the one to char. */
 ZRV_OLD_DATETEXT_EX(com_datetochar_ex);
 ZRV_OLD_DATETEXT_EX(com_datetostring_ex);
 ZRV_OLD_DATETEXT_EX(com_datetontbstring_ex);

@@ -614,7 +614,6 @@ TEST(FormatChecks, NullPointers) {
   CS_INT number = 0;
   CS_UBIGINT big = 0;
   char text[64];
-  CS_BYTE bytes[64] = {};
   constexpr const char *unit = "datetime_format.cpp";
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__daterectochar(nullptr, text, 64, 0, nullptr, 300));
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__daterectochar(&fields, nullptr, 64, 0, nullptr, 300));
@@ -632,7 +631,6 @@ TEST(FormatChecks, NullPointers) {
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__timeatochar(&number, nullptr, 64, 0, nullptr));
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__dateatochar(nullptr, text, 64, 0, nullptr));
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__dateatochar(&number, nullptr, 64, 0, nullptr));
-  EXPECT_NULL_POINTER_CHECK(unit, 0, com_date2char(bytes, 8, nullptr, 64, nullptr));
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__cpint(nullptr, 1, 0, 2));
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__cpchar(nullptr, text, 0, 2));
   EXPECT_NULL_POINTER_CHECK(unit, 0, com__cpchar(text, nullptr, 0, 2));

@@ -7,11 +7,11 @@ namespace {
 namespace kinds = comn::date_value;
 using namespace comn::legacy;
 
-// A text that was cut ends as its shape does.
+// A text that was cut ends as its shape does. Every negative capacity is none, as to the layouts.
 template <class Shape, class Kind>
 CS_INT date_text(Kind, const CS_BYTE *src, CS_BYTE *dest, CS_INT destlen, char **shortmonths,
                  CS_INT style) noexcept {
-  const Shape shape(dest, destlen);
+  const Shape shape(dest, std::max(destlen, -1));
   const CS_INT length = Kind::write(src, chars(shape.text), shape.room, style,
                                     shortmonths == nullptr ? com__get_shortmonths() : shortmonths);
   constexpr CS_INT cut = 0;
@@ -41,3 +41,5 @@ COMN_OLD_DATE_UNIT(date)
 COMN_OLD_DATE_UNIT(date4)
 COMN_OLD_TO_TEXT(date, date_text, _ex, (kinds::date{}, src, dest, destlen, shortmonths, style),
                  char **shortmonths, CS_INT style)
+COMN_OLD_ALIAS(com_date2char, com_datetochar)
+COMN_OLD_ALIAS(com_date2char_ex, com_datetochar_ex)

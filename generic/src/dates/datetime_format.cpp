@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "any_address.h"
 #include "checks.h"
 #include "crack.h"
 #include "decimal_text.h"
@@ -285,26 +284,4 @@ CS_INT com__dateatochar(CS_DATE *value, CS_CHAR *buf, CS_INT len, CS_INT style,
   const bool is_date_only = style == 0 || style == 9;
   const Layout *layout = is_date_only ? &date_only_layout : find_layout(date_layouts, style);
   return write_text(layout, fields, buf, len, shortmths, tick_precision);
-}
-
-CS_INT com_date2char_ex(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,
-                        CS_CHAR **shortmonths, CS_INT style) noexcept {
-  if (src == nullptr || srclen == 0)
-    return 0;
-  COMN_CHECK_PTR(dest, 0);
-  auto value = comn::load<CS_DATETIME>(src);
-  CS_CHAR **names =
-      shortmonths != nullptr ? shortmonths : const_cast<CS_CHAR **>(own_Com__Shortmonths);
-  const CS_INT length =
-      com__datetochar(&value, reinterpret_cast<CS_CHAR *>(dest), destlen, style, names);
-  if (length == cut)
-    return -1;
-  if (length > 0 && length < destlen)
-    std::memset(dest + length, ' ', static_cast<size_t>(destlen - length));
-  return length;
-}
-
-CS_INT com_date2char(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen,
-                     CS_CHAR **shortmonths) noexcept {
-  return com_date2char_ex(src, srclen, dest, destlen, shortmonths, 9);
 }

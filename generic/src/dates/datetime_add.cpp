@@ -24,26 +24,24 @@ enum ProtocolType : CS_BYTE {
 // Moves year and month of a record and keeps its day inside the month. False, and nothing changed,
 // when a field would leave its type.
 bool add_to_fields(Counts counts, CS_INT value, CS_DATEREC &fields) noexcept {
-  if (counts == Counts::years) {
-    if (__builtin_add_overflow(fields.dateyear, value, &fields.dateyear))
-      return false;
-  } else {
+  CS_INT years = value, month = fields.datemonth;
+  if (counts != Counts::years) {
     CS_INT months = value;
     if (counts == Counts::quarters && __builtin_mul_overflow(value, 3, &months))
       return false;
-    if (__builtin_add_overflow(fields.datemonth, months, &months))
+    if (__builtin_add_overflow(month, months, &months))
       return false;
-    CS_INT years = months / months_per_year;
-    months %= months_per_year;
-    if (months < 0) {
-      months += months_per_year;
+    years = months / months_per_year;
+    month = months % months_per_year;
+    if (month < 0) {
+      month += months_per_year;
       --years;
     }
-    if (__builtin_add_overflow(fields.dateyear, years, &years))
-      return false;
-    fields.dateyear = years;
-    fields.datemonth = months;
   }
+  if (__builtin_add_overflow(fields.dateyear, years, &years))
+    return false;
+  fields.dateyear = years;
+  fields.datemonth = month;
   monthcheck(&fields);
   return true;
 }

@@ -183,8 +183,9 @@ ZRV_PRIVATE int com__timeatobigtime(CS_TIME *src, CS_BIGTIME *dest) ZRV_NOEXCEPT
 
 /*
  * From microseconds to ticks: whole milliseconds, then the nearest tick, the last millisecond of
- * the day being its last tick. These return CS_SUCCEED; CS_CONV_TRUNCATED when a fraction of a
- * millisecond was lost, the value in place; and
+ * the day being its last tick; in com__bigdatetimetodate, which cracks and makes, the last of every
+ * second. These return CS_SUCCEED; CS_CONV_TRUNCATED when a fraction of a millisecond was lost, the
+ * value in place; and
  *
  * com__bigdatetimetodate  CS_CONV_OVERFLOW when the date cannot be made, `*dest` partly written;
  *                         CS_CONV_UNDERFLOW before 1753-01-01, the value in place, even if a

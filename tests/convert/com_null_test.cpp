@@ -6,6 +6,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -748,6 +749,21 @@ TEST(VoidToAny, FormatBitsForEveryText) {
     expect_rows(type, of_text);
   for (const CS_INT type : {CS_TYPE_UNICHAR, CS_TYPE_UNITEXT})
     expect_rows(type, of_unitext);
+}
+
+// Deliberate: unichar has the width of a unit, whatever the format says, and its default a byte of it.
+TEST(VoidToAny, ADefaultOf16BitTextLooksAtNoRoom) {
+  TestContext context;
+  for (const auto &[type, length, bytes] :
+       {std::tuple{CS_TYPE_UNICHAR, 1, "\0\xA5"s}, {CS_TYPE_UNITEXT, 0, "\xA5\xA5"s}}) {
+    CS_DATAFMT format = make_format(type, 0);
+    GuardedBuffer dest(2);
+    CS_INT outlen = -1;
+    EXPECT_EQ(comn_voidtoany(context.get(), nullptr, nullptr, &format, dest.data(), &outlen),
+              length == 0 ? CS_SUCCEED : CS_CONV_OVERFLOW);
+    EXPECT_EQ(outlen, length);
+    EXPECT_EQ(dest.contents(), bytes);
+  }
 }
 
 TEST(VoidToAny, AUserType) {

@@ -557,8 +557,9 @@ ZRV_CONV(comn_voidtovoid);
  *               takes it from the text. `*destlen` is the length of the precision plus 2. With
  *               CS_DFMT_NULLTERM in srcfmt a NUL ends the text. CS_CONV_BADPRECISION, CS_CONV_BADSCALE,
  *               CS_CONV_OVERFLOW; CS_CONV_TRUNCATED when fraction digits would be lost, and dest is not to
- *               be used. From varchar an empty text is fatal, `*destlen` is 35, and text that does not
- *               parse or would lose digits is CS_CONV_OVERFLOW.
+ *               be used. A text that is more than 1,023 bytes when it is reduced is CS_CONV_SYNTAX. From
+ *               varchar an empty text is fatal, `*destlen` is 35, a length above 1,023 is CS_CONV_SYNTAX,
+ *               and text that does not parse or would lose digits is CS_CONV_OVERFLOW.
  * to money      com__mnyfromchar_mb, com__mny4fromchar_mb: CS_CONV_OVERFLOW, CS_CONV_SYNTAX.
  * to dates      date is for 12 and 35, timea for 28 and 36. The text goes through UTF-8 and is read with the
  *               names, the order and the style of the locale's dates (com__datefromchar_mb).
@@ -724,9 +725,9 @@ ZRV_NUMBER_CONVS(ui8);
  * to numeric    destfmt->precision and scale are the shape, CS_DFMT_FROMSOURCE keeps that of the
  *               source. Digits are dropped without rounding: CS_CONV_TRUNCATED, the rest is stored.
  *               CS_CONV_OVERFLOW beyond the precision, and where the digits of the source before
- *               the change of scale do not fit the new length. CS_CONV_BADPRECISION;
- *               CS_CONV_BADSCALE outside 0 to 77, a negative scale too. `*destlen` is the length of
- *               the precision plus 2. `dest` may be the source.
+ *               the change of scale do not fit the new length; dest has the shape then and is not to
+ *               be used. CS_CONV_BADPRECISION; CS_CONV_BADSCALE outside 0 to 77, a negative scale too.
+ *               `*destlen` is the length of the precision plus 2. `dest` may be the source.
  * to money      rounded to four decimals. CS_CONV_OVERFLOW: beyond money nothing is stored, beyond
  *               mny4 alone its nearest value.
  * to text       all digits of the scale, and a zero before a point that would come first; 80 bytes

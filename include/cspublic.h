@@ -94,9 +94,10 @@ ZRV_BEGIN_DECLS
 typedef struct _cscontext CS_CONTEXT;
 typedef struct _cslocale CS_LOCALE;
 
-/* Describes one value on one side of a conversion. A conversion reads it and leaves it as it is,
- * with one exception: the conversions to numeric from text and from 64-bit integers store 255 into
- * a precision or scale of CS_DFMT_FROMSOURCE, and the one from text brings the marker back. */
+/* Describes one value on one side of a conversion. A conversion reads it and leaves it as it is, but
+ * for the destination's in these: 64-bit integers to numeric leave 255 in a precision or scale of
+ * CS_DFMT_FROMSOURCE, money to text makes a negative precision 0, and some members of locators change
+ * it while they run (comnlib.h). */
 typedef struct _cs_datafmt {
   CS_CHAR name[256]; /* not read */
   CS_INT namelen;    /* not read */
@@ -104,7 +105,7 @@ typedef struct _cs_datafmt {
   CS_INT format;     /* CS_DFMT_ bits, read on the destination side but for CS_DFMT_NULLTERM */
   CS_INT maxlength;  /* source: its length in bytes; destination: its capacity in bytes */
   CS_INT scale;      /* numeric destination: 0 to 77, or CS_DFMT_FROMSOURCE */
-  CS_INT precision;  /* numeric destination: 1 to 77, or CS_DFMT_FROMSOURCE */
+  CS_INT precision;  /* numeric destination: 1 to 77 likewise; text from money: its decimals */
   CS_INT status;     /* not read */
   CS_INT count;      /* not read */
   CS_INT usertype;   /* not read */

@@ -117,9 +117,9 @@ ZRV_API void com_bigtimecrack(CS_BIGDATETIME *value, CS_DATEREC *fields) ZRV_NOE
  * midnight. The fraction is datesecfrac if datesecprec is 1000000, otherwise datemsecond.
  *
  * Return 0, or the status of the first field at fault: the value then holds what had been added up
- * by then, which is days in com__bigdatemake. The time functions check upper bounds only: a
- * negative field is counted as it stands, and com__timemake refuses it only where the sum would
- * pass 32 bits.
+ * by then, which is days in com__bigdatemake; after COM_DATE_BADHOUR com__timemake leaves it alone,
+ * and com__bigtimemake stores 0. The time functions check upper bounds only: a negative field is
+ * counted as it stands, and com__timemake refuses it only where the sum would pass 32 bits.
  */
 ZRV_PRIVATE int com__datemake(CS_DATETIME *value, CS_DATEREC *fields) ZRV_NOEXCEPT;
 ZRV_PRIVATE int com__timemake(CS_DATETIME *value, CS_DATEREC *fields) ZRV_NOEXCEPT;

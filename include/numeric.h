@@ -401,7 +401,7 @@ ZRV_PRIVATE int com__mnyshift(CS_MONEY *m1, CS_INT value) ZRV_NOEXCEPT;
 /*
  * Text to money. In front of the number stand one sign, one currency symbol (CS_LEX_CURRENCY) and
  * blanks, each at most once but for the blanks, in any order; behind it white space alone. The number
- * is digits with a point; its first comma may follow one to three digits or none, each later one
+ * is digits with a point; its first comma follows none to three digits, or seven, each later one
  * follows three, and three digits or more follow the last one, whatever part of the number they
  * belong to. The fifth decimal alone rounds, half away from zero. Nothing, or nothing but blanks, is
  * zero.

@@ -46,7 +46,7 @@ ZRV_BEGIN_DECLS
 #define COM_OLD_NULLCUT (-5)      /* a null value longer than the destination */
 #define COM_OLD_DOMAIN (-6)       /* a source that is no value of its type */
 #define COM_OLD_BADPRECISION (-7) /* outside 1 to 77 */
-#define COM_OLD_BADSCALE (-8)     /* outside 0 to 77 */
+#define COM_OLD_BADSCALE (-8)     /* above 77; from num and in com_setnumnull below 0 too */
 
 /*
  * ---- signatures ----

@@ -212,7 +212,7 @@ inline CS_RETCODE to_num(const CS_DATAFMT *srcfmt, const CS_DATAFMT *destfmt, CS
 }
 
 // Deliberate: text in a record must not be empty, its length is always that of the whole record, and
-// all that is wrong with it is an overflow.
+// all that the parser finds wrong with it is an overflow.
 template <class Where>
 CS_RETCODE to_num(const CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
                   const of_varchar &source, Where where) noexcept {

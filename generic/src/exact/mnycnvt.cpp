@@ -124,7 +124,8 @@ private:
   Cursor cursor;
   uint64_t magnitude = 0;
   int decimals = -1; // -1 before the point
-  // Digits since the last comma. The first comma needs no digit before it and may follow three.
+  // Digits since the last comma. Deliberate: from this start the first comma follows none to three digits,
+  // or seven.
   int group = -group_digits - 1;
   bool has_commas = false;
   bool is_negative = false;

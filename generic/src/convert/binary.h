@@ -211,8 +211,7 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
   COMN_BINARY_TO_FIXED(source, bigtime, CS_BIGTIME)                                                \
   COMN_BINARY_TO_DATE(source, datea, CS_DATE, com__datea_check_range)                              \
   COMN_BINARY_TO_DATE(source, timea, CS_TIME, com__timea_check_range)                              \
-  COMN_BINARY_MEMBER(source, num,                                                                  \
-                     destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL, \
+  COMN_BINARY_MEMBER(source, num, comn::numeric_types.contains(destfmt->datatype),                 \
                      to_num(from, destfmt, dest, destlen))                                         \
   COMN_BINARY_MEMBER(source, bit, destfmt->datatype == CS_TYPE_BIT, to_bit(from, dest, destlen))   \
   COMN_BINARY_MEMBER(source, char, comn::text_types.contains(destfmt->datatype),                   \

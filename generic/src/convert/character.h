@@ -523,8 +523,6 @@ CS_RETCODE to_varbinary(const Source &source, CS_VOID *dest, CS_INT *destlen) no
   COMN_CHARACTER_MEMBER(family, varbin, destfmt->datatype == CS_TYPE_VARBINARY,                    \
                         to_varbinary(from, dest, destlen))
 #define COMN_CHARACTER_TO_NUM(family, ...)                                                         \
-  COMN_CHARACTER_MEMBER(                                                                           \
-      family, num, destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,   \
-      __VA_ARGS__)
+  COMN_CHARACTER_MEMBER(family, num, comn::numeric_types.contains(destfmt->datatype), __VA_ARGS__)
 
 #endif

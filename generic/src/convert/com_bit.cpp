@@ -81,7 +81,7 @@ COMN_BIT_TO_FIXED(ui4, CS_TYPE_UINT, CS_UINT)
 COMN_BIT_TO_FIXED(ui8, CS_TYPE_UBIGINT, CS_UBIGINT)
 COMN_BIT_TO_FIXED(flt4, CS_TYPE_REAL, CS_REAL)
 COMN_BIT_TO_FIXED(flt8, CS_TYPE_FLOAT, CS_FLOAT)
-COMN_BIT_MEMBER(num, destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,
+COMN_BIT_MEMBER(num, comn::numeric_types.contains(destfmt->datatype),
                 to_num(value, destfmt, dest, destlen, COMN_HERE))
 COMN_BIT_MEMBER(char, comn::text_types.contains(destfmt->datatype),
                 to_byte<comn::pad_text>(static_cast<CS_BYTE>(digit_of(value)), destfmt, dest,

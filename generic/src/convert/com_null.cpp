@@ -14,10 +14,6 @@ bool is_valid_precision(CS_INT precision) noexcept {
   return precision >= CS_MIN_PREC && precision <= CS_MAX_PREC;
 }
 
-bool is_numeric(CS_INT type) noexcept {
-  return type == CS_TYPE_NUMERIC || type == CS_TYPE_DECIMAL;
-}
-
 // A copy of `size` bytes in a new block. A size of 0 gives a block of one byte if `empty_block`,
 // else null. False when the allocation failed.
 bool copy_bytes(CS_VOID **copy, const CS_VOID *bytes, CS_INT size, bool empty_block) noexcept {
@@ -89,7 +85,7 @@ CS_RETCODE com_null_get(CS_CONTEXT *context, CS_DATAFMT *destfmt, CS_VOID *dest,
 
   const CS_INT room = std::max<CS_INT>(destlen, 0);
   CS_INT length = value.dvsize;
-  if (is_numeric(type) && is_valid_precision(destfmt->precision))
+  if (comn::numeric_types.contains(type) && is_valid_precision(destfmt->precision))
     length = own_Com__Nume_Prec_To_Len[destfmt->precision] + 2;
   length = std::min(length, room);
   *outlen = length;
@@ -111,7 +107,7 @@ CS_RETCODE com_null_get(CS_CONTEXT *context, CS_DATAFMT *destfmt, CS_VOID *dest,
   default:
     break;
   }
-  if (is_numeric(type)) {
+  if (comn::numeric_types.contains(type)) {
     auto *bytes = static_cast<CS_BYTE *>(dest);
     if (room > 0)
       bytes[0] = static_cast<CS_BYTE>(destfmt->precision);

@@ -12,10 +12,8 @@ using comn::store;
 
 namespace {
 
-constexpr comn::TypeSet numeric_types{CS_TYPE_NUMERIC, CS_TYPE_DECIMAL};
-
 bool is_numeric(const CS_DATAFMT *format) noexcept {
-  return numeric_types.contains(format->datatype);
+  return comn::numeric_types.contains(format->datatype);
 }
 
 const CS_NUMERIC &value_at(const CS_VOID *src) noexcept {

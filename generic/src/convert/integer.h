@@ -285,9 +285,8 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_VOID *dest, CS_INT *destlen) noexce
   COMN_INTEGER_MEMBER(source, flt8, destfmt->datatype == CS_TYPE_FLOAT,                            \
                       to_float<source, CS_FLOAT>(src, dest, destlen))
 #define COMN_INTEGER_TO_NUM(source)                                                                \
-  COMN_INTEGER_MEMBER(                                                                             \
-      source, num, destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,   \
-      to_num<source>(src, destfmt, dest, destlen, COMN_HERE))
+  COMN_INTEGER_MEMBER(source, num, comn::numeric_types.contains(destfmt->datatype),                \
+                      to_num<source>(src, destfmt, dest, destlen, COMN_HERE))
 #define COMN_INTEGER_TO_MONEY(source)                                                              \
   COMN_INTEGER_MEMBER(source, money, destfmt->datatype == CS_TYPE_MONEY,                           \
                       to_money<source, CS_MONEY>(src, dest, destlen))                              \

@@ -221,8 +221,7 @@ CS_RETCODE to_varchar(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                     to_float<source, CS_REAL>(src, dest, destlen))                                 \
   COMN_MONEY_MEMBER(source, flt8, destfmt->datatype == CS_TYPE_FLOAT,                              \
                     to_float<source, CS_FLOAT>(src, dest, destlen))                                \
-  COMN_MONEY_MEMBER(source, num,                                                                   \
-                    destfmt->datatype == CS_TYPE_NUMERIC || destfmt->datatype == CS_TYPE_DECIMAL,  \
+  COMN_MONEY_MEMBER(source, num, comn::numeric_types.contains(destfmt->datatype),                  \
                     to_num<source>(src, destfmt, dest, destlen, COMN_HERE))                        \
   COMN_MONEY_TO_MONEY(source, money)                                                               \
   COMN_MONEY_TO_MONEY(source, mny4)                                                                \

@@ -33,6 +33,7 @@ private:
 constexpr TypeSet text_types{CS_TYPE_CHAR,        CS_TYPE_LONGCHAR, CS_TYPE_TEXT,
                              CS_TYPE_SENSITIVITY, CS_TYPE_BOUNDARY, CS_TYPE_XML};
 constexpr TypeSet binary_types{CS_TYPE_BINARY, CS_TYPE_LONGBINARY, CS_TYPE_IMAGE};
+constexpr TypeSet numeric_types{CS_TYPE_NUMERIC, CS_TYPE_DECIMAL};
 constexpr TypeSet unitext_types{CS_TYPE_UNICHAR, CS_TYPE_UNITEXT};
 
 } // namespace comn

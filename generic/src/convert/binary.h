@@ -15,6 +15,7 @@
 #include "datetime.h"
 #include "numeric.h"
 #include "pad.h"
+#include "shape.h"
 
 namespace comn::binary {
 
@@ -83,15 +84,13 @@ template <class Source>
 CS_RETCODE to_num(const Source &source, const CS_DATAFMT *destfmt, CS_VOID *dest,
                   CS_INT *destlen) noexcept {
   *destlen = sizeof(CS_NUMERIC);
-  if (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC)
-    return CS_CONV_BADPRECISION;
-  if (destfmt->scale > CS_MAX_SCALE)
-    return CS_CONV_BADSCALE;
+  if (const CS_RETCODE refused = check_shape(destfmt->precision, destfmt->scale);
+      refused != CS_SUCCEED)
+    return refused;
   auto *const result = static_cast<CS_NUMERIC *>(dest);
   CS_INT copied;
   const CS_RETCODE status = to_fixed(source, sizeof result->array, result->array, &copied);
-  result->precision = static_cast<CS_BYTE>(destfmt->precision);
-  result->scale = static_cast<CS_BYTE>(destfmt->scale);
+  set_shape(*result, destfmt->precision, destfmt->scale);
   return status;
 }
 

@@ -19,6 +19,7 @@
 #include "integer.h"
 #include "money_family.h"
 #include "numeric_family.h"
+#include "shape.h"
 
 namespace comn::bridge {
 
@@ -85,10 +86,8 @@ template <class Text>
 // value is written where the whole has no room.
 inline CS_RETCODE open_field(__CONSTANT *dest) noexcept {
   dest->len = dest->maxlen;
-  if (dest->prec < CS_MIN_PREC || dest->prec > CS_MAX_PREC)
-    return CS_CONV_BADPRECISION;
-  if (dest->scale > CS_MAX_SCALE)
-    return CS_CONV_BADSCALE;
+  if (const CS_RETCODE status = check_shape(dest->prec, dest->scale); status != CS_SUCCEED)
+    return status;
   return dest->maxlen < own_Com__Nume_Prec_To_Len[dest->prec] ? CS_CONV_OVERFLOW : CS_SUCCEED;
 }
 

@@ -156,8 +156,7 @@ CS_RETCODE wanted_shape(const CS_DATAFMT *destfmt, Shape &shape) noexcept {
   const auto chooses = [](CS_INT field) {
     return !Source::is_record && field == CS_DFMT_FROMSOURCE;
   };
-  if (!chooses(destfmt->precision) &&
-      (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC))
+  if (!chooses(destfmt->precision) && !exact::is_precision(destfmt->precision))
     return CS_CONV_BADPRECISION;
   if (!chooses(destfmt->scale) &&
       (destfmt->scale > CS_MAX_SCALE || destfmt->scale == CS_DFMT_FROMSOURCE))

@@ -5,6 +5,7 @@
 #include "conv_func.h"
 #include "numeric.h"
 #include "pad.h"
+#include "shape.h"
 
 using comn::store;
 
@@ -21,14 +22,11 @@ template <class Where>
 CS_RETCODE to_num(CS_BIT value, const CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
                   Where where) noexcept {
   *destlen = sizeof(CS_NUMERIC);
-  if (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC)
-    return CS_CONV_BADPRECISION;
-  // Deliberate: a negative scale is not refused here; its low byte is the scale.
-  if (destfmt->scale > CS_MAX_SCALE)
-    return CS_CONV_BADSCALE;
+  if (const CS_RETCODE refused = comn::check_shape(destfmt->precision, destfmt->scale);
+      refused != CS_SUCCEED)
+    return refused;
   auto *const result = static_cast<CS_NUMERIC *>(dest);
-  result->precision = static_cast<CS_BYTE>(destfmt->precision);
-  result->scale = static_cast<CS_BYTE>(destfmt->scale);
+  comn::set_shape(*result, destfmt->precision, destfmt->scale);
   const int status = com__longtoexctnume(value, result->array, comn_num_getlen(destfmt->precision),
                                          &result->precision, &result->scale);
   if (status == NUME_OVERFLOW)

@@ -10,10 +10,6 @@
 
 namespace {
 
-bool is_valid_precision(CS_INT precision) noexcept {
-  return precision >= CS_MIN_PREC && precision <= CS_MAX_PREC;
-}
-
 // A copy of `size` bytes in a new block. A size of 0 gives a block of one byte if `empty_block`,
 // else null. False when the allocation failed.
 bool copy_bytes(CS_VOID **copy, const CS_VOID *bytes, CS_INT size, bool empty_block) noexcept {
@@ -85,7 +81,7 @@ CS_RETCODE com_null_get(CS_CONTEXT *context, CS_DATAFMT *destfmt, CS_VOID *dest,
 
   const CS_INT room = std::max<CS_INT>(destlen, 0);
   CS_INT length = value.dvsize;
-  if (comn::numeric_types.contains(type) && is_valid_precision(destfmt->precision))
+  if (comn::numeric_types.contains(type) && comn::exact::is_precision(destfmt->precision))
     length = own_Com__Nume_Prec_To_Len[destfmt->precision] + 2;
   length = std::min(length, room);
   *outlen = length;

@@ -5,6 +5,7 @@
 #include "numeric_family.h"
 #include "pad.h"
 #include "raw_copy.h"
+#include "shape.h"
 
 namespace exact = comn::exact;
 namespace family = comn::numeric_family;
@@ -45,7 +46,7 @@ CS_RETCODE to_numeric(COMN_CONV_PARAMETERS, Where where) noexcept {
     return CS_CONV_DOMAIN;
   const CS_INT precision =
       destfmt->precision == CS_DFMT_FROMSOURCE ? value.precision : destfmt->precision;
-  if (precision < CS_MIN_PREC || precision > CS_MAX_PREC)
+  if (!exact::is_precision(precision))
     return CS_CONV_BADPRECISION;
   const CS_INT scale = destfmt->scale == CS_DFMT_FROMSOURCE ? value.scale : destfmt->scale;
   if (scale < CS_MIN_SCALE || scale > CS_MAX_SCALE)
@@ -55,8 +56,7 @@ CS_RETCODE to_numeric(COMN_CONV_PARAMETERS, Where where) noexcept {
   exact::load_operand(operand, value);
   const CS_BYTE sign = value.array[0];
   auto *const result = static_cast<CS_NUMERIC *>(dest);
-  result->precision = static_cast<CS_BYTE>(precision);
-  result->scale = static_cast<CS_BYTE>(scale);
+  comn::set_shape(*result, precision, scale);
   const exact::Field field = exact::field_of(*result);
   *destlen = static_cast<CS_INT>(offsetof(CS_NUMERIC, array)) + 1 + field.bytes;
   return family::to_shape(operand, sign, scale, field);

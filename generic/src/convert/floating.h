@@ -15,6 +15,7 @@
 #include "float_text.h"
 #include "numeric.h"
 #include "raw_copy.h"
+#include "shape.h"
 #include "whole_text.h"
 
 namespace comn::floating {
@@ -139,15 +140,15 @@ template <class Source, class Where>
 CS_RETCODE to_num(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
                   Where where) noexcept {
   *destlen = sizeof(CS_NUMERIC);
-  // Any other negative scale is not refused: its low byte is the scale.
-  if (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC)
-    return CS_CONV_BADPRECISION;
-  if (destfmt->scale > CS_MAX_SCALE || destfmt->scale == CS_DFMT_FROMSOURCE)
+  if (const CS_RETCODE status = check_shape(destfmt->precision, destfmt->scale);
+      status != CS_SUCCEED)
+    return status;
+  // The one negative scale that is refused: its low byte would let the digits choose.
+  if (destfmt->scale == CS_DFMT_FROMSOURCE)
     return CS_CONV_BADSCALE;
   auto *const result = static_cast<CS_NUMERIC *>(dest);
   const CS_FLOAT value = value_at<Source>(src);
-  result->precision = static_cast<CS_BYTE>(destfmt->precision);
-  result->scale = static_cast<CS_BYTE>(destfmt->scale);
+  set_shape(*result, destfmt->precision, destfmt->scale);
   switch (com__doubletoexctnume(value, result->array, comn_num_getlen(destfmt->precision),
                                 &result->precision, &result->scale)) {
   case NUME_OK:

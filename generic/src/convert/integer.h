@@ -16,6 +16,7 @@
 #include "decimal_text.h"
 #include "numeric.h"
 #include "raw_copy.h"
+#include "shape.h"
 #include "whole_text.h"
 
 namespace comn::integer {
@@ -182,7 +183,7 @@ CS_RETCODE to_num(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT
   const Value<S> value = load<Value<S>>(src);
   if (chooses_shape && destfmt->precision == CS_DFMT_FROMSOURCE)
     destfmt->precision = builder_chooses;
-  else if (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC)
+  else if (!exact::is_precision(destfmt->precision))
     return CS_CONV_BADPRECISION;
   // Deliberate: a negative scale is not refused here; its low byte is the scale.
   if (chooses_shape && destfmt->scale == CS_DFMT_FROMSOURCE)
@@ -190,8 +191,7 @@ CS_RETCODE to_num(const CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT
   else if (destfmt->scale > CS_MAX_SCALE)
     return CS_CONV_BADSCALE;
   auto *const result = static_cast<CS_NUMERIC *>(dest);
-  result->precision = static_cast<CS_BYTE>(destfmt->precision);
-  result->scale = static_cast<CS_BYTE>(destfmt->scale);
+  set_shape(*result, destfmt->precision, destfmt->scale);
   const CS_INT length = destfmt->precision == builder_chooses ? length_for_builder
                                                               : comn_num_getlen(destfmt->precision);
   const int status =

@@ -15,6 +15,7 @@
 #include "money.h"
 #include "pad.h"
 #include "raw_copy.h"
+#include "shape.h"
 #include "whole_text.h"
 
 namespace comn::money_family {
@@ -111,16 +112,13 @@ template <class Source, class Where>
 CS_RETCODE to_num(const CS_VOID *src, const CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen,
                   Where where) noexcept {
   *destlen = sizeof(CS_NUMERIC);
-  // CS_DFMT_FROMSOURCE is no shape here. A negative scale is not refused: its low byte is the scale, or 0
-  // if that is above the limit.
-  if (destfmt->precision < CS_MIN_PREC || destfmt->precision > CS_MAX_PREC)
-    return CS_CONV_BADPRECISION;
-  if (destfmt->scale > CS_MAX_SCALE)
-    return CS_CONV_BADSCALE;
+  if (const CS_RETCODE status = check_shape(destfmt->precision, destfmt->scale);
+      status != CS_SUCCEED)
+    return status;
   CS_MONEY value = widened<Source>(src);
   auto *const result = static_cast<CS_NUMERIC *>(dest);
-  result->precision = static_cast<CS_BYTE>(destfmt->precision);
-  result->scale = static_cast<CS_BYTE>(destfmt->scale);
+  // A low byte above the limit becomes the scale 0 in the builder.
+  set_shape(*result, destfmt->precision, destfmt->scale);
   const int status = com__mny8toexctnume(&value, result->array, comn_num_getlen(destfmt->precision),
                                          &result->precision, &result->scale, 0);
   if (status == NUME_OVERFLOW)

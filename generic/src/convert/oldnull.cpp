@@ -1,6 +1,6 @@
 // What stands for NULL, for callers without a context.
 #include "legacy.h"
-#include "numeric.h"
+#include "number.h"
 
 namespace {
 
@@ -58,7 +58,7 @@ CS_INT set_record(const Value &value, CS_BYTE *dest) noexcept {
 
 CS_INT set_numeric(const Value &value, CS_BYTE *dest, CS_INT destlen, CS_INT precision,
                    CS_INT scale) noexcept {
-  if (precision < CS_MIN_PREC || precision > CS_MAX_PREC)
+  if (!comn::exact::is_precision(precision))
     return COM_OLD_BADPRECISION;
   if (scale < CS_MIN_SCALE || scale > CS_MAX_SCALE)
     return COM_OLD_BADSCALE;

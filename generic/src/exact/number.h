@@ -64,8 +64,12 @@ inline void increment(Number &number) noexcept {
 
 // ---- shapes ----
 
+constexpr bool is_precision(CS_INT precision) noexcept {
+  return precision >= CS_MIN_PREC && precision <= CS_MAX_PREC;
+}
+
 constexpr bool is_valid(CS_INT precision, CS_INT scale) noexcept {
-  return precision >= CS_MIN_PREC && precision <= CS_MAX_PREC && scale <= CS_MAX_SCALE;
+  return is_precision(precision) && scale <= CS_MAX_SCALE;
 }
 
 inline bool is_valid(const CS_NUMERIC &value) noexcept {
@@ -74,7 +78,7 @@ inline bool is_valid(const CS_NUMERIC &value) noexcept {
 
 // A precision that asks for one to be chosen.
 constexpr bool is_automatic(CS_BYTE precision) noexcept {
-  return precision < CS_MIN_PREC || precision > CS_MAX_PREC;
+  return !is_precision(precision);
 }
 
 // A length that has a precision in Com__Nume_Len_To_Prec, be it the one that is no limit.

@@ -4,24 +4,19 @@
 
 namespace {
 
-using comn::legacy::write_number;
+using namespace comn::money_family;
 
 // Two decimals, whole or as a star; the matrix would cut it.
-template <class Shape, class Money>
-CS_INT money_text(Money value, CS_BYTE *dest, CS_INT destlen) noexcept {
-  CS_CHAR room[24]; // the longest text has 21
+template <class Shape>
+CS_INT money_text(CS_MONEY value, CS_BYTE *dest, CS_INT destlen) noexcept {
   constexpr CS_INT two_decimals = 0;
-  const CS_CHAR *start;
-  if constexpr (sizeof(Money) == sizeof(CS_MONEY))
-    start = com__mnytochar(&value, room, sizeof room, two_decimals);
-  else
-    start = com__mny4tochar(&value, room, sizeof room, two_decimals);
-  return write_number(Shape(dest, destlen), start, static_cast<CS_INT>(room + sizeof room - start));
+  const Text text(value, two_decimals);
+  return comn::legacy::write_number(Shape(dest, destlen), text.data(), text.length());
 }
 
 } // namespace
 
-#define COMN_OLD_MONEY_UNIT(source, type)                                                          \
+#define COMN_OLD_MONEY_UNIT(source)                                                                \
   COMN_OLD_TO_FIXED(source, i1, to_integer<source, comn::money_family::i1>)                        \
   COMN_OLD_TO_FIXED(source, i2, to_integer<source, comn::money_family::i2>)                        \
   COMN_OLD_TO_FIXED(source, i4, to_integer<source, comn::money_family::i4>)                        \
@@ -31,9 +26,8 @@ CS_INT money_text(Money value, CS_BYTE *dest, CS_INT destlen) noexcept {
   COMN_OLD_TO_FIXED(source, money, to_money<source, money>)                                        \
   COMN_OLD_ALIAS(com_##source##tomny, com_##source##tomoney)                                       \
   COMN_OLD_TO_FIXED(source, mny4, to_money<source, mny4>)                                          \
-  COMN_OLD_TO_TEXT(source, money_text, , (comn::load<type>(src), dest, destlen))                   \
-  COMN_OLD_TO_BYTES(source, copy_value<sizeof(type)>, src)
+  COMN_OLD_TO_TEXT(source, money_text, , (widened<source>(src), dest, destlen))                    \
+  COMN_OLD_TO_BYTES(source, copy_value<sizeof(source::Value)>, src)
 
-using namespace comn::money_family;
-COMN_OLD_MONEY_UNIT(money, CS_MONEY)
-COMN_OLD_MONEY_UNIT(mny4, CS_MONEY4)
+COMN_OLD_MONEY_UNIT(money)
+COMN_OLD_MONEY_UNIT(mny4)

@@ -375,14 +375,13 @@ inline CS_RETCODE integer_read(ParseStatus status) noexcept {
 
 // `bytes` of the text, doubled where they are quotes.
 inline CS_RETCODE double_quotes(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *dest) noexcept {
-  constexpr CS_INT quote = 39;
   CS_DATAFMT from{}, to{};
   from.maxlength = src->len;
   to.maxlength = dest->maxlen;
   to.format = context->format;
   return comn__escchar(reinterpret_cast<CS_CHAR *>(src->value), &from,
                        reinterpret_cast<CS_CHAR *>(dest->value), &to, &dest->len,
-                       context->char_attrib, quote);
+                       context->char_attrib, text::quote);
 }
 
 // What of the text fits, in whole characters; true when that is not all.

@@ -362,10 +362,12 @@ CS_INT fitting_length(const Source &source, CS_INT room) noexcept {
   return std::min(source.length, room);
 }
 
+// What CS_DFMT_ESCQUOTE doubles.
+constexpr CS_INT quote = '\'';
+
 template <class Source, class Where>
 CS_RETCODE to_text(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destfmt, CS_VOID *dest,
                    CS_INT *destlen, const Source &source, Where where) noexcept {
-  constexpr CS_INT quote = 39;
   const CS_INT room = destfmt->maxlength;
   // Deliberate: text in a record is never quoted, nor ended by force.
   const bool quotes = !Source::is_record && (destfmt->format & CS_DFMT_ESCQUOTE) != 0;

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "binary.h"
-#include "charmap.h"
 #include "hex_digits.h"
 #include "hex_text.h"
 #include "pad.h"
@@ -29,7 +28,7 @@ constexpr CS_INT varbinary_capacity = sizeof(CS_VARBINARY::array);
 }
 
 bool is_space(CS_CHAR c) noexcept {
-  return (own_Com_Iso1_charmap[static_cast<CS_BYTE>(c)].char_type & CS_CTYPE_SPACE) != 0;
+  return com_isspace(static_cast<CS_BYTE>(c)) != 0;
 }
 
 } // namespace

@@ -153,6 +153,8 @@ public:
     const CS_INT decimals = std::min(precision, exact::money_decimals);
     start = com__mnytochar(&value, room, sizeof room, decimals << 8);
   }
+  Text(const Text &) = delete;
+  Text &operator=(const Text &) = delete;
 
   const CS_CHAR *data() const noexcept { return start; }
   CS_INT length() const noexcept { return static_cast<CS_INT>(room + sizeof room - start); }

@@ -72,6 +72,8 @@ public:
       --length_;
     }
   }
+  FormattedFloat(const FormattedFloat &) = delete;
+  FormattedFloat &operator=(const FormattedFloat &) = delete;
 
   bool fits() const noexcept { return length_ >= 0 && length_ < CS_INT{sizeof room}; }
   const CS_CHAR *data() const noexcept { return start; }

@@ -19,6 +19,8 @@ public:
       : scale(value_scale), negative(value_negative && !number.is_zero()) {
     first = write_number(digits + sizeof digits, number.limbs, number.size);
   }
+  ValueText(const ValueText &) = delete;
+  ValueText &operator=(const ValueText &) = delete;
 
   int length() const noexcept {
     const int whole = std::max(count() - scale, 1);

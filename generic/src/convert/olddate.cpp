@@ -12,8 +12,9 @@ template <class Shape, class Kind>
 CS_INT date_text(Kind, const CS_BYTE *src, CS_BYTE *dest, CS_INT destlen, char **shortmonths,
                  CS_INT style) noexcept {
   const Shape shape(dest, std::max(destlen, -1));
-  const CS_INT length = Kind::write(src, chars(shape.text), shape.room, style,
-                                    shortmonths == nullptr ? com__get_shortmonths() : shortmonths);
+  if (shortmonths == nullptr)
+    shortmonths = const_cast<char **>(own_Com__Shortmonths);
+  const CS_INT length = Kind::write(src, chars(shape.text), shape.room, style, shortmonths);
   constexpr CS_INT cut = 0;
   if (length == cut) {
     shape.finish(shape.room);

@@ -107,12 +107,14 @@ bool KeyRing::read(const Bytes &file) noexcept {
 }
 
 bool Sealer::start(const Key &key, const Byte *nonce, int is_sealing) noexcept {
-  if (context == nullptr) {
+  if (context == nullptr)
     context = EVP_CIPHER_CTX_new();
-    if (context == nullptr ||
-        EVP_CipherInit_ex(context, EVP_aes_256_gcm(), nullptr, nullptr, nullptr, is_sealing) != 1)
-      return false;
-  }
+  if (context == nullptr)
+    return false;
+  // Without memory a context may have come so far and stay without its cipher.
+  if (EVP_CIPHER_CTX_get0_cipher(context) == nullptr &&
+      EVP_CipherInit_ex(context, EVP_aes_256_gcm(), nullptr, nullptr, nullptr, is_sealing) != 1)
+    return false;
   return EVP_CipherInit_ex(context, nullptr, nullptr, key.bytes, nonce, is_sealing) == 1;
 }
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 
+#include <openssl/evp.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -375,6 +376,25 @@ TEST_F(VelssfsCrash, FilesAreSynchronised) {
   // Twice the key file and the directory, three records and the directory.
   EXPECT_EQ(calls.calls("fsync"), 5U + 4 + 3 + 1);
   EXPECT_EQ(calls.calls("renameat"), 2U + 2 + 3);
+}
+
+// ---- the cipher ----
+
+// A block whose cipher could not be had is as good as new when there is one again.
+TEST_F(VelssfsCrash, ACipherThatComesBack) {
+  begin();
+  string foreign = read_file(file_of("plain"));
+  foreign[16] = static_cast<char>(foreign[16] ^ 1); // where the master key is named
+  write_file(file_of("plain"), foreign);
+  GetBlock block;
+  StoredValue value;
+  // It reads the master key, and has no use for the cipher.
+  EXPECT_EQ(get(block, "plain", value), RSEC_SSFS_RC_FILE_CORRUPTION);
+  ASSERT_EQ(EVP_set_default_properties(nullptr, "provider=none"), 1);
+  EXPECT_EQ(get(block, "text", value), RSEC_SSFS_RC_LOW_MEMORY);
+  ASSERT_EQ(EVP_set_default_properties(nullptr, ""), 1);
+  EXPECT_EQ(get(block, "text", value), RSEC_SSFS_RC_OK);
+  EXPECT_EQ(value.bytes, "secret");
 }
 
 // ---- memory ----

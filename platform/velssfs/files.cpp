@@ -59,15 +59,26 @@ int write_new(int directory, const char *name, const Bytes &content) noexcept {
   return error != 0 ? error : close_error;
 }
 
-// The directory that a path of more than one step names lies in is synchronised, so that it lasts.
-void synchronise_parent(char *path, char *slash) noexcept {
+int synchronise(const char *path) noexcept {
+  Descriptor directory;
+  const int error = directory.open(AT_FDCWD, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  // Who may write to a directory need not have the right to read it.
+  if (error == EACCES || error == EPERM)
+    return 0;
+  if (error != 0)
+    return error;
+  return fsync(directory.get()) == 0 ? 0 : errno;
+}
+
+// Synchronises the directory that the last step of a path leads from. `slash` stands before that step,
+// or is the begin of the path.
+int synchronise_parent(char *path, char *slash) noexcept {
   if (slash == path)
-    return;
+    return synchronise(*path == '/' ? "/" : ".");
   *slash = '\0';
-  Descriptor parent;
-  if (parent.open(AT_FDCWD, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC) == 0)
-    fsync(parent.get());
+  const int error = synchronise(path);
   *slash = '/';
+  return error;
 }
 
 } // namespace
@@ -105,7 +116,10 @@ int make_directory(const char *path) noexcept {
     if (error != 0 && error != EEXIST && access(copy, F_OK) != 0)
       return error;
     if (error == 0)
-      synchronise_parent(copy, last_slash);
+      if (const int failure = synchronise_parent(copy, last_slash)) {
+        rmdir(copy); // so that nobody takes it for one that lasts
+        return failure;
+      }
     *at = after;
     if (after == '\0')
       return 0;

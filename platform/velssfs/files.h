@@ -28,7 +28,8 @@ private:
   int number = -1;
 };
 
-// Makes a directory, and those above it, with the mode 0700; one that is there is left alone.
+// Makes a directory, and those above it, with the mode 0700; one that is there is left alone. What it
+// makes lasts, unless it lies in a directory that cannot be read.
 int make_directory(const char *path) noexcept;
 
 // Reads a file. EFBIG for one of more than `most` bytes, and for what is no file.

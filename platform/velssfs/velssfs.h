@@ -14,7 +14,8 @@
  * Processes and threads may use one store at the same time. Writers wait for one another at the file
  * "lock"; readers of a record wait for nobody and see the value before or after a change. A change
  * that was reported as done has reached the disk, and one that broke off, by a crash or by a full
- * disk, has left the old value or the new one.
+ * disk, has left the old value or the new one. That holds for the directory of a new store as well,
+ * unless it is made in one that may be written to and not be read.
  *
  * How an operation is called: get its block, fill in the fields that begin with in_, call, read the
  * fields that begin with out_, release. A block can be used again and again, by one thread at a time.

@@ -387,6 +387,17 @@ TEST_F(Velssfs, ADirectoryThatCannotBeWrittenTo) {
   std::filesystem::permissions(path, std::filesystem::perms(0700));
 }
 
+// Whoever may make a store in a directory need not be able to read that directory.
+TEST_F(Velssfs, ADirectoryAboveThatCannotBeRead) {
+  const AsAnybody anybody(above.path);
+  if (!anybody)
+    GTEST_SKIP() << "this root cannot be anybody else";
+  std::filesystem::permissions(above.path, std::filesystem::perms(0300));
+  EXPECT_EQ(put("a", "v"), RSEC_SSFS_RC_OK);
+  EXPECT_EQ(get("a"), RSEC_SSFS_RC_OK);
+  std::filesystem::permissions(above.path, std::filesystem::perms(0700));
+}
+
 // ---- damage ----
 
 TEST_F(Velssfs, EveryByteOfARecordCounts) {

@@ -80,6 +80,14 @@ CLI::Option *add_number(CLI::App &app, const std::string &name, CS_INT &value, C
       ->type_name(kind);
 }
 
+void take_word(const CLI::Option *option, std::string &value, const Words &behind_dashes,
+               const std::string &what) {
+  if (option->count() + behind_dashes.size() > 1)
+    throw UsageError("one " + what + " at a time");
+  if (!behind_dashes.empty())
+    value = behind_dashes.front();
+}
+
 void offer(const CLI::Option *option, Words words) {
   completions()[option] = std::move(words);
 }

@@ -34,6 +34,11 @@ CLI::Option *add_choice(CLI::App &app, const std::string &name, std::string &val
 CLI::Option *add_number(CLI::App &app, const std::string &name, CS_INT &value, CS_INT low,
                         CS_INT high, const std::string &kind, const std::string &description);
 
+// The word of an option that stands in its place may stand behind "--" instead. Throws UsageError when
+// that makes more than one; `what` is what one of them is, as "set".
+void take_word(const CLI::Option *option, std::string &value, const Words &behind_dashes,
+               const std::string &what);
+
 // Words that complete the value of an option; what was added as a choice has its own.
 void offer(const CLI::Option *option, Words words);
 const Words &offered(const CLI::Option *option);

@@ -851,7 +851,7 @@ class Command(unittest.TestCase):
         self.check_usage(zrvcomn("oid", "fnd"), "'fnd'", "did you mean 'find'?")
         self.check_usage(zrvcomn("oid", "find"), "find needs a name")
         self.check_usage(zrvcomn("oid", "list", "charsets"), "'charsets'", "did you mean 'charset'?")
-        self.check_usage(zrvcomn("oid", "find", "a", "--", "b"), "at a time")
+        self.check_usage(zrvcomn("oid", "find", "a", "--", "b"), "one class, name or identifier at a time")
 
     # Without a variable the build's own tree is used.
     def test_shipped_identifiers(self):
@@ -908,6 +908,7 @@ class Command(unittest.TestCase):
         self.check_usage(zrvcomn("charset", "show"), "show needs a set")
         self.check_usage(zrvcomn("charset", "list", "iso_1"), "list takes no set")
         self.check_usage(zrvcomn("charset", "show", "a", "--", "b"), "one set at a time")
+        self.check_usage(zrvcomn("charset", "show", "--", "a", "b"), "one set at a time")
 
     # ---- config ----
 
@@ -1336,6 +1337,7 @@ class Command(unittest.TestCase):
         self.assertIn("\ndate order  dmy, style 3\nfirst day   1\nclock       24 hours\n"
                       "date        05 Aug. 2001\nmessage     comn_init_cfg: gemeinsame Bibliothek: "
                       "Konfiguration: ", result.out)
+        self.check(zrvcomn("locale", "show", "--", "de_DE.UTF-8"), 0, result.out)
         # Without a name each category has its own.
         result = zrvcomn("locale", "show", "--json", LC_ALL="never", LANG="de_DE", LC_TIME="ru_RU.KOI8-R",
                          LC_COLLATE="C")
@@ -1347,6 +1349,8 @@ class Command(unittest.TestCase):
 
     def test_locale_failures(self):
         self.check_usage(zrvcomn("locale", "list", "de_DE"), "list takes no name")
+        self.check_usage(zrvcomn("locale", "list", "--", "de_DE"), "list takes no name")
+        self.check_usage(zrvcomn("locale", "show", "de_DE", "--", "C"), "one locale at a time")
         self.check_usage(zrvcomn("locale", "find"), "there is no action 'find'")
         self.check_usage(zrvcomn("locale", "show", "de_De.UTF-8"), "did you mean 'de_DE.UTF-8'",
                          "zrvcomn locale list")
@@ -1362,6 +1366,8 @@ class Command(unittest.TestCase):
         self.assertRegex(result.out, r"\A[0-9]+ checked, 0 wrong\n\Z")
         self.assertEqual((result.code, result.err), (0, ""))
         self.check(zrvcomn("check", "german"), 0, "1 checked, 0 wrong\n")
+        self.check(zrvcomn("check", "--", "german"), 0, "1 checked, 0 wrong\n")
+        self.check_usage(zrvcomn("check", "german", "--", "iso_1"), "one language or set at a time")
         self.check_usage(zrvcomn("check", "klingon"), "no language and no character set 'klingon'")
 
     def test_check_finds_what_is_wrong(self):
@@ -1515,6 +1521,7 @@ class Command(unittest.TestCase):
             self.assertLessEqual(set(options), set(self.complete(["zrvcomn", name, "--"])))
         self.check_usage(zrvcomn("completion", "nonsense"), "nonsense")
         self.check_usage(zrvcomn("completion"), "shell")
+        self.check_usage(zrvcomn("completion", "bash", "--", "zsh"), "one shell at a time")
 
     # ---- terminals ----
 

@@ -203,7 +203,10 @@ class Recode(unittest.TestCase):
                 (("--from", "decmcs", "--to", "utf8"), "no converter"),
                 (("--from", "utf8", "--to", "iso_1", "--substitute", "€"), "'€' is not in iso_1"),
                 (("--from", "utf8", "--to", "iso_1", "--on-loss", "ignore"), "there is no way 'ignore'"),
-                (("--from", "utf8", "--to", "iso_1", "/nonexistent"), "cannot open")):
+                (("--from", "utf8", "--to", "iso_1", "/nonexistent"), "cannot open"),
+                (("--from", "utf8", "--to", "iso_1", "--", "/nonexistent"), "cannot open"),
+                (("--from", "utf8", "--to", "iso_1", "a", "--", "b"), "one file at a time"),
+                (("--from", "utf8", "--to", "iso_1", "--", "a", "b"), "one file at a time")):
             with self.subTest(words):
                 done = subprocess.run([command, "recode", *words], stdin=subprocess.DEVNULL, capture_output=True)
                 self.assertEqual((done.returncode, done.stdout), (2, b""))

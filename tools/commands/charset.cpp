@@ -241,8 +241,9 @@ Subcommand::Run add(CLI::App &app) {
   add_choice(app, "action", options->action, "ACTION", {"list", "show", "matrix"},
              "list, show or matrix")
       ->required();
-  app.add_option("set", options->what, "show, matrix: a character set, by any of its names")
-      ->type_name("SET");
+  CLI::Option *const set =
+      app.add_option("set", options->what, "show, matrix: a character set, by any of its names")
+          ->type_name("SET");
   add_listing(app, options->listing, "set, with matrix for each pair");
   app.footer(
       "list: the character sets of the installation. show: one of them, as a picture of what\n"
@@ -253,12 +254,8 @@ Subcommand::Run add(CLI::App &app) {
       "  zrvcomn charset show --json sjis\n"
       "  zrvcomn charset matrix cp850\n"
       "\nExit codes: 0 shown, 1 not loaded, 2 wrong usage.");
-  return [options](const std::vector<std::string> &more) -> int {
-    if (!more.empty()) {
-      if (more.size() > 1 || !options->what.empty())
-        throw UsageError("one set at a time");
-      options->what = more[0];
-    }
+  return [options, set](const Words &more) -> int {
+    take_word(set, options->what, more, "set");
     if (options->action == "show" && options->what.empty())
       throw UsageError("show needs a set");
     if (options->action == "show" && options->listing.plain)

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "arguments.h"
 #include "charset_names.h"
 #include "identifiers.h"
 #include "listing.h"
@@ -197,8 +198,9 @@ int run(const Options &options) {
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("what", options->what, "A language, a character set, or all (the default)")
-      ->type_name("LANGUAGE|SET|all");
+  CLI::Option *const what =
+      app.add_option("what", options->what, "A language, a character set, or all (the default)")
+          ->type_name("LANGUAGE|SET|all");
   add_listing(app, options->listing, "problem");
   app.footer("Loads what is checked: tables and messages of languages, character sets with their\n"
              "sort orders and, with all, the tables of the converters and every locale. Each\n"
@@ -208,7 +210,10 @@ Subcommand::Run add(CLI::App &app) {
              "  zrvcomn check german\n"
              "  zrvcomn check iso_1 --json\n"
              "\nExit codes: 0 nothing is wrong, 1 something is, 2 wrong usage.");
-  return [options](const std::vector<std::string> &) { return run(*options); };
+  return [options, what](const Words &more) {
+    take_word(what, options->what, more, "language or set");
+    return run(*options);
+  };
 }
 
 const Subcommand check("check", "Load the whole installation and say what is wrong with it", add);

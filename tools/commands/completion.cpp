@@ -130,14 +130,16 @@ std::string fish_script(const CLI::App &program) {
 
 Subcommand::Run add(CLI::App &app) {
   const auto shell = std::make_shared<std::string>();
-  add_choice(app, "shell", *shell, "SHELL", {"bash", "zsh", "fish"}, "bash, zsh or fish")
-      ->required();
+  CLI::Option *const word =
+      add_choice(app, "shell", *shell, "SHELL", {"bash", "zsh", "fish"}, "bash, zsh or fish")
+          ->required();
   app.footer("The installed command has these scripts where the shells look for them.\n"
              "\nExamples:\n"
              "  eval \"$(zrvcomn completion bash)\"\n"
              "  zrvcomn completion zsh >_zrvcomn\n"
              "\nExit codes: 0 printed, 2 wrong usage.");
-  return [shell, &app](const std::vector<std::string> &) {
+  return [shell, word, &app](const Words &more) {
+    take_word(word, *shell, more, "shell");
     const CLI::App &program = *app.get_parent();
     Writer out(STDOUT_FILENO);
     out.text = *shell == "bash"  ? bash_script(program)

@@ -188,8 +188,10 @@ Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
   add_choice(app, "action", options->action, "ACTION", {"list", "show"}, "list or show")
       ->required();
-  app.add_option("name", options->name, "show: the locale; without one, those of the environment")
-      ->type_name("NAME");
+  CLI::Option *const name =
+      app.add_option("name", options->name,
+                     "show: the locale; without one, those of the environment")
+          ->type_name("NAME");
   add_listing(app, options->listing, "locale");
   app.footer("Texts of show come in the locale's own character set, those of JSON in UTF-8.\n"
              "\nExamples:\n"
@@ -197,7 +199,8 @@ Subcommand::Run add(CLI::App &app) {
              "  zrvcomn locale show de_DE.UTF-8\n"
              "  LC_TIME=fr_FR.UTF-8 zrvcomn locale show\n"
              "\nExit codes: 0 shown, 1 no such locale or installation, 2 wrong usage.");
-  return [options](const std::vector<std::string> &) {
+  return [options, name](const Words &more) {
+    take_word(name, options->name, more, "locale");
     if (options->action == "show")
       return show(*options);
     if (!options->name.empty())

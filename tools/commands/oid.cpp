@@ -146,8 +146,9 @@ Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
   add_choice(app, "action", options->action, "ACTION", {"list", "find"}, "list or find")
       ->required();
-  app.add_option("what", options->what, "list: a class; find: a name or a dotted identifier")
-      ->type_name("CLASS|NAME|DOTTED");
+  CLI::Option *const what =
+      app.add_option("what", options->what, "list: a class; find: a name or a dotted identifier")
+          ->type_name("CLASS|NAME|DOTTED");
   add_listing(app, options->listing, "identifier");
   app.footer(
       "list: every identifier, or those of one class, with its names. find: the identifiers\n"
@@ -159,12 +160,8 @@ Subcommand::Run add(CLI::App &app) {
       "  zrvcomn oid find UTF-8\n"
       "  zrvcomn oid find --json german\n"
       "\nExit codes: 0 found, 1 not found or not loaded, 2 wrong usage.");
-  return [options](const std::vector<std::string> &more) {
-    if (!more.empty()) {
-      if (more.size() > 1 || !options->what.empty())
-        throw UsageError("one class, name or identifier at a time");
-      options->what = more[0];
-    }
+  return [options, what](const Words &more) {
+    take_word(what, options->what, more, "class, name or identifier");
     if (options->action == "find" && options->what.empty())
       throw UsageError("find needs a name or a dotted identifier");
     if (options->action == "list" && !options->what.empty())

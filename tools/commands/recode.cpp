@@ -125,15 +125,15 @@ Subcommand::Run add(CLI::App &app) {
              "character: replaced and counted, also reported one by one, or the end (substitute)");
   app.add_option("--substitute", options->substitute, "What replaces them, in UTF-8 (?)")
       ->type_name("TEXT");
-  app.add_option("file", options->file, "The text; without it, and for '-', standard input")
-      ->type_name("FILE");
+  CLI::Option *const file =
+      app.add_option("file", options->file, "The text; without it, and for '-', standard input")
+          ->type_name("FILE");
   app.footer("Examples:\n"
              "  zrvcomn recode --from cp1252 --to utf8 letter.txt > letter.utf8\n"
              "  zrvcomn recode --from utf8 --to iso_1 --on-loss report < text > /dev/null\n"
              "\nExit codes: 0 everything was converted, 1 something was lost, 2 wrong usage.");
-  return [options](const std::vector<std::string> &words) {
-    if (!words.empty())
-      options->file = words.back();
+  return [options, file](const Words &more) {
+    take_word(file, options->file, more, "file");
     return recode(*options);
   };
 }

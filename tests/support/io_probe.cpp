@@ -42,6 +42,7 @@ bool meter() {
 
 } // namespace
 
+// With files of any size this is open64 in a 32-bit program, in the libraries as well as here.
 extern "C" int open(const char *path, int flags, ...) {
   mode_t mode = 0;
   if ((flags & O_CREAT) != 0) {

@@ -519,6 +519,13 @@ class Command(unittest.TestCase):
         self.check_usage(self.csv(b"n\n1\n", "--", "-5"), "--csv")
         self.check_usage(convert("int", "int", "-", "5"), "'-'")
 
+    # In a program of 32 bits as well; what is not reached is not read.
+    def test_csv_of_three_gigabytes(self):
+        path = self.scratch / "large.csv"
+        path.write_bytes(b"m,n\n1,2\n")
+        os.truncate(path, 3 << 30)
+        self.check_usage(convert("int", "int", "--csv", str(path), "--column", "q"), "no column 'q'")
+
     def test_csv_blanks_belong_to_fields(self):
         path = self.scratch / "blanks.csv"
         path.write_bytes(b"n\n 0a \n")

@@ -1,8 +1,5 @@
 // Conversions from CS_TIME; the time of day, and the time of a file.
 
-// Files of any size have a time.
-#define _FILE_OFFSET_BITS 64
-
 #include <ctime>
 
 #include <sys/stat.h>

@@ -37,9 +37,13 @@ void append_field(std::string &line, const Json &value) {
 
 } // namespace
 
+std::string json_text(const Json &value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 void Listing::add(std::string &out, const Json &object) const {
   if (json) {
-    out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    out += json_text(object) + "\n";
     return;
   }
   append_field(out, object);

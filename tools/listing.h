@@ -14,6 +14,9 @@ class Option;
 
 namespace zrvtool {
 
+// A value as JSON, on one line. JSON is UTF-8: other bytes become the replacement character.
+std::string json_text(const nlohmann::ordered_json &value);
+
 struct Listing {
   bool json = false, plain = false;
 

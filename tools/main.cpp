@@ -125,6 +125,10 @@ int run(int argc, char **argv) {
     std::cerr << command_name << ": " << error.what() << "\n";
   } catch (const std::bad_alloc &) {
     std::cerr << command_name << ": out of memory\n";
+  } catch (const std::exception &error) {
+    std::string text;
+    append_visible(text, error.what());
+    std::cerr << command_name << ": " << text << "\n";
   }
   return exit_failure;
 }

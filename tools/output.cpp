@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "errors.h"
+#include "listing.h"
 #include "status_names.h"
 #include "visible.h"
 
@@ -192,8 +193,7 @@ void Rows::add_line(const Row &row) {
 
 namespace {
 
-// A text as JSON. Most have nothing to escape; the library does the others. JSON is UTF-8: other
-// bytes become the replacement character, and --hex has them all.
+// A text as JSON. Most have nothing to escape. The bytes that are replaced are all in --hex.
 void append_json(std::string &out, std::string_view text) {
   const bool is_plain = std::all_of(text.begin(), text.end(), [](char c) {
     return c >= ' ' && c <= '~' && c != '"' && c != '\\';
@@ -201,7 +201,7 @@ void append_json(std::string &out, std::string_view text) {
   if (is_plain)
     out.append(1, '"').append(text).append(1, '"');
   else
-    out += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    out += json_text(text);
 }
 
 } // namespace

@@ -909,6 +909,18 @@ class Command(unittest.TestCase):
         self.check(zrvcomn("charset", "list", ZARVEK=str(self.scratch)), 1,
                    "set          id  class  bytes  other names\n", "zrvcomn charset: one: CS_FAIL\n")
 
+    # JSON is UTF-8, whatever bytes a name has.
+    def test_charset_of_any_name(self):
+        folder = self.scratch / "charsets" / os.fsdecode(b"caf\xe9")
+        folder.mkdir(parents=True)
+        shutil.copy(project.source_dir / "home/charsets/cp850/charset.loc", folder)
+        (self.scratch / "config").mkdir()
+        (self.scratch / "config/objectid.dat").write_bytes(b"[charset]\n1.2.3 = caf\xe9\n")
+        for words in ("list", "--json"), ("show", "--json", b"caf\xe9"):
+            result = zrvcomn("charset", *words, ZARVEK=str(self.scratch))
+            self.assertEqual((result.code, result.err), (0, ""))
+            self.assertEqual(json.loads(result.out)["name"], "caf\ufffd")
+
     def test_charset_usage(self):
         self.check_usage(zrvcomn("charset"), "action")
         self.check_usage(zrvcomn("charset", "shw"), "'shw'", "did you mean 'show'?")
@@ -1403,6 +1415,15 @@ class Command(unittest.TestCase):
         for words in ([], ["--plain"], ["--json"]):
             self.check(zrvcomn("check", "italian", *words, ZARVEK=str(home)), 0,
                        "" if words else "1 checked, 0 wrong\n")
+
+    # What nothing foresaw is a failure like others.
+    def test_check_of_a_folder_that_leads_to_itself(self):
+        home = self.scratch / "home"
+        shutil.copytree(project.source_dir / "home", home, copy_function=os.symlink)
+        (home / "charsets/circle").symlink_to("circle")
+        result = zrvcomn("check", ZARVEK=str(home))
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertRegex(result.err, r"\Azrvcomn check: [^\n]*Too many levels of symbolic links[^\n]*\n\Z")
 
     # What is broken is named with its path, even where nothing can start, and no hint leads back here.
     def test_check_of_what_cannot_start(self):

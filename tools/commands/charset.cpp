@@ -201,7 +201,7 @@ void show_json(CHAR_ATTRIB *set, const CsOID &oid, Writer &out) {
   object["lower"] = lowers;
   object["length"] = lengths;
   object["columns"] = columns;
-  out.text += object.dump() + "\n";
+  out.text += json_text(object) + "\n";
 }
 
 int show(Charsets &charsets, const Options &options, Writer &out) {

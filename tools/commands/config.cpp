@@ -216,10 +216,6 @@ void append_value(Writer &out, const std::string &value) {
     out.text += value;
 }
 
-std::string json_of(const nlohmann::ordered_json &object) {
-  return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
-}
-
 int get(const std::string &path, const std::string &section, const std::string &entry, bool json) {
   ConfigFile file(path);
   tell_faults(file);
@@ -230,7 +226,7 @@ int get(const std::string &path, const std::string &section, const std::string &
   Writer out(STDOUT_FILENO);
   for (const std::string &value : values) {
     if (json) {
-      out.text += json_of({{"section", section}, {"entry", entry}, {"value", value}});
+      out.text += json_text({{"section", section}, {"entry", entry}, {"value", value}}) + "\n";
     } else {
       append_value(out, value);
       out.text += '\n';
@@ -251,7 +247,7 @@ int list_sections(ConfigFile &file, bool json) {
   Writer out(STDOUT_FILENO);
   for (const std::string &section : file.sections()) {
     if (json) {
-      out.text += json_of({{"section", section}});
+      out.text += json_text({{"section", section}}) + "\n";
     } else {
       append_value(out, section);
       out.text += '\n';
@@ -273,7 +269,8 @@ int list_entries(ConfigFile &file, const std::string &section, bool json) {
   for (const NamedValues &entry : *entries)
     for (const std::string &value : entry.values) {
       if (json) {
-        out.text += json_of({{"section", section}, {"entry", entry.name}, {"value", value}});
+        out.text +=
+            json_text({{"section", section}, {"entry", entry.name}, {"value", value}}) + "\n";
       } else {
         append_value(out, entry.name);
         out.text += " = ";
@@ -330,7 +327,7 @@ int check(const std::string &path, bool json) {
         object["column"] = column;
       }
       object["text"] = fault.text;
-      out.text += json_of(object);
+      out.text += json_text(object) + "\n";
     } else {
       out.text += path + ":";
       if (has_place)

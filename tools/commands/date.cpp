@@ -216,7 +216,7 @@ void print_all_styles(Writer &out, const InputValue &value, CS_BIGDATETIME date,
         object["status"] = status_name(CS_SUCCEED);
         object["code"] = CS_SUCCEED;
         object["style"] = style;
-        out.text += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+        out.text += json_text(object) + "\n";
       } else {
         out.text += std::to_string(style) + "\t" + *text + "\n";
       }

@@ -11,6 +11,7 @@
 #include "arguments.h"
 #include "errors.h"
 #include "input.h"
+#include "listing.h"
 #include "output.h"
 #include "status_names.h"
 #include "visible.h"
@@ -165,7 +166,7 @@ void print_json(std::string &out, const InputValue &value, const Outcome &outcom
   object["truncated"] = outcome.truncated;
   if (outcome.result != 0)
     object["reason"] = reason_of(outcome.result);
-  out += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+  out += json_text(object) + "\n";
 }
 
 } // namespace

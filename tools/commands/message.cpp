@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "identifiers.h"
+#include "listing.h"
 #include "output.h"
 #include "subcommand.h"
 #include "visible.h"
@@ -149,7 +150,7 @@ int run(const Options &options, CS_MSGNUM number) {
     object["sqlstate"] = language.state(number);
     object["language"] = language.get_name();
     object["line"] = line;
-    out.text += object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    out.text += json_text(object);
   } else {
     out.text += line;
   }

@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include "arguments.h"
+#include "listing.h"
 #include "output.h"
 #include "secret.h"
 #include "subcommand.h"
@@ -199,7 +200,7 @@ int list(const Store &store, const Options &options) {
   Writer out(STDOUT_FILENO);
   for (size_t i = 0; i < block->out_listSize; ++i) {
     const std::string key = block->out_pRecords[i].pKey;
-    out.text += (options.json ? nlohmann::ordered_json{{"key", key}}.dump() : key) + "\n";
+    out.text += (options.json ? json_text({{"key", key}}) : key) + "\n";
     out.settle();
   }
   out.flush();

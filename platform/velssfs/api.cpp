@@ -23,6 +23,10 @@ RSEC_SSFS_RC Report::no_memory() noexcept {
   return fail(RSEC_SSFS_RC_LOW_MEMORY, "there is no memory");
 }
 
+RSEC_SSFS_RC Report::no_random_bytes() noexcept {
+  return fail(RSEC_SSFS_RC_ENVIRONMENT, "there are no random bytes");
+}
+
 RSEC_SSFS_RC Report::system_failed(int error, const char *directory, const char *file) noexcept {
   if (error == ENOMEM)
     return no_memory();
@@ -254,7 +258,7 @@ RSEC_SSFS_RC RSecSSFsGenerateCharKey(RSecSSFsGenerateCharKeyAPI *api) noexcept {
     api->out_pCharKey = nullptr;
     Byte bytes[key_size];
     if (!draw(bytes, sizeof bytes))
-      return store.report.fail(RSEC_SSFS_RC_ENVIRONMENT, "there are no random bytes");
+      return store.report.no_random_bytes();
     print_char_key(bytes, own.text);
     OPENSSL_cleanse(bytes, sizeof bytes);
     api->out_pCharKey = own.text;

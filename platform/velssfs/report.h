@@ -12,6 +12,7 @@ public:
   [[gnu::format(printf, 3, 4)]] RSEC_SSFS_RC fail(RSEC_SSFS_RC code, const char *format,
                                                   ...) noexcept;
   RSEC_SSFS_RC no_memory() noexcept;
+  RSEC_SSFS_RC no_random_bytes() noexcept;
   // A call to the system failed with this errno on a file.
   RSEC_SSFS_RC system_failed(int error, const char *directory, const char *file) noexcept;
   // The same for one that writes.

@@ -128,10 +128,10 @@ bool Sealer::pass(const Byte *authenticated, size_t authenticated_length, Byte *
           EVP_CipherUpdate(context, text, &done, text, static_cast<int>(length)) == 1);
 }
 
-bool Sealer::seal(const Key &key, const char *name, const Record &record, Bytes &file) noexcept {
+Sealed Sealer::seal(const Key &key, const char *name, const Record &record, Bytes &file) noexcept {
   const size_t name_length = std::strlen(name);
   if (!file.renew(header_size + name_length + record.length + tag_size))
-    return false;
+    return Sealed::no_memory;
   RecordHead head{};
   std::memcpy(head.magic, record_magic, sizeof record_magic);
   head.flags = (record.is_plain ? flag_plain : 0) | (record.is_binary ? flag_binary : 0);
@@ -139,7 +139,7 @@ bool Sealer::seal(const Key &key, const char *name, const Record &record, Bytes 
   std::memcpy(head.key_id, key.id, Key::id_size);
   head.name_length = static_cast<uint32_t>(name_length);
   if (RAND_bytes(head.nonce, nonce_size) != 1)
-    return false;
+    return Sealed::no_random_bytes;
   Byte *const begin = file.data();
   Byte *const value = begin + header_size + name_length;
   Byte *const tag = value + record.length;
@@ -149,10 +149,12 @@ bool Sealer::seal(const Key &key, const char *name, const Record &record, Bytes 
     std::memcpy(value, record.value, record.length);
   Byte *const text = record.is_plain ? tag : value; // what is encrypted, up to the tag
   int none = 0;
-  return start(key, head.nonce, 1) &&
-         pass(begin, static_cast<size_t>(text - begin), text, static_cast<size_t>(tag - text)) &&
-         EVP_CipherFinal_ex(context, tag, &none) == 1 &&
-         EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_GET_TAG, tag_size, tag) == 1;
+  const bool is_sealed =
+      start(key, head.nonce, 1) &&
+      pass(begin, static_cast<size_t>(text - begin), text, static_cast<size_t>(tag - text)) &&
+      EVP_CipherFinal_ex(context, tag, &none) == 1 &&
+      EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_GET_TAG, tag_size, tag) == 1;
+  return is_sealed ? Sealed::good : Sealed::no_memory;
 }
 
 Opened Sealer::open(const KeyRing &ring, const char *name, Bytes &file, Record &record) noexcept {

@@ -77,6 +77,7 @@ struct Record {
   size_t length;
 };
 
+enum class Sealed { good, no_random_bytes, no_memory };
 enum class Opened { good, damaged, unknown_key, no_memory };
 
 // The cipher with its state, which is kept from record to record and wiped with it.
@@ -87,8 +88,8 @@ public:
   Sealer(const Sealer &) = delete;
   Sealer &operator=(const Sealer &) = delete;
 
-  // Makes the contents of a record's file; false without memory or random bytes.
-  bool seal(const Key &key, const char *name, const Record &record, Bytes &file) noexcept;
+  // Makes the contents of a record's file.
+  Sealed seal(const Key &key, const char *name, const Record &record, Bytes &file) noexcept;
 
   // Opens the contents of a record's file in place. A good record's value stands in `file` then, with a
   // NUL byte behind it.

@@ -22,12 +22,16 @@ constexpr int most_changes = 100;
 // What RSecSSFsSetConfiguration set; empty for the default.
 char configured[VELSSFS_MAX_DIRECTORY + 1];
 
+// The length of the path without slashes at its end; 0 where there is none or it is too long.
 template <size_t size>
 size_t print_path(char (&path)[size], const char *above, const char *below) noexcept {
-  const int length = std::snprintf(path, size, "%s%s", above, below);
-  return length > 0 && static_cast<size_t>(length) <= VELSSFS_MAX_DIRECTORY
-             ? static_cast<size_t>(length)
-             : 0;
+  const int printed = std::snprintf(path, size, "%s%s", above, below);
+  if (printed < 0 || printed > VELSSFS_MAX_DIRECTORY)
+    return 0;
+  auto length = static_cast<size_t>(printed);
+  while (length > 1 && path[length - 1] == '/')
+    path[--length] = '\0';
+  return length;
 }
 
 template <size_t size>
@@ -184,9 +188,15 @@ RSEC_SSFS_RC Store::synchronise(const Access &access) noexcept {
 RSEC_SSFS_RC Store::write_record(const Access &access, const char *key,
                                  const Record &record) noexcept {
   Bytes content;
-  if (!sealer.seal(ring.current(), key, record, content))
-    return report.no_memory();
-  return write_file(access, file_of_key(key).text, content);
+  switch (sealer.seal(ring.current(), key, record, content)) {
+  case Sealed::good:
+    return write_file(access, file_of_key(key).text, content);
+  case Sealed::no_random_bytes:
+    return report.no_random_bytes();
+  case Sealed::no_memory:
+    break;
+  }
+  return report.no_memory();
 }
 
 RSEC_SSFS_RC Store::write_ring(const Access &access) noexcept {
@@ -212,8 +222,10 @@ RSEC_SSFS_RC Store::make_first_key(const Access &access) noexcept {
   if (keys.count > 0)
     return report.fail(RSEC_SSFS_RC_ENVIRONMENT, "%s/%s: the key file is missing", path, key_file);
   Key first;
-  if (!draw(first.bytes, sizeof first.bytes) || !first.identify())
-    return report.fail(RSEC_SSFS_RC_ENVIRONMENT, "there are no random bytes");
+  if (!draw(first.bytes, sizeof first.bytes))
+    return report.no_random_bytes();
+  if (!first.identify())
+    return report.no_memory();
   ring.add(first);
   return write_ring(access);
 }

@@ -58,7 +58,7 @@ private:
   RSEC_SSFS_RC check_records(const Keys &keys, bool is_key_lost) noexcept;
   RSEC_SSFS_RC give_up_old_key(const Access &access, const Keys &keys) noexcept;
 
-  char path[VELSSFS_MAX_DIRECTORY + 1]; // without a slash at its end
+  char path[VELSSFS_MAX_DIRECTORY + 1]; // without a slash at its end, unless it is the root
   size_t path_length;                   // 0: there is none
   KeyRing ring;
   Sealer sealer;

@@ -190,8 +190,8 @@ ZRV_API RSEC_SSFS_RC RSecSSFsChangeKeyAPIRelease(RSecSSFsChangeKeyAPI **api) VEL
 
 /*
  * The calls themselves. Each returns the code that is in out_pProcessingInfo as well; for
- * RSEC_SSFS_RC_RSECSSFX_USAGE because of a null pointer or of a block that is none nothing is written
- * at all. After any failure the other out_ fields are null and 0. Any of them can give
+ * RSEC_SSFS_RC_RSECSSFX_USAGE because of a block that is null or none nothing is written at all.
+ * After any failure the other out_ fields are null and 0. Any of them can give
  * RSEC_SSFS_RC_ENVIRONMENT and RSEC_SSFS_RC_LOW_MEMORY.
  */
 
@@ -212,10 +212,10 @@ ZRV_API RSEC_SSFS_RC RSecSSFsGetRecord(RSecSSFsGetRecordAPI *api) VELSSFS_NOEXCE
  *
  * RSEC_SSFS_RC_RECORD_KEY_FORMAT; RSEC_SSFS_RC_VALUE_TOO_LONG; RSEC_SSFS_RC_UTF8_CONVERSION;
  * RSEC_SSFS_RC_RECORD_NOT_FOUND for a removal; RSEC_SSFS_RC_RSECSSFX_USAGE for a null value that is
- * not empty; RSEC_SSFS_RC_CONCURRENT_UPDATE; RSEC_SSFS_RC_NO_WRITE_PERMISSION;
- * RSEC_SSFS_RC_FILE_CORRUPTION for the file "key"; RSEC_SSFS_RC_ENVIRONMENT when it is missing although
- * there are records. A failure has left the old state or, when only the last step to the disk failed,
- * the new one.
+ * not empty, and for in_pValueX alone with in_isBinary 0; RSEC_SSFS_RC_CONCURRENT_UPDATE;
+ * RSEC_SSFS_RC_NO_WRITE_PERMISSION; RSEC_SSFS_RC_FILE_CORRUPTION for the file "key";
+ * RSEC_SSFS_RC_ENVIRONMENT when it is missing although there are records. A failure has left the old
+ * state or, when only the last step to the disk failed, the new one.
  */
 ZRV_API RSEC_SSFS_RC RSecSSFsPutRecord(RSecSSFsPutRecordAPI *api) VELSSFS_NOEXCEPT;
 

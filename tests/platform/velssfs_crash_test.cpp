@@ -5,7 +5,10 @@
 #include <functional>
 #include <map>
 
+// A generator of random bytes that fails can only be set with what is deprecated.
+#define OPENSSL_SUPPRESS_DEPRECATED
 #include <openssl/evp.h>
+#include <openssl/rand.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -438,6 +441,18 @@ TEST_F(VelssfsCrash, ACipherThatComesBack) {
   ASSERT_EQ(EVP_set_default_properties(nullptr, ""), 1);
   EXPECT_EQ(get(block, "text", value), RSEC_SSFS_RC_OK);
   EXPECT_EQ(value.bytes, "secret");
+}
+
+TEST_F(VelssfsCrash, WithoutRandomBytesNothingIsWritten) {
+  begin();
+  RAND_METHOD none{};
+  none.bytes = [](unsigned char *, int) { return 0; };
+  ASSERT_EQ(RAND_set_rand_method(&none), 1);
+  string text;
+  EXPECT_EQ(put("text", "another secret", &text), RSEC_SSFS_RC_ENVIRONMENT);
+  EXPECT_EQ(text, "there are no random bytes");
+  ASSERT_EQ(RAND_set_rand_method(nullptr), 1);
+  expect_all();
 }
 
 // ---- memory ----

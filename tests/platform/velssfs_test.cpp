@@ -365,6 +365,17 @@ TEST_F(Velssfs, APathThatIsTooLongIsRefused) {
   EXPECT_EQ(list(), Names{string(200, 'k')});
 }
 
+TEST_F(Velssfs, SlashesBehindTheDirectoryAreDropped) {
+  ASSERT_EQ(RSecSSFsSetConfiguration((path.string() + "//").c_str()), RSEC_SSFS_RC_OK);
+  EXPECT_EQ(put("a", "v"), RSEC_SSFS_RC_OK);
+  string text;
+  EXPECT_EQ(zrvtest::remove("b", &text), RSEC_SSFS_RC_RECORD_NOT_FOUND);
+  EXPECT_EQ(text, file_of("b").string() + ": there is no such record");
+  ASSERT_EQ(RSecSSFsSetConfiguration("//"), RSEC_SSFS_RC_OK);
+  EXPECT_EQ(zrvtest::remove("b", &text), RSEC_SSFS_RC_RECORD_NOT_FOUND);
+  EXPECT_EQ(text, "//b.rec: there is no such record");
+}
+
 TEST_F(Velssfs, ADirectoryThatIsNone) {
   write_file(above.path / "state", "a file");
   string text;

@@ -1833,13 +1833,16 @@ class Command(unittest.TestCase):
             self.check_usage(result, "standard input")
             self.assertNotIn("hunter2", result.err)
         self.check_usage(zrvcomn("key"))
-        self.check_usage(zrvcomn("key", "break"), "create, encrypt, decrypt and pair")
+        self.check_usage(zrvcomn("key", "break"), "create, encrypt, decrypt or pair")
+        self.check_usage(zrvcomn("key", "CREATE", "--bits", "2048"), "--bits is for pair")
         self.check_usage(zrvcomn("key", "encrypt"), "--key")
         self.check_usage(zrvcomn("key", "create", "--key", "x"), "--key")
         self.check_usage(zrvcomn("key", "pair", "--out", "x"), "--out")
         self.check_usage(zrvcomn("key", "create", "--bits", "2048"), "--bits")
-        for bits in ("1024", "2049", "16392"):
+        for bits in ("1024", "16392", "0x800"):
             self.check_usage(zrvcomn("key", "pair", "--bits", bits), "2048 to 16384")
+        for bits in ("2049", "03777"):  # which is decimal
+            self.check_usage(zrvcomn("key", "pair", "--bits", bits), "multiple of 8")
 
     def test_key_pair(self):
         process = subprocess.Popen([command, "key", "pair", "--bits", "2048"], stdin=subprocess.PIPE,

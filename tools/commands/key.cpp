@@ -23,12 +23,12 @@ namespace {
 
 using namespace zrvtool;
 
-constexpr int smallest_pair = 2048, largest_pair = 16384; // bits
+constexpr CS_INT smallest_pair = 2048, largest_pair = 16384; // bits
 constexpr size_t largest_text = 1 << 30;
 
 struct Options {
   std::string action, key_file, iv_file, out_file;
-  int bits = 3072;
+  CS_INT bits = 3072;
   std::vector<std::string> rest;
 };
 
@@ -331,17 +331,15 @@ void check(const Options &options, bool is_key_given, bool is_bits_given) {
     throw UsageError("--out is for create");
   if (options.action != "pair" && is_bits_given)
     throw UsageError("--bits is for pair");
-  if (options.bits < smallest_pair || options.bits > largest_pair || options.bits % 8 != 0)
-    throw UsageError("a key pair has 2048 to 16384 bits, a multiple of 8");
+  if (options.bits % 8 != 0)
+    throw UsageError("--bits is no multiple of 8");
 }
 
 Subcommand::Run add(CLI::App &app) {
   const auto options = std::make_shared<Options>();
-  CLI::Option *const action =
-      app.add_option("action", options->action, "create, encrypt, decrypt or pair")
-          ->required()
-          ->type_name("ACTION");
-  offer(action, {"create", "encrypt", "decrypt", "pair"});
+  add_choice(app, "action", options->action, "ACTION", {"create", "encrypt", "decrypt", "pair"},
+             "create, encrypt, decrypt or pair")
+      ->required();
   app.add_option("rest", options->rest)->group(""); // taken, so that it is not repeated
   CLI::Option *const key =
       app.add_option("--key", options->key_file,
@@ -352,9 +350,8 @@ Subcommand::Run add(CLI::App &app) {
       ->type_name("FILE");
   app.add_option("--out", options->out_file, "create: a new file for the key, for its owner alone")
       ->type_name("FILE");
-  CLI::Option *const bits =
-      app.add_option("--bits", options->bits, "pair: its length in bits (3072)")
-          ->type_name("NUMBER");
+  CLI::Option *const bits = add_number(app, "--bits", options->bits, smallest_pair, largest_pair,
+                                       "NUMBER", "pair: its length in bits (3072)");
   app.footer(
       "create makes a key of AES-256: 64 hexadecimal digits. encrypt and decrypt run all of\n"
       "standard input through AES-256 in CBC mode; without --iv each text gets a fresh\n"

@@ -10,6 +10,8 @@
 #include <unistd.h>
 
 #include "errors.h"
+#include "output.h"
+#include "visible.h"
 #include "zrvcomn/comnlib.h"
 
 namespace zrvtool {
@@ -46,10 +48,31 @@ private:
   termios before;
 };
 
+// Wipes a text with all the room that it has.
+class Wiping {
+public:
+  explicit Wiping(std::string &wiped) : text(wiped) {}
+  ~Wiping() {
+    text.resize(text.capacity());
+    com_secure_memset(text.data(), 0, text.size());
+    text.clear();
+  }
+  Wiping(const Wiping &) = delete;
+  Wiping &operator=(const Wiping &) = delete;
+
+private:
+  std::string &text;
+};
+
 } // namespace
 
 Secret::~Secret() {
   com_secure_memset(bytes, 0, sizeof bytes);
+}
+
+SecretBuffer::~SecretBuffer() {
+  if (!bytes.empty())
+    com_secure_memset(bytes.data(), 0, bytes.size());
 }
 
 void read_line(Secret &line, const std::string &what, int descriptor, const std::string &source) {
@@ -70,18 +93,34 @@ void read_line(Secret &line, const std::string &what, int descriptor, const std:
     if (got == 0 && is_empty)
       throw StreamError(source + " ended before the " + what);
     is_empty = false;
-    if (got == 0 || byte == '\n')
+    if (got == 0)
       break;
+    if (byte == '\n') {
+      line.drop_carriage_return();
+      break;
+    }
     if (!line.append(byte))
       throw StreamError("the " + what + " is too long");
   }
-  line.drop_carriage_return();
   if (quiet)
     std::fputc('\n', stderr);
 }
 
 void read_line(Secret &line, const std::string &what) {
   read_line(line, what, STDIN_FILENO, "standard input");
+}
+
+void write_secret(std::string_view secret, bool is_line) {
+  Writer out(STDOUT_FILENO);
+  out.text.reserve(4 * secret.size() + 1); // growing would leave a copy behind
+  const Wiping wiping(out.text);
+  if (out.is_terminal())
+    append_visible(out.text, secret);
+  else
+    out.text += secret;
+  if (out.is_terminal() || is_line)
+    out.text += '\n';
+  out.flush();
 }
 
 } // namespace zrvtool

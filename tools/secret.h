@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zrvtool {
 
@@ -36,6 +37,22 @@ private:
   int used = 0;
 };
 
+// Room for a secret of any size, which is wiped when it goes.
+class SecretBuffer {
+public:
+  explicit SecretBuffer(size_t size) : bytes(size) {}
+  ~SecretBuffer();
+  SecretBuffer(const SecretBuffer &) = delete;
+  SecretBuffer &operator=(const SecretBuffer &) = delete;
+
+  void swap(SecretBuffer &other) { bytes.swap(other.bytes); }
+  char *data() { return bytes.data(); }
+  size_t size() const { return bytes.size(); }
+
+private:
+  std::vector<char> bytes;
+};
+
 // Reads a line of standard input byte by byte, so that nothing secret stays behind in a buffer and
 // what follows the line is left there. On a terminal it asks for `what` and does not show it. Throws
 // StreamError.
@@ -43,6 +60,10 @@ void read_line(Secret &line, const std::string &what);
 
 // The same from any descriptor, which `source` names in errors.
 void read_line(Secret &line, const std::string &what, int descriptor, const std::string &source);
+
+// Writes a secret to standard output and leaves no copy of it behind, also when that fails: bytes, or a
+// line of text. On a terminal it is a line always, and commands nothing. Throws StreamError.
+void write_secret(std::string_view secret, bool is_line = true);
 
 } // namespace zrvtool
 

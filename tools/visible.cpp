@@ -54,6 +54,14 @@ void append_escape(std::string &out, char c) {
   }
 }
 
+// The value of a hexadecimal digit, or a negative number.
+int digit_value(char digit) {
+  return digit >= '0' && digit <= '9'   ? digit - '0'
+         : digit >= 'a' && digit <= 'f' ? digit - 'a' + 10
+         : digit >= 'A' && digit <= 'F' ? digit - 'A' + 10
+                                        : -1;
+}
+
 } // namespace
 
 void append_hex(std::string &out, std::string_view bytes) {
@@ -62,6 +70,18 @@ void append_hex(std::string &out, std::string_view bytes) {
     out += hex_digits[byte >> 4];
     out += hex_digits[byte & 15];
   }
+}
+
+bool read_hex(std::string_view digits, char *bytes) {
+  if (digits.size() % 2 != 0)
+    return false;
+  for (size_t at = 0; at < digits.size(); at += 2) {
+    const int high = digit_value(digits[at]), low = digit_value(digits[at + 1]);
+    if (high < 0 || low < 0)
+      return false;
+    *bytes++ = static_cast<char>(high * 16 + low);
+  }
+  return true;
 }
 
 void append_hex_units(std::string &out, std::string_view bytes) {

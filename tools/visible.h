@@ -17,6 +17,10 @@ std::string in_quotes(std::string_view bytes);
 
 void append_hex(std::string &out, std::string_view bytes);
 
+// Reads what append_hex writes, in digits of either case; false for anything else, and then some of the
+// bytes may have been written. There is room for half as many as there are digits.
+bool read_hex(std::string_view digits, char *bytes);
+
 // 16-bit units in host order, each as four digits, a blank between.
 void append_hex_units(std::string &out, std::string_view bytes);
 

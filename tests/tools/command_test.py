@@ -1634,6 +1634,8 @@ class Command(unittest.TestCase):
         # Lines may end in CR LF, the last one in nothing; digits may be of either case.
         self.check(self.crypt("encode", self.salt + b"\r", b"secret\r"), 0, self.secret_hex + "\n")
         self.check(self.crypt("encode", self.salt, b"secret", end=b""), 0, self.secret_hex + "\n")
+        self.check(self.crypt("encode", self.salt, b"secret\r", end=b""), 0,
+                   self.crypt("encode", self.salt, b"secret\r\r").out)
         upper = b"0x01" + self.secret_hex[4:].upper().encode()
         self.check(self.crypt("decode", self.salt, upper), 0, "secret\n")
 
@@ -1663,6 +1665,8 @@ class Command(unittest.TestCase):
                 ("encode", [b"1234567", b"x"], "a salt has 8 bytes"),
                 ("encode", [b"123456789", b"x"], "a salt has 8 bytes"),
                 ("encode", [b"0x010203040506070g", b"x"], "a salt has 8 bytes"),
+                ("encode", [b"0y0102030405060708", b"x"], "a salt has 8 bytes"),
+                ("encode", [b"0x01020304050607", b"x"], "a salt has 8 bytes"),
                 ("decode", [self.salt, self.secret_hex[:-2].encode()], "CS_FAIL"),
                 ("decode", [self.salt, self.secret_hex[:-1].encode() + b"g"], "CS_FAIL"),
                 ("decode", [self.salt, b"0x02" + self.secret_hex[4:].encode()], "CS_FAIL"),
@@ -1880,8 +1884,9 @@ class Command(unittest.TestCase):
                 self.check(self.store("put", "app/password", *words, stdin=value + end), 0, "")
                 self.assertEqual(self.store("get", "app/password").raw, value + b"\n")
         # One line end goes, and no more.
-        self.check(self.store("put", "a", stdin=b"x\n\n"), 0, "")
-        self.assertEqual(self.store("get", "a").raw, b"x\n\n")
+        for value, kept in (b"x\n\n", b"x\n"), (b"x\r", b"x\r"), (b"x\r\r\n", b"x\r"), (b"\n", b""):
+            self.check(self.store("put", "a", stdin=value), 0, "")
+            self.assertEqual(self.store("get", "a").raw, kept + b"\n")
         binary = bytes(range(256)) + b"\n"
         self.check(self.store("put", "--binary", "raw", stdin=binary), 0, "")
         self.assertEqual(self.store("get", "raw").raw, binary)

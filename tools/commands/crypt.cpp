@@ -23,21 +23,12 @@ void read_salt(Secret &salt) {
   Secret line;
   read_line(line, "salt");
   const std::string_view text = line.text();
-  if (text.size() != 2 + 2 * COM_ENC_SALTLEN || text.substr(0, 2) != "0x" ||
-      text.find_first_not_of("0123456789abcdefABCDEF", 2) != std::string_view::npos) {
-    for (const char byte : text)
-      salt.append(byte);
-  } else {
-    for (size_t at = 2; at < text.size(); at += 2) {
-      unsigned byte = 0;
-      for (const char digit : text.substr(at, 2))
-        byte =
-            byte * 16 + static_cast<unsigned>(digit <= '9' ? digit - '0' : (digit | 32) - 'a' + 10);
-      salt.append(static_cast<char>(byte));
-    }
-  }
-  if (salt.size() != COM_ENC_SALTLEN)
+  if (text.size() == COM_ENC_SALTLEN)
+    text.copy(salt.data(), COM_ENC_SALTLEN);
+  else if (text.size() != 2 + 2 * COM_ENC_SALTLEN || !text.starts_with("0x") ||
+           !read_hex(text.substr(2), salt.data()))
     throw StreamError("a salt has 8 bytes: 8 characters, or 0x and 16 hexadecimal digits");
+  salt.resize(COM_ENC_SALTLEN);
 }
 
 int fail(const std::string &what, CS_RETCODE status) {
@@ -72,18 +63,7 @@ int decode() {
   if (status != CS_SUCCEED)
     return fail("this is not 0x01 and 66 hexadecimal digits of a block", status);
   text.resize(length);
-  const std::string_view bytes = text.text();
-  Writer out(STDOUT_FILENO);
-  out.text.reserve(4 * COM_ENC_MAXTEXT + 1); // growing would leave a copy behind
-  if (out.is_terminal())
-    append_visible(out.text, bytes);
-  else
-    out.text += bytes;
-  out.text += '\n';
-  out.flush();
-  out.text.resize(out.text.capacity());
-  com_secure_memset(out.text.data(), 0, out.text.size());
-  out.text.clear();
+  write_secret(text.text());
   return exit_success;
 }
 

@@ -70,7 +70,8 @@ struct DeletePair {
 };
 
 // The library takes its arguments without const.
-CS_BYTE *bytes_of(Secret &secret) {
+template <class Owner>
+CS_BYTE *bytes_of(Owner &secret) {
   return reinterpret_cast<CS_BYTE *>(secret.data());
 }
 
@@ -93,21 +94,8 @@ void turn_to_encryption(Provider &provider, COMN_SYMKEY &key) {
 
 // ---- input ----
 
-// The bytes of a text in hexadecimal digits; false when it is no such text of that many bytes.
-bool read_hex(std::string_view digits, size_t size, Secret &bytes) {
-  if (digits.size() != 2 * size ||
-      digits.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos)
-    return false;
-  const auto value = [](char digit) {
-    return digit <= '9' ? digit - '0' : (digit | 32) - 'a' + 10;
-  };
-  for (size_t at = 0; at < digits.size(); at += 2)
-    bytes.append(static_cast<char>(value(digits[at]) * 16 + value(digits[at + 1])));
-  return true;
-}
-
 // The first line of a file, or the next one of standard input, which spells `size` bytes.
-void read_bytes(const std::string &file, const std::string &what, size_t size, Secret &bytes) {
+void read_bytes(const std::string &file, const std::string &what, int size, Secret &bytes) {
   Secret line;
   if (file == "-") {
     read_line(line, what);
@@ -123,11 +111,12 @@ void read_bytes(const std::string &file, const std::string &what, size_t size, S
     }
     close(descriptor);
   }
-  if (!read_hex(line.text(), size, bytes))
+  if (line.size() != 2 * size || !read_hex(line.text(), bytes.data()))
     throw StreamError("the " + what + " has " + std::to_string(2 * size) + " hexadecimal digits");
+  bytes.resize(size);
 }
 
-// All that is left of standard input, wiped when it goes.
+// All that is left of standard input.
 class Text {
 public:
   Text() {
@@ -144,29 +133,20 @@ public:
       used += static_cast<size_t>(got);
     }
   }
-  ~Text() { wipe(bytes); }
-  Text(const Text &) = delete;
-  Text &operator=(const Text &) = delete;
 
-  CS_BYTE *data() { return bytes.data(); }
+  CS_BYTE *data() { return bytes_of(bytes); }
   size_t size() const { return used; }
-
-  static void wipe(std::vector<CS_BYTE> &old) {
-    if (!old.empty())
-      com_secure_memset(old.data(), 0, old.size());
-  }
 
 private:
   void grow() {
     if (bytes.size() >= largest_text)
       throw StreamError("the text is too long");
-    std::vector<CS_BYTE> larger(bytes.empty() ? 65536 : 2 * bytes.size());
-    std::copy(bytes.begin(), bytes.end(), larger.begin());
+    SecretBuffer larger(2 * bytes.size());
+    std::memcpy(larger.data(), bytes.data(), used);
     bytes.swap(larger);
-    wipe(larger);
   }
 
-  std::vector<CS_BYTE> bytes;
+  SecretBuffer bytes{65536};
   size_t used = 0;
 };
 
@@ -241,10 +221,10 @@ int transform(Provider &provider, const Options &options) {
     turn_to_encryption(provider, *key);
   if (comn_symkey_set_iv(key.get(), bytes_of(iv)) != CS_SUCCEED)
     refuse("the provider takes no initialisation vector");
-  std::vector<CS_BYTE> out(length + COMN_SYMKEY_IVLEN);
+  SecretBuffer out(length + COMN_SYMKEY_IVLEN);
   CS_UINT used = 0;
   const CS_RETCODE status = (encrypts ? comn_symkey_encrypt : comn_symkey_decrypt)(
-      key.get(), const_cast<CS_BYTE *>(input), static_cast<CS_UINT>(length), out.data(),
+      key.get(), const_cast<CS_BYTE *>(input), static_cast<CS_UINT>(length), bytes_of(out),
       static_cast<CS_UINT>(out.size()), &used);
   if (status != CS_SUCCEED)
     throw StreamError(std::string(encrypts
@@ -253,13 +233,7 @@ int transform(Provider &provider, const Options &options) {
                       status_name(status));
   if (encrypts && !is_iv_given)
     write_bytes(STDOUT_FILENO, bytes_of(iv), COMN_SYMKEY_IVLEN, "the output");
-  try {
-    write_bytes(STDOUT_FILENO, out.data(), used, "the output");
-  } catch (...) {
-    Text::wipe(out);
-    throw;
-  }
-  Text::wipe(out);
+  write_bytes(STDOUT_FILENO, bytes_of(out), used, "the output");
   return exit_success;
 }
 
@@ -279,19 +253,15 @@ int pair(Provider &provider, const Options &options) {
   const std::unique_ptr<Input> lines = values_input(values, [] {});
   int code = exit_success;
   for (InputValue line; lines->next(line);) {
-    std::vector<CS_BYTE> cipher, plain(size);
-    const bool is_hex =
-        line.text.size() == 2 * size &&
-        line.text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
-    for (size_t at = 0; is_hex && at < line.text.size(); at += 2)
-      cipher.push_back(
-          static_cast<CS_BYTE>(std::stoi(std::string(line.text.substr(at, 2)), nullptr, 16)));
+    std::string cipher(size, '\0');
+    SecretBuffer plain(size);
+    const bool is_hex = line.text.size() == 2 * size && read_hex(line.text, cipher.data());
     CS_UINT length = 0;
     const CS_RETCODE status =
-        is_hex ? comn_keypair_privkey_decrypt(keys.get(), cipher.data(),
-                                              static_cast<CS_UINT>(cipher.size()), plain.data(),
-                                              static_cast<CS_UINT>(plain.size()), &length)
-               : CS_FAIL;
+        is_hex
+            ? comn_keypair_privkey_decrypt(keys.get(), bytes_of(cipher), static_cast<CS_UINT>(size),
+                                           bytes_of(plain), static_cast<CS_UINT>(size), &length)
+            : CS_FAIL;
     if (status != CS_SUCCEED) {
       std::fprintf(stderr, "zrvcomn key: line %llu: %s: %s\n",
                    static_cast<unsigned long long>(line.line),
@@ -301,26 +271,13 @@ int pair(Provider &provider, const Options &options) {
       code = exit_failure;
       continue;
     }
-    const std::string_view text(reinterpret_cast<const char *>(plain.data()), length);
-    out.text.reserve(4 * size + 1); // growing would leave a copy behind
-    if (out.is_terminal())
-      append_visible(out.text, text);
-    else
-      out.text += text;
-    out.text += '\n';
-    out.flush();
-    out.text.resize(out.text.capacity());
-    com_secure_memset(out.text.data(), 0, out.text.size());
-    out.text.clear();
-    Text::wipe(plain);
+    write_secret({plain.data(), length});
   }
   return code;
 }
 
 void check(const Options &options, bool is_key_given, bool is_bits_given) {
   const bool transforms = options.action == "encrypt" || options.action == "decrypt";
-  if (!transforms && options.action != "create" && options.action != "pair")
-    throw UsageError("there is no such action, only create, encrypt, decrypt and pair");
   if (!options.rest.empty())
     throw UsageError("keys and texts come from files or standard input, never from the arguments");
   if (transforms && !is_key_given)

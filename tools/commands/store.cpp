@@ -109,34 +109,34 @@ private:
 // All of standard input, in a block that does not move and is wiped.
 class Everything {
 public:
-  Everything() : bytes(new char[capacity + 1]) {
+  Everything() {
     for (ssize_t got = 1; got != 0 && used < capacity;) {
-      got = read(STDIN_FILENO, bytes.get() + used, capacity - used);
+      got = read(STDIN_FILENO, bytes.data() + used, capacity - used);
       if (got < 0 && errno != EINTR)
         throw StreamError(std::string("cannot read standard input: ") + std::strerror(errno));
       used += static_cast<size_t>(std::max<ssize_t>(got, 0));
     }
   }
-  ~Everything() { com_secure_memset(bytes.get(), 0, capacity + 1); }
-  Everything(const Everything &) = delete;
-  Everything &operator=(const Everything &) = delete;
 
+  // LF or CR LF.
   void drop_line_end() {
-    if (used > 0 && bytes[used - 1] == '\n')
-      --used;
-    if (used > 0 && bytes[used - 1] == '\r')
+    const auto ends_in = [this](char byte) { return used > 0 && bytes.data()[used - 1] == byte; };
+    if (!ends_in('\n'))
+      return;
+    --used;
+    if (ends_in('\r'))
       --used;
   }
   // Terminated. More than any value has is read, so that one that is too long is told from one that fits.
   char *text() {
-    bytes[used] = '\0';
-    return bytes.get();
+    bytes.data()[used] = '\0';
+    return bytes.data();
   }
   size_t size() const { return used; }
 
 private:
   static constexpr size_t capacity = VELSSFS_MAX_VALUE + 8;
-  std::unique_ptr<char[]> bytes;
+  SecretBuffer bytes{capacity + 1};
   size_t used = 0;
 };
 
@@ -176,20 +176,8 @@ int get(const Store &store, const Options &options) {
                                     table.GetRecordAPIRelease);
   block->in_pKey = options.key.c_str();
   block.run();
-  const std::string_view value(reinterpret_cast<const char *>(block->out_pValueX),
-                               block->out_pValueXLen);
-  Writer out(STDOUT_FILENO);
-  out.text.reserve(4 * value.size() + 1); // growing would leave a copy behind
-  if (out.is_terminal())
-    append_visible(out.text, value);
-  else
-    out.text += value;
-  if (out.is_terminal() || block->out_isBinary == 0)
-    out.text += '\n';
-  out.flush();
-  out.text.resize(out.text.capacity());
-  com_secure_memset(out.text.data(), 0, out.text.size());
-  out.text.clear();
+  write_secret({reinterpret_cast<const char *>(block->out_pValueX), block->out_pValueXLen},
+               block->out_isBinary == 0);
   return exit_success;
 }
 

@@ -13,17 +13,13 @@
 
 namespace zrvtool {
 
-namespace {
-
 CS_VOID *&category_of(CS_LOCALE &locale, CS_INT category) {
   CS_VOID **const pointers[] = {&locale.collateptr,  &locale.ctypeptr,   &locale.messageptr,
                                 &locale.monetaryptr, &locale.numericptr, &locale.timeptr};
   return *pointers[category - 1];
 }
 
-} // namespace
-
-std::vector<std::string> locale_names() {
+std::vector<std::vector<std::string>> locale_rows() {
   CS_CONTEXT context{};
   INTL_LOCFILE file;
   CS_CHAR name[] = "locales.dat", path[1025] = "";
@@ -33,15 +29,30 @@ std::vector<std::string> locale_names() {
     throw StreamError(std::string(path) + ": " + failure_text(status, context) + ": " +
                       advice_on(status));
   int reader = 0;
-  std::vector<std::string> names;
-  while (const char *const section = intl_nextsection(&file, &reader))
-    if (section == std::string_view("linux"))
-      while (intl_nextentry(&file, &reader) != nullptr)
-        if (const char *const value = intl_nextvalue(&file, &reader))
-          names.emplace_back(value);
+  const char *section, *key;
+  do
+    section = intl_nextsection(&file, &reader);
+  while (section != nullptr && section != std::string_view("linux"));
+  std::vector<std::vector<std::string>> rows;
+  // An entry of another kind ends them.
+  while (section != nullptr && (key = intl_nextentry(&file, &reader)) != nullptr &&
+         key == std::string_view("locale")) {
+    std::vector<std::string> row;
+    while (const char *const value = intl_nextvalue(&file, &reader))
+      row.emplace_back(value);
+    if (!row.empty() && !row[0].empty())
+      rows.push_back(std::move(row));
+  }
   intl_close(&file);
   if (reader < 0)
     throw StreamError(std::string(path) + ": " + intl_errstr(reader));
+  return rows;
+}
+
+std::vector<std::string> locale_names() {
+  std::vector<std::string> names;
+  for (std::vector<std::string> &row : locale_rows())
+    names.push_back(std::move(row[0]));
   return names;
 }
 

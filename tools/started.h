@@ -43,8 +43,15 @@ private:
   CsLocCache ctype_cache{}, time_cache{}; // of the locale, but for the set; unused without one
 };
 
-// The names in locales.dat, in its order. Throws StreamError when it cannot be read.
+// The rows of locales.dat, in its order, as far as the library reads them: the name of a locale first,
+// then what it stands for. Throws StreamError when the file cannot be read.
+std::vector<std::vector<std::string>> locale_rows();
+
+// The names alone.
 std::vector<std::string> locale_names();
+
+// What a locale has of a category, by number from 1 on: a CsLocCache.
+CS_VOID *&category_of(CS_LOCALE &locale, CS_INT category);
 
 // The names that the environment selects for the categories, by number from 1 on.
 std::string environment_locale(CS_CONTEXT *context, CS_INT category);

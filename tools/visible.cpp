@@ -123,6 +123,11 @@ std::string in_quotes(std::string_view bytes) {
   return text + (bytes.size() > longest ? "...'" : "'");
 }
 
+std::string padded(std::string text, size_t width) {
+  text.resize(std::max(text.size(), width), ' ');
+  return text;
+}
+
 size_t count_characters(std::string_view text) {
   return static_cast<size_t>(
       std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));

@@ -24,6 +24,9 @@ bool read_hex(std::string_view digits, char *bytes);
 // 16-bit units in host order, each as four digits, a blank between.
 void append_hex_units(std::string &out, std::string_view bytes);
 
+// The text with blanks behind it to a width in bytes, which fills a column of ASCII.
+std::string padded(std::string text, size_t width);
+
 // The number of characters of a UTF-8 text.
 size_t count_characters(std::string_view text);
 

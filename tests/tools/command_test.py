@@ -1350,6 +1350,19 @@ class Command(unittest.TestCase):
         self.assertIn({"name": "fr_CA", "language": "french", "charset": "iso_1", "sort_order": "dictionary",
                        "date": None, "number": "fr_CA", "money": "fr_CA"}, rows)
 
+    # Those that the library finds: up to an entry of another kind, in the first section of that name.
+    def test_locale_list_of_an_odd_file(self):
+        (self.scratch / "locales").mkdir()
+        (self.scratch / "locales/locales.dat").write_text(
+            "[other]\nlocale = a, b, c\n[linux]\nlocale = one, us_english, utf8\nlocale =\n"
+            "locale = two, german\nlocal = x\nlocale = three, german, utf8\n"
+            "[linux]\nlocale = four, german, utf8\n")
+        result = zrvcomn("locale", "list", "--plain", ZARVEK=str(self.scratch))
+        self.check(result, 0, "one\tus_english\tutf8\t-\t-\t-\t-\ntwo\tgerman\t-\t-\t-\t-\t-\n")
+        result = zrvcomn("locale", "list", ZARVEK="/nowhere")
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertIn("/nowhere/locales/locales.dat: COM_LOCFILE_ERROR, ", result.err)
+
     def test_locale_show(self):
         result = zrvcomn("locale", "show", "de_DE.UTF-8")
         self.assertEqual((result.code, result.err), (0, ""))

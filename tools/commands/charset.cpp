@@ -61,11 +61,6 @@ std::string names_behind(const CS_STRING_LIST *name) {
   return text;
 }
 
-std::string padded(std::string text, size_t width) {
-  text.resize(std::max(text.size(), width), ' ');
-  return text;
-}
-
 // Every identifier of a set that has a file. A file that is there and cannot be loaded is reported.
 int list(Charsets &charsets, const Listing &listing, Writer &out) {
   int code = exit_success;

@@ -149,11 +149,6 @@ Found find(const Place &place) {
   return {&place, path, state, place.rule(), false};
 }
 
-std::string padded(std::string text, size_t width) {
-  text.resize(std::max(text.size(), width), ' ');
-  return text;
-}
-
 void print_table(std::string &out, const std::vector<Found> &all) {
   size_t name_width = 0, path_width = 0;
   for (const Found &found : all) {

@@ -12,7 +12,6 @@
 #include "subcommand.h"
 #include "zrvcomn/comnlib.h"
 #include "zrvcomn/datetime.h"
-#include "zrvcomn/zrvintl.h"
 
 namespace {
 
@@ -58,24 +57,14 @@ nlohmann::ordered_json fields_of(const std::string *cells) {
 }
 
 int list(const Options &options) {
-  CS_CONTEXT context{};
-  INTL_LOCFILE file;
-  CS_CHAR name[] = "locales.dat", path[1025] = "";
-  if (com__open_locfile(&context, nullptr, nullptr, name, &file, path, sizeof path) != CS_SUCCEED)
-    throw StreamError(std::string("cannot open ") + path);
   Writer out(STDOUT_FILENO);
-  int status = 0;
-  const char *section = nullptr;
-  while ((section = intl_nextsection(&file, &status)) != nullptr &&
-         section != std::string_view("linux")) {
-  }
   const std::vector<size_t> widths = {24, 20, 10, 20, 6, 6, 6};
   if (!options.listing.is_for_programs())
     append_cells(out.text, {std::begin(columns), std::end(columns)}, widths);
-  while (section != nullptr && intl_nextentry(&file, &status) != nullptr) {
+  for (const std::vector<std::string> &row : locale_rows()) {
     std::vector<std::string> cells;
-    while (const char *const value = intl_nextvalue(&file, &status))
-      cells.emplace_back(or_dash(value));
+    for (const std::string &value : row)
+      cells.push_back(or_dash(value.c_str()));
     cells.resize(std::size(columns), "-");
     if (options.listing.is_for_programs())
       options.listing.add(out.text, fields_of(cells.data()));
@@ -83,9 +72,6 @@ int list(const Options &options) {
       append_cells(out.text, cells, widths);
     out.settle();
   }
-  intl_close(&file);
-  if (status < 0)
-    throw StreamError(std::string(path) + ": " + intl_errstr(status));
   out.flush();
   return exit_success;
 }
@@ -96,12 +82,6 @@ std::string text_of(CS_LOCALE *locale, CS_INT category, CS_INT type) {
   return com_intl_getstr(locale, category, type, buffer, sizeof buffer, &length) == CS_SUCCEED
              ? std::string(buffer, static_cast<size_t>(length))
              : "";
-}
-
-const CsLocCache *cache_of(const CS_LOCALE *locale, size_t category) {
-  const CS_VOID *const pointers[] = {locale->collateptr,  locale->ctypeptr,   locale->messageptr,
-                                     locale->monetaryptr, locale->numericptr, locale->timeptr};
-  return static_cast<const CsLocCache *>(pointers[category]);
 }
 
 // A date of the locale's style, in UTF-8.
@@ -144,7 +124,7 @@ int show(const Options &options) {
   }
   for (size_t i = 0; i < std::size(categories); ++i) {
     const auto category = static_cast<CS_INT>(i + 1);
-    const CsLocCache *const cache = cache_of(locale, i);
+    const auto *const cache = static_cast<const CsLocCache *>(category_of(*locale, category));
     const std::vector<std::string> cells = {categories[i],
                                             or_dash(cache->locname),
                                             text_of(locale, category, CS_LOCSTR_LANGUAGE),

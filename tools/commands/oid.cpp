@@ -55,11 +55,6 @@ std::string names_of(const CsOID &oid) {
   return text;
 }
 
-std::string padded(std::string text, size_t width) {
-  text.resize(std::max(text.size(), width), ' ');
-  return text;
-}
-
 void print_list(std::string &out, const std::vector<Record> &records) {
   size_t width = std::string("identifier").size();
   for (const Record &record : records)

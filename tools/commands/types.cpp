@@ -11,6 +11,7 @@
 #include "output.h"
 #include "subcommand.h"
 #include "type_names.h"
+#include "visible.h"
 #include "zrvcomn/commaps.h"
 
 namespace {
@@ -34,11 +35,6 @@ TypeList select(const std::vector<std::string> &names) {
         }))
       selected.push_back(&info);
   return selected;
-}
-
-std::string padded(std::string text, size_t width) {
-  text.resize(std::max(text.size(), width), ' ');
-  return text;
 }
 
 std::string right(const std::string &text, size_t width) {

@@ -94,9 +94,9 @@ class Build:
         return self.ninja("-t", "inputs", target).split("\n")
 
     def libraries(self, program):
-        """The shared libraries that a program needs, each with its objects."""
-        needed = [name for name in self.inputs(program) if "_SHARED_LIBRARY_LINKER__" in
-                  self.rules.get(name, "")]
+        """The shared libraries that a program needs, and those that it opens, each with its objects."""
+        needed = [name for name in self.inputs(program)
+                  if re.search("_(SHARED|MODULE)_LIBRARY_LINKER__", self.rules.get(name, ""))]
         found = {}
         for library in dict.fromkeys(needed):
             links = self.ninja("-t", "commands", "-s", library).strip().splitlines()[-1]

@@ -24,6 +24,10 @@ foreach(name sum_test strong_test wrong_test)
   add_executable(${name} tests/${name}.cpp)
   target_link_libraries(${name} sample)
 endforeach()
+add_library(opened MODULE opened/opened.cpp)
+add_executable(opened_test tests/opened_test.cpp)
+target_link_libraries(opened_test sample ${CMAKE_DL_LIBS})
+add_dependencies(opened_test opened)
 """,
     "sum/sum.cpp": """\
 #include "limit.h"
@@ -55,6 +59,15 @@ int main() {
 }
 """,
     "tests/wrong_test.cpp": "int main() { return 1; }\n",
+    "opened/opened.cpp": 'extern "C" int next(int a) {\n  return a + 1;\n}\n',
+    "tests/opened_test.cpp": """\
+#include <dlfcn.h>
+int main() {
+  void *const library = dlopen("libopened.so", RTLD_NOW);
+  void *const next = library == nullptr ? nullptr : dlsym(library, "next");
+  return next == nullptr || reinterpret_cast<int (*)(int)>(next)(1) != 2;
+}
+""",
 }
 
 
@@ -64,8 +77,8 @@ class Mutate(unittest.TestCase):
     def test_command(self):
         with tempfile.TemporaryDirectory() as folder:
             self.set_up(Path(folder).resolve())
-            for check in (self.check_weak_test, self.check_strong_test, self.check_header, self.check_fates,
-                          self.check_sample, self.check_interrupt, self.check_trouble):
+            for check in (self.check_weak_test, self.check_strong_test, self.check_header, self.check_opened,
+                          self.check_fates, self.check_sample, self.check_interrupt, self.check_trouble):
                 with self.subTest(check.__name__):
                     check()
                     self.check_nothing_changed()
@@ -121,6 +134,12 @@ class Mutate(unittest.TestCase):
             "sum/limit.h:1: constant: limit = 100; -> limit = 101; [killed by strong_test]",
             "sum/limit.h:1: constant: limit = 100; -> limit = 99; [killed by strong_test]"])
         self.assertEqual(code, 0)
+
+    # A library that the test opens, and does not link.
+    def check_opened(self):
+        code, lines, err = self.mutate("opened")
+        self.assertEqual((code, len(lines)), (0, 1), err)
+        self.assertIn(" 0 survived,", lines[0])
 
     def check_fates(self):
         code, lines, _ = self.mutate("sum", "--verbose", "--test", "strong_test", "--timeout", "1",

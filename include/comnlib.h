@@ -571,8 +571,9 @@ ZRV_CONV(comn_voidtovoid);
  *               of the text as it came; text that fills `dest` while CS_DFMT_NULLTERM is set loses its
  *               last byte to the NUL, CS_CONV_TRUNCATED. Then padding: CS_CONV_PADCONFLICT. `dest` may be
  *               the source between equal sets.
- * to varchar    256 bytes at most, CS_CONV_TRUNCATED beyond; `*destlen` is 258. A failing conversion of the
- *               set, for want of room too, is returned with the length of the record unwritten.
+ * to varchar    256 bytes at most, CS_CONV_TRUNCATED beyond; `*destlen` is 258. What a conversion of the
+ *               set returns is returned; for want of room the record and `*destlen` have the length that was
+ *               converted, after another failure the length of the record is unwritten.
  * to binary     hexadecimal digits, after comn__hex2binbytes. The first digit of an odd count is a byte of
  *               its own. CS_CONV_TRUNCATED: maxlength bytes were stored and digits are left over,
  *               unexamined. CS_CONV_OVERFLOW: an odd count and no room at all. CS_CONV_SYNTAX: not a

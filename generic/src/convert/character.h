@@ -295,7 +295,7 @@ CS_RETCODE to_date(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *dest, CS_IN
   if (srcfmt->maxlength > longest)
     return CS_MEM_ERROR;
   const CS_INT room = 3 * std::max<CS_INT>(srcfmt->maxlength, 0);
-  auto *const utf8_text = static_cast<CS_CHAR *>(comn_malloc(static_cast<size_t>(room) + 1));
+  auto *const utf8_text = static_cast<CS_CHAR *>(comn_malloc(static_cast<size_t>(room)));
   if (utf8_text == nullptr)
     return CS_MEM_ERROR;
   CS_DATAFMT format = *srcfmt;
@@ -425,8 +425,11 @@ CS_RETCODE to_varchar(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_DATAFMT *destf
   if (!sides.have_one_cache()) {
     const CS_RETCODE status =
         convert_charset(context, srcfmt, source, destfmt, room, text, destlen);
-    if (!has_converted(status))
+    if (!has_converted(status)) {
+      if (status == CS_CONV_TRUNCATED)
+        store(record + offsetof(CS_VARCHAR, len), static_cast<CS_SMALLINT>(*destlen));
       return status;
+    }
   } else {
     cut = source.told_length > room;
     *destlen = std::max<CS_INT>(fitting_length(source, room), 0);

@@ -17,14 +17,6 @@ CS_INT to_fixed(const Source &source, CS_BYTE *dest, CS_INT width) noexcept {
   return width;
 }
 
-template <class Source>
-CS_INT to_bit(const Source &source, CS_BYTE *dest) noexcept {
-  if (source.is_null())
-    return nothing;
-  *dest = source.length > 0 && *source.bytes != 0;
-  return sizeof(CS_BIT);
-}
-
 template <class Shape, class Source>
 CS_INT to_bytes(const Shape &shape, const Source &source) noexcept {
   return source.is_null() ? nothing : copy_bytes(shape, source.bytes, source.length);
@@ -65,7 +57,7 @@ CS_INT hex_text(const Source &source, CS_BYTE *dest, CS_INT destlen) noexcept {
   COMN_OLD_BINARY_TO_FIXED(source, Source, datetime, CS_DATETIME)                                  \
   COMN_OLD_ALIAS(com_##source##todate, com_##source##todatetime)                                   \
   COMN_OLD_BINARY_TO_FIXED(source, Source, date4, CS_DATETIME4)                                    \
-  COMN_OLD(com_##source##tobit, (to_bit(Source(src, srclen), dest)))                               \
+  COMN_OLD_BINARY_TO_FIXED(source, Source, bit, CS_BIT)                                            \
   COMN_OLD_TO_TEXT(source, hex_text, , (Source(src, srclen), dest, destlen))                       \
   COMN_OLD_TO_BYTES(source, to_bytes, Source(src, srclen))
 

@@ -12,6 +12,7 @@
 #include <zrvcomn/datetime.h>
 #include <zrvcomn/netenc.h>
 #include <zrvcomn/numeric.h>
+#include <zrvcomn/oldconv.h>
 
 static sigjmp_buf after_check;
 
@@ -193,6 +194,13 @@ static void count_days(void) {
     CS_INT length = com_date2char_ex((CS_BYTE *)&value, 8, (CS_BYTE *)text, 60, NULL, i);
     if (length > 0)
       printf("style %d: %.*s\n", i, length, text);
+  }
+  for (i = 0; i < 2; ++i) {
+    CS_DATETIME value = {0, 0};
+    char *written = i == 0 ? "5 March 2001" : "5 mar 2001";
+    CS_INT length = com_chartodatetime((CS_BYTE *)written, (CS_INT)strlen(written),
+                                       (CS_BYTE *)&value, 8, NULL, NULL, -1);
+    printf("text date %d: %d\n", length, value.dtdays);
   }
   printf("first day %d, order %d\n", com__get_firstday(), com__get_date_order_id());
 }

@@ -385,16 +385,19 @@ TEST(ComEncTest, SearchFindsACopyThatIsLeft) {
   EXPECT_TRUE(stack.holds(secret_text));
 }
 
-// No word of the text is left beside the working copy. Half a block, which the release keeps in a
-// register, is a variable in memory with the sanitizers and without optimisation: that says nothing
-// about the library.
-void expect_no_part_of_the_secret(const SearchableStack &stack) {
-  if (!zrvtest::sanitized && zrvtest::optimized) {
+// The working copy of 32 bytes is there, wiped with 42, and no word of the text is left beside it. What
+// that needs is a stack as the release has it: without optimisation a later call puts its frame over the
+// copy, and half a block, which the release keeps in a register, is a variable in memory, with the
+// sanitizers too.
+void expect_wiped_copy(const SearchableStack &stack) {
+  if (!zrvtest::optimized)
+    return;
+  EXPECT_TRUE(stack.holds(std::string(32, '*')));
+  if (!zrvtest::sanitized) {
     EXPECT_FALSE(stack.holds_part_of(secret_text, 4));
   }
 }
 
-// The working copy of 32 bytes is there, wiped with 42.
 TEST(ComEncTest, WorkingCopyIsWiped) {
   static Salt salt;
   static std::string text, hex(70, ' '), back(30, ' ');
@@ -411,8 +414,7 @@ TEST(ComEncTest, WorkingCopyIsWiped) {
       status = com_initialize_hex_strings(chars(salt), 8, text.data(), 30, hex.data(), &hexlen);
     });
     ASSERT_EQ(status, CS_SUCCEED);
-    EXPECT_TRUE(enciphering.holds(std::string(32, '*')));
-    expect_no_part_of_the_secret(enciphering);
+    expect_wiped_copy(enciphering);
 
     SearchableStack deciphering;
     deciphering.run([] {
@@ -420,8 +422,7 @@ TEST(ComEncTest, WorkingCopyIsWiped) {
     });
     ASSERT_EQ(status, CS_SUCCEED);
     ASSERT_EQ(back, secret_text);
-    EXPECT_TRUE(deciphering.holds(std::string(32, '*')));
-    expect_no_part_of_the_secret(deciphering);
+    expect_wiped_copy(deciphering);
   }
 }
 
@@ -434,8 +435,7 @@ TEST(ComEncTest, WorkingCopyOfAStringBlockIsWiped) {
     com_initialize_tds_strings(nullptr, text.data(), 30, salt.data(), 8, block.data(), &length);
   });
   ASSERT_EQ(length, 33);
-  EXPECT_TRUE(stack.holds(std::string(32, '*')));
-  expect_no_part_of_the_secret(stack);
+  expect_wiped_copy(stack);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // character set, the others in the built-in one.
 #include <cmath>
 
+#include "calendar.h"
 #include "character.h"
 #include "legacy.h"
 
@@ -191,8 +192,9 @@ CS_INT to_date(const Source &source, CS_BYTE *dest, char **months, char **shortm
   const int status =
       Parse(&value, chars(source.bytes), source.parsed_length, style,
             dateorder_id < 0 ? com__get_date_order_id() : dateorder_id,
-            months == nullptr ? com__get_months() : months,
-            shortmonths == nullptr ? com__get_shortmonths() : shortmonths, chatr, nullptr);
+            months == nullptr ? const_cast<char **>(own_Com__Months) : months,
+            shortmonths == nullptr ? const_cast<char **>(own_Com__Shortmonths) : shortmonths, chatr,
+            nullptr);
   if (status != 0)
     return status < 0 ? COM_OLD_SYNTAX : COM_OLD_OVERFLOW;
   comn::store(dest, value);

@@ -18,6 +18,7 @@
 COMN_DECLARE_TABLE(monthdays);
 COMN_DECLARE_TABLE(lmonthdays);
 COMN_DECLARE_TABLE(week_one_offset);
+COMN_DECLARE_TABLE(Com__Months);
 COMN_DECLARE_TABLE(Com__Shortmonths);
 COMN_DECLARE_TABLE(Com__ampm);
 

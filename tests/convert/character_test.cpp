@@ -726,6 +726,16 @@ TEST(TextToBinary, Record) {
 
 // ---- steps through text ----
 
+TEST(TextSteps, NullPointers) {
+  CS_BYTE bytes[] = "it's";
+  CS_CHAR text[] = "it's", room[8];
+  CS_DATAFMT format = make_format(CS_TYPE_CHAR, 4);
+  CS_INT length;
+  zrvtest::expect_null_checks("com_text.cpp", 0, comnb_truncate_chars, nullptr, bytes, 4, 2);
+  zrvtest::expect_null_checks("com_text.cpp", CS_FAIL, comn__escchar, text, &format, room, &format,
+                              &length, nullptr, '\'');
+}
+
 TEST(TextSteps, TruncateChars) {
   TextWorld world;
   CHAR_ATTRIB *const set = world.two_bytes.tables.get();

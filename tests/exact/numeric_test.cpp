@@ -980,12 +980,58 @@ TEST(ExctnumeOperations, MoreThan48BytesAreOverflow) {
 }
 
 TEST(ExctnumeOperations, NullPointers) {
+  using zrvtest::expect_null_checks;
   Descriptor v(3, 3, 0, "1");
-  __CONSTANT *c = v.get();
-  EXPECT_NULL_POINTER_CHECK("numeaux.cpp", 0, com__exctnume_cmp(nullptr, c, 0));
-  EXPECT_NULL_POINTER_CHECK("numeaux.cpp", NUME_OVERFLOW, com__exctnume_copy(c, nullptr));
-  EXPECT_NULL_POINTER_CHECK("numeaux.cpp", NUME_OVERFLOW, com__exctnume_scale(nullptr, c, 1, 0));
-  EXPECT_NULL_POINTER_CHECK("numemath.cpp", NUME_OVERFLOW, com__exctnume_mul(c, nullptr, c));
-  EXPECT_NULL_POINTER_CHECK("numemath.cpp", NUME_OVERFLOW,
-                            com__exctnume_div(c, c, nullptr, nullptr));
+  __CONSTANT *const c = v.get();
+  constexpr const char *aux = "numeaux.cpp", *convert = "numeaux_convert.cpp",
+                       *text = "numeaux_text.cpp", *math = "numemath.cpp";
+  expect_null_checks(aux, 0, com__exctnume_cmp, c, c, 0);
+  expect_null_checks(aux, 0, com__exctnume_intcmp, c, 0);
+  expect_null_checks(aux, NUME_OVERFLOW, com__exctnume_copy, c, c);
+  expect_null_checks(aux, NUME_OVERFLOW, com__exctnume_scale, c, nullptr, 1, 0);
+  expect_null_checks(aux, 0, com__exctnume_checkprecision, c);
+  CS_BYTE array[33] = {}, *bytes = array, *none = nullptr;
+  CS_INT length = 33;
+  expect_null_checks(aux, 0, com__exctnume_divby10, &bytes, &length);
+  EXPECT_NULL_POINTER_CHECK(aux, 0, com__exctnume_divby10(&none, &length));
+  expect_null_checks(aux, NUME_OVERFLOW, com__exctnume_mulby10_add, c, 1);
+  expect_null_checks(aux, NUME_OVERFLOW, com__exctnume_inc, c);
+  expect_null_checks(aux, NUME_OVERFLOW, com__exctnume_dec, c);
+  expect_null_checks(aux, 0, com__exctnume_needsbyte, c);
+
+  CS_BYTE precision = 5, scale = 0;
+  CS_CHAR digits[] = "1", room[80];
+  CS_FLOAT number;
+  CS_BIGINT bigint;
+  CS_UBIGINT ubigint;
+  CS_MONEY money = {};
+  expect_null_checks(convert, NUME_OVERFLOW, com__longtoexctnume, 1, array, 33, &precision, &scale);
+  expect_null_checks(convert, NUME_OVERFLOW, com__subexctnumetoflt8, c, &number);
+  expect_null_checks(convert, NUME_OVERFLOW, com__doubletoexctnume, 1.0, array, 33, &precision,
+                     &scale);
+  expect_null_checks(convert, NUME_OVERFLOW, com__subexctnumetolonglong, c, &bigint);
+  expect_null_checks(convert, NUME_OVERFLOW, com__subexctnumetoulonglong, c, &ubigint);
+  expect_null_checks(convert, 0, com__exctnumetomny8, c, &money);
+  expect_null_checks(convert, NUME_OVERFLOW, com__mny8toexctnume, &money, array, 33, &precision,
+                     &scale, 0);
+  expect_null_checks(text, NUME_OVERFLOW, com__subchartoexctnume, digits, 1, &bytes, &length,
+                     &precision, &scale, 0);
+  EXPECT_NULL_POINTER_CHECK(
+      text, NUME_OVERFLOW,
+      com__subchartoexctnume(digits, 1, &none, &length, &precision, &scale, 0));
+  expect_null_checks(text, -1, com__subexctnumetochar, c, room, 80);
+
+  expect_null_checks(math, NUME_OVERFLOW, com__exctnume_intadd, c, c, c);
+  expect_null_checks(math, NUME_OVERFLOW, com__exctnume_intsub, c, c, c);
+  expect_null_checks(math, NUME_OVERFLOW, com__exctnume_intmul, c, c, c);
+  expect_null_checks(math, NUME_OVERFLOW, com__exctnume_intdiv, c, c, c, c);
+  expect_null_checks(math, NUME_OVERFLOW, com__exctnume_addorsub, c, c, c, 0);
+  expect_null_checks(math, NUME_OVERFLOW, com__exctnume_mul, c, c, c);
+  expect_null_checks(math, NUME_OVERFLOW, com__exctnume_div, c, c, c, nullptr);
+  for (const auto body :
+       {+[](__CONSTANT *op, __CONSTANT *result) { com__exctnume_round(op, 0, result); },
+        +[](__CONSTANT *op, __CONSTANT *result) { com__exctnume_ceilingfloor(op, result, 0); }})
+    for (__CONSTANT *const op : {c, static_cast<__CONSTANT *>(nullptr)})
+      EXPECT_TRUE(zrvtest::is_null_pointer_report(
+          zrvtest::catch_check([&] { body(op, op != nullptr ? nullptr : c); }), math));
 }

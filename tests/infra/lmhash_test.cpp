@@ -126,6 +126,10 @@ TEST(KeyHash, Ranges) {
     EXPECT_EQ(lm__api_key_to_hash2(chars("abcd"), 4, range, &hash), CS_FAIL);
     EXPECT_EQ(hash, 0U);
   }
+  EXPECT_NULL_POINTER_CHECK("lmhash.cpp", CS_FAIL,
+                            lm__api_key_to_hash(chars("abcd"), 4, 10, nullptr));
+  EXPECT_NULL_POINTER_CHECK("lmhash.cpp", CS_FAIL,
+                            lm__api_key_to_hash2(chars("abcd"), 4, 10, nullptr));
   EXPECT_EQ(lm__api_key_to_hash(chars("abcd"), 4, 10, &hash), CS_SUCCEED);
   EXPECT_EQ(hash, 0x61626364U % 10);
   EXPECT_EQ(lm__api_key_to_hash2(chars("abcd"), 4, 10, &hash), CS_SUCCEED);

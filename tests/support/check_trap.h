@@ -65,7 +65,11 @@ bool is_assertion_report(const CheckReport &report, const std::string &file);
 } // namespace zrvtest
 
 #include <cstdio>
+#include <tuple>
+#include <type_traits>
 #include <utility>
+
+#include <gtest/gtest.h>
 
 template <class Body>
 std::string zrvtest::capture_stdout(Body &&body) {
@@ -91,5 +95,35 @@ std::string zrvtest::capture_stdout(Body &&body) {
     EXPECT_TRUE(zrvtest::is_assertion_report(zrvtest_report, file)) << zrvtest_report.text;        \
     EXPECT_EQ(zrvtest_result, result);                                                             \
   } while (0)
+
+namespace zrvtest {
+
+// Calls a function with each of its pointers null in turn, but for those that are null here already: each
+// time the null-pointer check of `file` must be the one that runs, and `result` must come back.
+template <class Result, class... Parameters>
+void expect_null_checks(const char *file, std::type_identity_t<Result> result,
+                        Result (*function)(Parameters...),
+                        std::type_identity_t<Parameters>... arguments) {
+  const std::tuple<Parameters...> given(arguments...);
+  size_t tried = 0;
+  const auto with_null = [&]<size_t Place>(std::integral_constant<size_t, Place>) {
+    if constexpr (std::is_pointer_v<std::tuple_element_t<Place, std::tuple<Parameters...>>>) {
+      auto changed = given;
+      if (std::get<Place>(changed) == nullptr)
+        return;
+      std::get<Place>(changed) = nullptr;
+      SCOPED_TRACE("argument " + std::to_string(Place + 1));
+      EXPECT_NULL_POINTER_CHECK(file, result, std::apply(function, changed));
+      ++tried;
+    }
+  };
+  [&]<size_t... Places>(std::index_sequence<Places...>) {
+    (with_null(std::integral_constant<size_t, Places>{}), ...);
+  }
+  (std::index_sequence_for<Parameters...>{});
+  EXPECT_GT(tried, 0U);
+}
+
+} // namespace zrvtest
 
 #endif

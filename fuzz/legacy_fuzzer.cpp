@@ -49,8 +49,9 @@ struct Input {
 
 void check(const zrvtest::LegacyMember &member, const Input &input) {
   std::string source = input.source;
-  // The oldest spelling takes every negative room for no limit.
-  const CS_INT destlen = member.spelled_with_digit ? std::max(input.destlen, -1) : input.destlen;
+  // Dates as text take every negative room for no limit.
+  const bool is_date_text = member.source.starts_with("date") && member.is_to_text();
+  const CS_INT destlen = is_date_text ? std::max(input.destlen, -1) : input.destlen;
   const unsigned choice = input.choice;
   auto srclen = static_cast<CS_INT>(source.size());
   if (const CS_INT width = member.source_width(); width != 0) {

@@ -387,8 +387,8 @@ TEST(ComEncTest, SearchFindsACopyThatIsLeft) {
 
 // The working copy of 32 bytes is there, wiped with 42, and no word of the text is left beside it. What
 // that needs is a stack as the release has it: without optimisation a later call puts its frame over the
-// copy, and half a block, which the release keeps in a register, is a variable in memory, with the
-// sanitizers too.
+// copy, and the halves of a block, which the release keeps in registers, are variables in memory, with
+// the sanitizers too. (A program that is bound lazily saves the register of a memcpy beside them.)
 void expect_wiped_copy(const SearchableStack &stack) {
   if (!zrvtest::optimized)
     return;

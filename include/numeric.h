@@ -401,10 +401,10 @@ ZRV_PRIVATE int com__mnyshift(CS_MONEY *m1, CS_INT value) ZRV_NOEXCEPT;
 /*
  * Text to money. In front of the number stand one sign, one currency symbol (CS_LEX_CURRENCY) and
  * blanks, each at most once but for the blanks, in any order; behind it white space alone. The number
- * is digits with a point; its first comma follows none to three digits, or seven, each later one
- * follows three, and three digits or more follow the last one, whatever part of the number they
- * belong to. The fifth decimal alone rounds, half away from zero. Nothing, or nothing but blanks, is
- * zero.
+ * is digits with a point; its first comma follows none to three digits, or seven, and each later one
+ * three, also in the fraction. Fewer than three digits between the last comma and the point, or the
+ * end, are refused. The fifth decimal alone rounds, half away from zero. Nothing, or nothing but
+ * blanks, is zero.
  *
  * mp, m4p  out  the value; after a failure of com__mnyfromchar_mb the digits that had been read, as a
  *               count; com__mny4fromchar_mb writes the nearest value when the number is a CS_MONEY,

@@ -15,6 +15,7 @@ constexpr CS_UINT word = sizeof(void *);
 
 // What a pool takes of the memory that its user brings: its head and its handle.
 constexpr CS_INT pool_overhead = sizeof(MmPoolHead) + sizeof(MM_HANDLE);
+static_assert(sizeof(void *) != 4 || pool_overhead == 156);
 
 // Where the first block of a region begins, and the length of a region that has no room for it.
 constexpr CS_UINT region_overhead = sizeof(MmHeap);

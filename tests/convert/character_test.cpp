@@ -17,7 +17,9 @@
 #include "test_scale.h"
 #include "text_to_text_reference.h"
 #include "text_world.h"
+#include "value_bytes.h"
 
+using zrvtest::bytes_of;
 using zrvtest::chars;
 using zrvtest::FromText;
 using zrvtest::GuardedBuffer;
@@ -47,10 +49,6 @@ constexpr CS_INT N = CS_DFMT_NULLTERM, P = CS_DFMT_PADNULL, B = CS_DFMT_PADBLANK
                  Q = CS_DFMT_ESCQUOTE;
 constexpr CS_RETCODE OK = CS_SUCCEED, OV = CS_CONV_OVERFLOW, UN = CS_CONV_UNDERFLOW,
                      SY = CS_CONV_SYNTAX, TR = CS_CONV_TRUNCATED;
-
-std::string bytes_of(double value) {
-  return {reinterpret_cast<const char *>(&value), sizeof value};
-}
 
 const double infinite = std::numeric_limits<double>::infinity();
 

@@ -6,7 +6,9 @@
 #include "guarded_buffer.h"
 #include "pad_reference.h"
 #include "text_world.h"
+#include "value_bytes.h"
 
+using zrvtest::bytes_of;
 using zrvtest::Conversion;
 using zrvtest::GuardedBuffer;
 using zrvtest::make_format;
@@ -24,11 +26,6 @@ struct Source {
   CS_CONV_FUNC to_text, to_varchar;
   const char *text; // in style 0
 };
-
-template <class Value>
-std::string bytes_of(Value value) {
-  return {reinterpret_cast<const char *>(&value), sizeof value};
-}
 
 constexpr CS_INT ticks = (13 * 3600 + 30 * 60 + 2) * 300;
 constexpr CS_UBIGINT microseconds = CS_UBIGINT{13 * 3600 + 30 * 60 + 2} * 1'000'000;

@@ -8,6 +8,7 @@
 #include "zrvcomn/datetime.h"
 #include "zrvcomn/numeric.h"
 
+using zrvtest::bytes_of;
 using zrvtest::check_rooms;
 using zrvtest::GuardedBuffer;
 using zrvtest::legacy_member;
@@ -16,7 +17,6 @@ using zrvtest::LegacyOptions;
 using zrvtest::record_of;
 using zrvtest::run_member;
 using zrvtest::Shaped;
-using zrvtest::value_bytes_of;
 using namespace std::string_literals;
 
 namespace {
@@ -27,10 +27,10 @@ constexpr CS_INT overflow = -1, underflow = -2, syntax = -3, domain = -6, bad_pr
 const std::string untouched_date(8, static_cast<char>(GuardedBuffer::filler));
 
 // 2001-01-05 13:30:15.123
-const std::string date = value_bytes_of(CS_DATETIME{36894, 14584537});
+const std::string date = bytes_of(CS_DATETIME{36894, 14584537});
 const std::string date_text = "Jan  5 2001  1:30:15:123PM";
 // 2001-01-05 13:30
-const std::string date4 = value_bytes_of(CS_DATETIME4{36894, 810});
+const std::string date4 = bytes_of(CS_DATETIME4{36894, 810});
 const std::string date4_text = "Jan  5 2001  1:30:00:000PM";
 
 CS_CHAR *names[12];
@@ -69,7 +69,7 @@ TEST(LegacyDate, NamesAndStyles) {
   EXPECT_EQ(run_member(legacy_member("date4", "string"), date4, 4, 31, 31, options),
             (Shaped{30, "Janvier  5 2001  1:30:00:000PM\0"s}));
   // February has no name: the result of the formatter, nothing written.
-  const std::string february = value_bytes_of(CS_DATETIME{36925, 0});
+  const std::string february = bytes_of(CS_DATETIME{36925, 0});
   for (const char *shape : zrvtest::text_shapes) {
     LegacyMember member = legacy_member("date", shape);
     GuardedBuffer dest(64);
@@ -87,17 +87,16 @@ TEST(LegacyDate, Values) {
   for (const char *destination : {"datetime", "date"}) {
     EXPECT_EQ(run_member(legacy_member("date", destination), date, 8, 0, 8), (Shaped{8, date}));
     EXPECT_EQ(run_member(legacy_member("date4", destination), date4, 4, 0, 8),
-              (Shaped{8, value_bytes_of(CS_DATETIME{36894, 14580000})}));
+              (Shaped{8, bytes_of(CS_DATETIME{36894, 14580000})}));
   }
   EXPECT_EQ(run_member(legacy_member("date", "date4"), date, 8, 0, 4), (Shaped{4, date4}));
   EXPECT_EQ(run_member(legacy_member("date4", "date4"), date4, 4, 0, 4), (Shaped{4, date4}));
   const auto narrow = [](CS_INT days, CS_INT ticks) {
-    return run_member(legacy_member("date", "date4"), value_bytes_of(CS_DATETIME{days, ticks}), 8,
-                      0, 4);
+    return run_member(legacy_member("date", "date4"), bytes_of(CS_DATETIME{days, ticks}), 8, 0, 4);
   };
   const Shaped refused = {overflow, untouched_date.substr(0, 4)};
   EXPECT_EQ(narrow(-1, 25919999).result, overflow);
-  EXPECT_EQ(narrow(0, 0), (Shaped{4, value_bytes_of(CS_DATETIME4{0, 0})}));
+  EXPECT_EQ(narrow(0, 0), (Shaped{4, bytes_of(CS_DATETIME4{0, 0})}));
   EXPECT_EQ(narrow(65535, 25910999 - 9000 + 8999).result, 4);
   EXPECT_EQ(narrow(65535, 25911000 + 8999), refused);
   EXPECT_EQ(narrow(65536, 0), refused);
@@ -124,7 +123,7 @@ TEST(LegacyDate, FromText) {
   for (const char *destination : {"datetime", "date"})
     EXPECT_EQ(read(destination, "Jan 5 2001 13:30:15:123", 8), (Shaped{8, date}));
   EXPECT_EQ(read("date4", "january 5 2001 1:30PM", 4), (Shaped{4, date4}));
-  EXPECT_EQ(read("datetime", "  ", 8), (Shaped{8, value_bytes_of(CS_DATETIME{})}));
+  EXPECT_EQ(read("datetime", "  ", 8), (Shaped{8, bytes_of(CS_DATETIME{})}));
   // What fails leaves the destination alone.
   EXPECT_EQ(read("datetime", "nonsense", 8), (Shaped{syntax, untouched_date}));
   EXPECT_EQ(read("datetime", "1/5/1752", 8), (Shaped{overflow, untouched_date}));
@@ -133,14 +132,11 @@ TEST(LegacyDate, FromText) {
   EXPECT_EQ(read("date4", "6/6/2079", 4).result, 4);
   // The order: month first unless the caller says otherwise.
   LegacyOptions options;
-  EXPECT_EQ(read("datetime", "1/5/01", 8, options),
-            (Shaped{8, value_bytes_of(CS_DATETIME{36894, 0})}));
+  EXPECT_EQ(read("datetime", "1/5/01", 8, options), (Shaped{8, bytes_of(CS_DATETIME{36894, 0})}));
   options.dateorder_id = 2;
-  EXPECT_EQ(read("datetime", "5/1/01", 8, options),
-            (Shaped{8, value_bytes_of(CS_DATETIME{36894, 0})}));
+  EXPECT_EQ(read("datetime", "5/1/01", 8, options), (Shaped{8, bytes_of(CS_DATETIME{36894, 0})}));
   options.dateorder_id = -99;
-  EXPECT_EQ(read("datetime", "1/5/01", 8, options),
-            (Shaped{8, value_bytes_of(CS_DATETIME{36894, 0})}));
+  EXPECT_EQ(read("datetime", "1/5/01", 8, options), (Shaped{8, bytes_of(CS_DATETIME{36894, 0})}));
   // Names of the caller's, the long and the short ones on their own.
   std::string full[12], brief[12];
   char *months[12], *shortmonths[12];
@@ -178,13 +174,13 @@ const std::string from_sources[] = {"i1", "i2", "i4", "flt4", "flt8", "money", "
 
 std::string sample(const std::string &source) {
   if (source == "flt4")
-    return value_bytes_of(7.0F);
+    return bytes_of(7.0F);
   if (source == "flt8")
-    return value_bytes_of(7.0);
+    return bytes_of(7.0);
   if (source == "money")
-    return value_bytes_of(CS_MONEY{0, 70000});
+    return bytes_of(CS_MONEY{0, 70000});
   if (source == "mny4")
-    return value_bytes_of(CS_MONEY4{70000});
+    return bytes_of(CS_MONEY4{70000});
   if (source == "bit")
     return "\1";
   return "\7\0\0\0"s.substr(0, source == "i1" ? 1 : source == "i2" ? 2 : 4);
@@ -293,12 +289,12 @@ TEST(LegacyNumeric, ToFixedTypes) {
   EXPECT_EQ(run("i4", negative, 4), (Shaped{4, "\xF9\xFF\xFF\xFF"}));
   EXPECT_EQ(run("i4", large, 4), (Shaped{overflow, "\xFF\xFF\xFF\x7F"}));
   EXPECT_EQ(run("bit", seven, 1), (Shaped{1, "\1"}));
-  EXPECT_EQ(run("flt4", negative, 4), (Shaped{4, value_bytes_of(-7.0F)}));
-  EXPECT_EQ(run("flt8", large, 8), (Shaped{8, value_bytes_of(1e10)}));
-  EXPECT_EQ(run("money", seven, 8), (Shaped{8, value_bytes_of(CS_MONEY{0, 70000})}));
-  EXPECT_EQ(run("mny", seven, 8), (Shaped{8, value_bytes_of(CS_MONEY{0, 70000})}));
-  EXPECT_EQ(run("mny4", negative, 4), (Shaped{4, value_bytes_of(CS_INT{-70000})}));
-  EXPECT_EQ(run("mny4", large, 4), (Shaped{overflow, value_bytes_of(CS_INT{2147483647})}));
+  EXPECT_EQ(run("flt4", negative, 4), (Shaped{4, bytes_of(-7.0F)}));
+  EXPECT_EQ(run("flt8", large, 8), (Shaped{8, bytes_of(1e10)}));
+  EXPECT_EQ(run("money", seven, 8), (Shaped{8, bytes_of(CS_MONEY{0, 70000})}));
+  EXPECT_EQ(run("mny", seven, 8), (Shaped{8, bytes_of(CS_MONEY{0, 70000})}));
+  EXPECT_EQ(run("mny4", negative, 4), (Shaped{4, bytes_of(CS_INT{-70000})}));
+  EXPECT_EQ(run("mny4", large, 4), (Shaped{overflow, bytes_of(CS_INT{2147483647})}));
   EXPECT_EQ(run("i4", numeric(78, 0, ""), 4).result, domain);
 }
 

@@ -177,6 +177,7 @@ TEST(LegacyServices, Padding) {
   EXPECT_EQ(padded(4, 3), "\xA5\xA5\xA5\0"s);
   EXPECT_EQ(padded(4, 9), "\xA5\xA5\xA5\0"s);
   EXPECT_EQ(padded(1, 0), "\0\xA5\xA5\xA5"s);
+  EXPECT_EQ(padded(1, 2), "\0\xA5\xA5\xA5"s);
   EXPECT_EQ(padded(0, 2), "\xA5\xA5\0\xA5"s);
   EXPECT_EQ(padded(-1, 0), "\0\xA5\xA5\xA5"s);
   EXPECT_EQ(padded(std::numeric_limits<CS_INT>::min(), 2), "\xA5\xA5\0\xA5"s);

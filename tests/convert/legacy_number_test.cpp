@@ -7,6 +7,7 @@
 #include "legacy_shapes_check.h"
 #include "zrvcomn/numeric.h"
 
+using zrvtest::bytes_of;
 using zrvtest::check_number_text;
 using zrvtest::check_rooms;
 using zrvtest::convert_to;
@@ -18,7 +19,6 @@ using zrvtest::LegacyOptions;
 using zrvtest::record_of;
 using zrvtest::run_member;
 using zrvtest::Shaped;
-using zrvtest::value_bytes_of;
 using namespace std::string_literals;
 
 namespace {
@@ -26,7 +26,7 @@ namespace {
 constexpr CS_INT overflow = -1, underflow = -2, domain = -6;
 
 std::string money(long long count) {
-  return value_bytes_of(CS_MONEY{static_cast<CS_INT>(count >> 32), static_cast<CS_UINT>(count)});
+  return bytes_of(CS_MONEY{static_cast<CS_INT>(count >> 32), static_cast<CS_UINT>(count)});
 }
 
 long long count_of(CS_MONEY value) {
@@ -34,7 +34,7 @@ long long count_of(CS_MONEY value) {
 }
 
 std::string mny4(CS_INT count) {
-  return value_bytes_of(CS_MONEY4{count});
+  return bytes_of(CS_MONEY4{count});
 }
 
 } // namespace
@@ -43,7 +43,7 @@ std::string mny4(CS_INT count) {
 
 TEST(LegacyInteger, NarrowingKeepsTheNearestValue) {
   const auto to_i1 = [](auto value, const char *source) {
-    return convert_to<CS_TINYINT>(legacy_member(source, "i1"), value_bytes_of(value));
+    return convert_to<CS_TINYINT>(legacy_member(source, "i1"), bytes_of(value));
   };
   using I1 = Fixed<CS_TINYINT>;
   // Deliberate: below zero is an overflow of the tiny integer, not an underflow.
@@ -56,7 +56,7 @@ TEST(LegacyInteger, NarrowingKeepsTheNearestValue) {
   EXPECT_EQ(to_i1(255, "i4"), (I1{1, 255}));
   EXPECT_EQ(to_i1(256, "i4"), (I1{overflow, 255}));
   const auto to_i2 = [](CS_INT value) {
-    return convert_to<CS_SMALLINT>(legacy_member("i4", "i2"), value_bytes_of(value));
+    return convert_to<CS_SMALLINT>(legacy_member("i4", "i2"), bytes_of(value));
   };
   using I2 = Fixed<CS_SMALLINT>;
   // Deliberate: an underflow here, where the matrix has an overflow.
@@ -71,16 +71,16 @@ TEST(LegacyInteger, WideningAndCopying) {
             (Fixed<CS_SMALLINT>{2, 255}));
   EXPECT_EQ(convert_to<CS_INT>(legacy_member("i1", "i4"), "\xFF"), (Fixed<CS_INT>{4, 255}));
   EXPECT_EQ(convert_to<CS_TINYINT>(legacy_member("i1", "i1"), "\xFF"), (Fixed<CS_TINYINT>{1, 255}));
-  EXPECT_EQ(convert_to<CS_INT>(legacy_member("i2", "i4"), value_bytes_of(CS_SMALLINT{-2})),
+  EXPECT_EQ(convert_to<CS_INT>(legacy_member("i2", "i4"), bytes_of(CS_SMALLINT{-2})),
             (Fixed<CS_INT>{4, -2}));
-  EXPECT_EQ(convert_to<CS_SMALLINT>(legacy_member("i2", "i2"), value_bytes_of(CS_SMALLINT{-2})),
+  EXPECT_EQ(convert_to<CS_SMALLINT>(legacy_member("i2", "i2"), bytes_of(CS_SMALLINT{-2})),
             (Fixed<CS_SMALLINT>{2, -2}));
-  EXPECT_EQ(convert_to<CS_INT>(legacy_member("i4", "i4"), value_bytes_of(CS_INT{-2})),
+  EXPECT_EQ(convert_to<CS_INT>(legacy_member("i4", "i4"), bytes_of(CS_INT{-2})),
             (Fixed<CS_INT>{4, -2}));
 }
 
 TEST(LegacyInteger, ToFloatsBitsAndMoney) {
-  const std::string i4 = value_bytes_of(CS_INT{-16777217});
+  const std::string i4 = bytes_of(CS_INT{-16777217});
   EXPECT_EQ(convert_to<CS_REAL>(legacy_member("i4", "flt4"), i4),
             (Fixed<CS_REAL>{4, -16777216.0F}));
   EXPECT_EQ(convert_to<CS_FLOAT>(legacy_member("i4", "flt8"), i4),
@@ -96,25 +96,24 @@ TEST(LegacyInteger, ToFloatsBitsAndMoney) {
   }
   const LegacyMember to_mny4 = legacy_member("i4", "mny4");
   using M4 = Fixed<CS_INT>;
-  EXPECT_EQ(convert_to<CS_INT>(to_mny4, value_bytes_of(CS_INT{214748})), (M4{4, 2147480000}));
-  EXPECT_EQ(convert_to<CS_INT>(to_mny4, value_bytes_of(CS_INT{214749})),
-            (M4{overflow, 2147483647}));
-  EXPECT_EQ(convert_to<CS_INT>(to_mny4, value_bytes_of(CS_INT{-214749})),
+  EXPECT_EQ(convert_to<CS_INT>(to_mny4, bytes_of(CS_INT{214748})), (M4{4, 2147480000}));
+  EXPECT_EQ(convert_to<CS_INT>(to_mny4, bytes_of(CS_INT{214749})), (M4{overflow, 2147483647}));
+  EXPECT_EQ(convert_to<CS_INT>(to_mny4, bytes_of(CS_INT{-214749})),
             (M4{overflow, -2147483647 - 1}));
 }
 
 TEST(LegacyInteger, TextIsWholeOrAStar) {
   for (const CS_INT value : {0, 7, -7, 99, 12345, -12345, std::numeric_limits<CS_INT>::max(),
                              std::numeric_limits<CS_INT>::min()})
-    check_number_text("i4", value_bytes_of(value), std::to_string(value));
+    check_number_text("i4", bytes_of(value), std::to_string(value));
   for (const CS_SMALLINT value : {CS_SMALLINT{-32768}, CS_SMALLINT{32767}})
-    check_number_text("i2", value_bytes_of(value), std::to_string(value));
+    check_number_text("i2", bytes_of(value), std::to_string(value));
   for (const CS_TINYINT value : {CS_TINYINT{0}, CS_TINYINT{200}})
-    check_number_text("i1", value_bytes_of(value), std::to_string(value));
+    check_number_text("i1", bytes_of(value), std::to_string(value));
 }
 
 TEST(LegacyInteger, TextInEachShape) {
-  const std::string value = value_bytes_of(CS_INT{42});
+  const std::string value = bytes_of(CS_INT{42});
   EXPECT_EQ(run_member(legacy_member("i4", "char"), value, 4, 5, 5), (Shaped{2, "42   "}));
   EXPECT_EQ(run_member(legacy_member("i4", "string"), value, 4, 5, 5), (Shaped{2, "42  \0"s}));
   EXPECT_EQ(run_member(legacy_member("i4", "ntbstring"), value, 4, 5, 5),
@@ -174,7 +173,7 @@ TEST(LegacyBit, OthersAreRefused) {
 
 TEST(LegacyFloat, ToIntegersAsTheMatrix) {
   const auto flt8 = [](const char *destination, CS_FLOAT value) {
-    return convert_to<CS_INT>(legacy_member("flt8", destination), value_bytes_of(value));
+    return convert_to<CS_INT>(legacy_member("flt8", destination), bytes_of(value));
   };
   using I4 = Fixed<CS_INT>;
   constexpr CS_INT max = std::numeric_limits<CS_INT>::max(), min = -max - 1;
@@ -183,28 +182,28 @@ TEST(LegacyFloat, ToIntegersAsTheMatrix) {
   EXPECT_EQ(flt8("i4", -2147483648.0), (I4{4, min}));
   EXPECT_EQ(flt8("i4", -2147483648.5), (I4{overflow, min}));
   EXPECT_EQ(flt8("i4", -1.9), (I4{4, -1}));
-  EXPECT_EQ(convert_to<CS_SMALLINT>(legacy_member("flt4", "i2"), value_bytes_of(-32769.0F)),
+  EXPECT_EQ(convert_to<CS_SMALLINT>(legacy_member("flt4", "i2"), bytes_of(-32769.0F)),
             (Fixed<CS_SMALLINT>{overflow, -32768}));
-  EXPECT_EQ(convert_to<CS_SMALLINT>(legacy_member("flt4", "i2"), value_bytes_of(32767.0F)),
+  EXPECT_EQ(convert_to<CS_SMALLINT>(legacy_member("flt4", "i2"), bytes_of(32767.0F)),
             (Fixed<CS_SMALLINT>{2, 32767}));
-  EXPECT_EQ(convert_to<CS_TINYINT>(legacy_member("flt4", "i1"), value_bytes_of(255.5F)),
+  EXPECT_EQ(convert_to<CS_TINYINT>(legacy_member("flt4", "i1"), bytes_of(255.5F)),
             (Fixed<CS_TINYINT>{overflow, 255}));
-  EXPECT_EQ(convert_to<CS_BIT>(legacy_member("flt4", "bit"), value_bytes_of(0.25F)),
+  EXPECT_EQ(convert_to<CS_BIT>(legacy_member("flt4", "bit"), bytes_of(0.25F)),
             (Fixed<CS_BIT>{1, 1}));
-  EXPECT_EQ(convert_to<CS_REAL>(legacy_member("flt8", "flt4"), value_bytes_of(1e39)),
+  EXPECT_EQ(convert_to<CS_REAL>(legacy_member("flt8", "flt4"), bytes_of(1e39)),
             (Fixed<CS_REAL>{overflow, std::numeric_limits<CS_REAL>::max()}));
-  EXPECT_EQ(convert_to<CS_FLOAT>(legacy_member("flt4", "flt8"), value_bytes_of(0.1F)),
+  EXPECT_EQ(convert_to<CS_FLOAT>(legacy_member("flt4", "flt8"), bytes_of(0.1F)),
             (Fixed<CS_FLOAT>{8, static_cast<CS_FLOAT>(0.1F)}));
   EXPECT_EQ(flt8("mny4", 214748.3647), (I4{4, max}));
   // Deliberate: money that does not fit is zero.
   EXPECT_EQ(flt8("mny4", 214748.3648), (I4{overflow, 0}));
-  EXPECT_EQ(convert_to<long long>(legacy_member("flt8", "money"), value_bytes_of(1e300)),
+  EXPECT_EQ(convert_to<long long>(legacy_member("flt8", "money"), bytes_of(1e300)),
             (Fixed<long long>{overflow, 0}));
 }
 
 TEST(LegacyFloat, Text) {
   const auto check = [](CS_FLOAT value, const char *text) {
-    check_number_text("flt8", value_bytes_of(value), text);
+    check_number_text("flt8", bytes_of(value), text);
   };
   check(1.0, "1.0");
   check(0.5, ".5");
@@ -216,16 +215,16 @@ TEST(LegacyFloat, Text) {
   check(0.1, ".10000000000000001");
   check(1234.5, "1234.5");
   // A single prints the digits of the double that it widens to.
-  check_number_text("flt4", value_bytes_of(0.1F), ".10000000149011612");
-  check_number_text("flt4", value_bytes_of(3.0F), "3.0");
-  check_number_text("flt4", value_bytes_of(-0.0F), "-0.0");
+  check_number_text("flt4", bytes_of(0.1F), ".10000000149011612");
+  check_number_text("flt4", bytes_of(3.0F), "3.0");
+  check_number_text("flt4", bytes_of(-0.0F), "-0.0");
 }
 
 TEST(LegacyFloat, TextInAFormatOfTheCaller) {
   const auto check = [](CS_FLOAT value, std::string format, const std::string &text) {
     LegacyOptions options;
     options.fltfmt = format.data();
-    check_number_text("flt8", value_bytes_of(value), text, options);
+    check_number_text("flt8", bytes_of(value), text, options);
   };
   check(1.0, "%g", "1"); // nothing is added
   check(0.5, "%g", ".5");
@@ -250,7 +249,7 @@ TEST(LegacyFloat, TextInAFormatOfTheCaller) {
 }
 
 TEST(LegacyFloat, TextLongerThanItsBuffer) {
-  const std::string value = value_bytes_of(1e300);
+  const std::string value = bytes_of(1e300);
   LegacyOptions options;
   std::string format = "%.0f";
   options.fltfmt = format.data(); // 301 digits
@@ -277,18 +276,18 @@ TEST(LegacyFloat, TextKnowsNoLocale) {
   std::string format = "%.2f";
   LegacyOptions options;
   options.fltfmt = format.data();
-  check_number_text("flt8", value_bytes_of(1.5), "1.50", options);
-  check_number_text("flt8", value_bytes_of(0.5), ".50", options);
-  check_number_text("flt8", value_bytes_of(1.5), "1.5");
+  check_number_text("flt8", bytes_of(1.5), "1.50", options);
+  check_number_text("flt8", bytes_of(0.5), ".50", options);
+  check_number_text("flt8", bytes_of(1.5), "1.5");
   // What stands around the number stays as it is.
   for (const auto &[text, expected] : {std::pair{"a,b %.1f,c", "a,b 1.5,c"}, {"%.0f,c", "2,c"}}) {
     format = text;
     options.fltfmt = format.data();
-    check_number_text("flt8", value_bytes_of(1.5), expected, options);
+    check_number_text("flt8", bytes_of(1.5), expected, options);
   }
   format = "%d"; // is not used
   options.fltfmt = format.data();
-  check_number_text("flt8", value_bytes_of(1.5), "1.5", options);
+  check_number_text("flt8", bytes_of(1.5), "1.5", options);
 }
 
 // ---- money ----

@@ -5,6 +5,7 @@
 #include "guarded_buffer.h"
 #include "legacy_members.h"
 #include "legacy_shapes.h"
+#include "value_bytes.h"
 
 namespace zrvtest {
 
@@ -40,11 +41,6 @@ inline void check_number_text(const std::string &source, const std::string &valu
         legacy_member(source, shape), value, static_cast<CS_INT>(value.size()), text.size() + 1,
         [&](const std::string &as, CS_INT destlen) { return shape_text(as, text, destlen, true); },
         options);
-}
-
-template <class Value>
-std::string value_bytes_of(Value value) {
-  return std::string(reinterpret_cast<const char *>(&value), sizeof value);
 }
 
 inline std::string record_of(const std::string &bytes) {

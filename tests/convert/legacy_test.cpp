@@ -10,7 +10,9 @@
 #include "check_trap.h"
 #include "guarded_buffer.h"
 #include "legacy_members.h"
+#include "value_bytes.h"
 
+using zrvtest::bytes_of;
 using zrvtest::GuardedBuffer;
 using zrvtest::LegacyMember;
 using zrvtest::LegacyOptions;
@@ -24,11 +26,6 @@ const std::vector<LegacyMember> members = zrvtest::legacy_members();
 std::string record(const std::string &bytes) {
   const auto length = static_cast<CS_SMALLINT>(bytes.size());
   return std::string(reinterpret_cast<const char *>(&length), sizeof length) + bytes;
-}
-
-template <class Value>
-std::string bytes_of(Value value) {
-  return std::string(reinterpret_cast<const char *>(&value), sizeof value);
 }
 
 std::string money(long long count) {

@@ -92,6 +92,7 @@ TEST(LegacyText, Bits) {
   EXPECT_EQ(read<CS_BIT>("bit", "000"), (Bit{1, 0}));
   EXPECT_EQ(read<CS_BIT>("bit", "1  "), (Bit{1, 1}));
   EXPECT_EQ(read<CS_BIT>("bit", "   "), (Bit{1, 0}));
+  EXPECT_EQ(read<CS_BIT>("bit", ""), (Bit{1, 0}));
   // Deliberate: blanks in front are no digits.
   for (const char *text : {" 1", "-1", "1x", "x1", "+0", "0\t", "1.0"})
     EXPECT_EQ(read<CS_BIT>("bit", text), (Bit{syntax, untouched<CS_BIT>()})) << text;
@@ -303,16 +304,15 @@ TEST(LegacyText, CharacterSets) {
     EXPECT_EQ(run("i2", spell("513"), 2), (Shaped{2, "\1\2"}));
     EXPECT_EQ(run("i2", spell("1x"), 2).result, syntax);
     EXPECT_EQ(run("i4", spell(" 305419896"), 4), (Shaped{4, "\x78\x56\x34\x12"}));
-    EXPECT_EQ(run("flt4", spell("1.5"), 4), (Shaped{4, zrvtest::value_bytes_of(1.5F)}));
-    EXPECT_EQ(run("flt8", spell("15e-1"), 8), (Shaped{8, zrvtest::value_bytes_of(1.5)}));
+    EXPECT_EQ(run("flt4", spell("1.5"), 4), (Shaped{4, zrvtest::bytes_of(1.5F)}));
+    EXPECT_EQ(run("flt8", spell("15e-1"), 8), (Shaped{8, zrvtest::bytes_of(1.5)}));
     EXPECT_EQ(run("flt8", spell("1x"), 8).result, syntax);
-    EXPECT_EQ(run("mny4", spell("1.5"), 4), (Shaped{4, zrvtest::value_bytes_of(CS_INT{15000})}));
-    EXPECT_EQ(run("money", spell("1.5"), 8),
-              (Shaped{8, zrvtest::value_bytes_of(CS_MONEY{0, 15000})}));
+    EXPECT_EQ(run("mny4", spell("1.5"), 4), (Shaped{4, zrvtest::bytes_of(CS_INT{15000})}));
+    EXPECT_EQ(run("money", spell("1.5"), 8), (Shaped{8, zrvtest::bytes_of(CS_MONEY{0, 15000})}));
     EXPECT_EQ(run("datetime", spell("1/2/1900 00:01"), 8),
-              (Shaped{8, zrvtest::value_bytes_of(CS_DATETIME{1, 18000})}));
+              (Shaped{8, zrvtest::bytes_of(CS_DATETIME{1, 18000})}));
     EXPECT_EQ(run("date4", spell("1/2/1900 00:01"), 4),
-              (Shaped{4, zrvtest::value_bytes_of(CS_DATETIME4{1, 1})}));
+              (Shaped{4, zrvtest::bytes_of(CS_DATETIME4{1, 1})}));
     const std::string digits = spell("12.5");
     const auto length = static_cast<CS_INT>(digits.size());
     std::string number = "\x12\4\0\0\0\0\0\0\0\1\xE8\x48"s; // 125000

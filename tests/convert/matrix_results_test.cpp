@@ -14,20 +14,15 @@
 #include "guarded_buffer.h"
 #include "test_context.h"
 #include "text_world.h"
+#include "value_bytes.h"
 #include "zrvintl.h"
 
+using zrvtest::bytes_of;
 using zrvtest::GuardedBuffer;
 using zrvtest::make_format;
 using namespace std::string_literals;
 
 namespace {
-
-template <class... Values>
-std::string bytes_of(Values... values) {
-  std::string bytes;
-  (bytes.append(reinterpret_cast<const char *>(&values), sizeof values), ...);
-  return bytes;
-}
 
 std::string record_of(const std::string &bytes) {
   std::string record = bytes_of(static_cast<CS_SMALLINT>(bytes.size())) + bytes;

@@ -10,7 +10,9 @@
 #include "guarded_buffer.h"
 #include "numeric_operands.h"
 #include "pad_reference.h"
+#include "value_bytes.h"
 
+using zrvtest::bytes_of;
 using zrvtest::Conversion;
 using zrvtest::Decimal;
 using zrvtest::GuardedBuffer;
@@ -67,11 +69,6 @@ const Member &member(CS_INT source, const std::string &destination) {
 
 const char *unit_of(const Member &member) {
   return member.source == CS_TYPE_MONEY ? "com_mony.cpp" : "com_mny4.cpp";
-}
-
-template <class T>
-std::string bytes_of(const T &value) {
-  return {reinterpret_cast<const char *>(&value), sizeof value};
 }
 
 bool fits(CS_INT type, int64_t count) {

@@ -14,8 +14,10 @@
 #include "pad_reference.h"
 #include "text_world.h"
 #include "traced_exit.h"
+#include "value_bytes.h"
 
 using zrvtest::AllocationProbe;
+using zrvtest::bytes_of;
 using zrvtest::Conversion;
 using zrvtest::GuardedBuffer;
 using zrvtest::make_format;
@@ -43,11 +45,6 @@ std::string units(const std::u16string &text) {
 // ASCII text in 16-bit units.
 std::string wide(const std::string &ascii) {
   return units({ascii.begin(), ascii.end()});
-}
-
-template <class Value>
-std::string bytes_of(Value value) {
-  return {reinterpret_cast<const char *>(&value), sizeof value};
 }
 
 // What came of a conversion: the whole destination, of which a fill is what was not written.
@@ -1086,6 +1083,7 @@ TEST(Utf8Format, IsKnownByTheCharacterSet) {
   EXPECT_NULL_POINTER_CHECK(unit, CS_BOOL{0}, equals(&world.context, &format));
   world.context.ctxlocale = nullptr;
   EXPECT_NULL_POINTER_CHECK(unit, CS_BOOL{0}, equals(&world.context, &format));
+  world.context.ctxlocale = &world.utf8.locale;
   world.context.ctxglobals = nullptr;
   EXPECT_NULL_POINTER_CHECK(unit, CS_BOOL{0}, equals(&world.context, &format));
 }

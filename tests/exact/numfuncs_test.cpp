@@ -5,6 +5,7 @@
 
 #include "check_trap.h"
 #include "numeric_operands.h"
+#include "value_bytes.h"
 
 using zrvtest::Decimal;
 using zrvtest::make_decimal;
@@ -56,9 +57,8 @@ testing::AssertionResult agrees(const Case &test, const Decimal &a, const Decima
       std::memcmp(&right, &right_before, sizeof right) != 0)
     return failure << "changed an operand";
   if (!expected.has_shape) {
-    for (const CS_BYTE byte : zrvtest::bytes_of(room.value))
-      if (byte != 0x5C)
-        return failure << "wrote to the result";
+    if (zrvtest::bytes_of(room.value) != std::string(sizeof room.value, '\x5C'))
+      return failure << "wrote to the result";
     return testing::AssertionSuccess();
   }
   if (room.value.precision != expected.value.precision || room.value.scale != expected.value.scale)

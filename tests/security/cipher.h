@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "long_hand_cipher.h"
+#include "to_hex.h"
 #include "zrvcomn/netenc.h"
 
 namespace zrvtest {
@@ -30,16 +31,6 @@ inline Bytes from_hex(const std::string &digits) {
   for (size_t i = 0; i + 1 < digits.size(); i += 2)
     bytes.push_back(static_cast<OCTET>(std::stoul(digits.substr(i, 2), nullptr, 16)));
   return bytes;
-}
-
-template <class Container>
-std::string to_hex(const Container &bytes) {
-  std::string digits;
-  for (const OCTET byte : bytes) {
-    digits += "0123456789abcdef"[byte >> 4];
-    digits += "0123456789abcdef"[byte & 15];
-  }
-  return digits;
 }
 
 inline Bytes to_bytes(const std::string &text) {

@@ -19,6 +19,7 @@
 
 #include "allocation_probe.h"
 #include "guarded_buffer.h"
+#include "to_hex.h"
 #include "zrvcomn/comncrypto.h"
 #include "zrvcomn/zrvintl.h"
 
@@ -35,16 +36,6 @@ std::string from_hex(const std::string &digits) {
   for (size_t at = 0; at < digits.size(); at += 2)
     bytes += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
   return bytes;
-}
-
-std::string to_hex(const std::string &bytes) {
-  std::string digits;
-  for (const char byte : bytes) {
-    char pair[3];
-    std::snprintf(pair, sizeof pair, "%02x", static_cast<unsigned char>(byte));
-    digits += pair;
-  }
-  return digits;
 }
 
 // Text of any length whose bytes differ.

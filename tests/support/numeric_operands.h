@@ -2,7 +2,6 @@
 #ifndef ZRVTEST_NUMERIC_OPERANDS_H
 #define ZRVTEST_NUMERIC_OPERANDS_H
 
-#include <array>
 #include <random>
 #include <string>
 #include <vector>
@@ -14,10 +13,6 @@ namespace zrvtest {
 
 // Slow builds check the same properties on fewer random cases.
 const int random_cases = sanitized || !optimized ? 10'000 : 200'000;
-
-inline const std::array<CS_BYTE, sizeof(CS_NUMERIC)> &bytes_of(const CS_NUMERIC &value) {
-  return reinterpret_cast<const std::array<CS_BYTE, sizeof(CS_NUMERIC)> &>(value);
-}
 
 inline Decimal make_decimal(int precision, int scale, const std::string &digits,
                             bool negative = false) {

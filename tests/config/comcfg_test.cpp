@@ -75,6 +75,27 @@ TEST_F(ConfigFiles, DefaultFile) {
   drop(cfg);
 }
 
+TEST_F(ConfigFiles, DefaultFileLeavesNothing) {
+  std::filesystem::create_directories(home + "/config");
+  std::ofstream(home + "/config/ncl.cfg") << "";
+  zrvtest::AllocationProbe probe;
+  CS_CONFIG *cfg = nullptr;
+  ASSERT_EQ(comn_init_cfg(&context, nullptr, CS_UNUSED, &cfg), CS_SUCCEED);
+  drop(cfg);
+  EXPECT_EQ(probe.live_blocks(), 0U);
+}
+
+TEST_F(ConfigFiles, LongestDirectoryOfTheDefaultFile) {
+  const string directory(255, '/');
+  CS_CONFIG *cfg = nullptr;
+  setenv("ZARVEK", directory.c_str(), 1);
+  EXPECT_EQ(comn_init_cfg(&context, nullptr, CS_UNUSED, &cfg), CS_FAIL);
+  EXPECT_EQ(take_numbers(), Numbers{"17040899"}); // no such file
+  setenv("ZARVEK", ("/" + directory).c_str(), 1);
+  EXPECT_ASSERTION("comcfg.cpp", CS_FAIL, comn_init_cfg(&context, nullptr, CS_UNUSED, &cfg));
+  EXPECT_EQ(cfg, nullptr);
+}
+
 TEST_F(ConfigFiles, DefaultFileNeedsTheVariable) {
   unsetenv("ZARVEK");
   CS_CONFIG *cfg = nullptr;
@@ -217,6 +238,19 @@ TEST_F(ConfigFiles, NamesOfOneLength) {
   }
 }
 
+TEST_F(ConfigFiles, NameThatBeginsAnother) {
+  std::ofstream(home + "/file") << "";
+  std::ofstream(home + "/filename") << "";
+  CS_CONFIG *const longer = open_path(home + "/filename");
+  be_first();
+  CS_CONFIG *const shorter = open_path(home + "/file");
+  ASSERT_NE(longer, nullptr);
+  ASSERT_NE(shorter, nullptr);
+  EXPECT_NE(shorter->cfg_chain, longer->cfg_chain);
+  drop(shorter);
+  drop(longer);
+}
+
 TEST_F(ConfigFiles, FilesLeaveTheMiddleOfTheChain) {
   const zrvtest::TextFile a(""), b(""), c("");
   CS_CONFIG *const first = open_path(a.path());
@@ -350,6 +384,26 @@ TEST_F(ConfigFiles, EveryAllocationFails) {
   EXPECT_EQ(silent, 2); // failing once and from then on
 }
 
+// What the pool of a file takes comes in regions: whatever it holds may be the first of a new one.
+TEST_F(ConfigFiles, EveryRegionFails) {
+  do_without_texts();
+  for (size_t lead = 0; lead < 4096; lead += 32) {
+    SCOPED_TRACE(lead);
+    const zrvtest::TextFile file("[x]\nlead = \"" + string(lead, 'x') +
+                                 "\"\n[a]\nk = 1\nk = 2\n[b]\ninclude = a\nl = 3\n");
+    CS_CONFIG *cfg = nullptr;
+    EXPECT_GT(zrvtest::fail_each_allocation([&] { cfg = nullptr; },
+                                            [&] {
+                                              init(file.path(), CS_LEN_NULLTERM, &cfg);
+                                              take_numbers();
+                                              EXPECT_EQ(head() == nullptr, cfg == nullptr);
+                                              return cfg == nullptr;
+                                            },
+                                            [&] { drop(cfg); }),
+              40U);
+  }
+}
+
 TEST_F(ConfigFiles, EveryReadFails) {
   const zrvtest::TextFile file("[a]\nk = 1\n[b]\nl = " + string(10'000, 'x') + "\n");
   size_t calls = 0, failed = 0;
@@ -415,6 +469,9 @@ TEST_F(ConfigFiles, ArgumentsAreChecked) {
                               comn_init_cfg(&context, nullptr, length, &cfg));
   EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL, comn_init_cfg(&context, text("x"), 1, nullptr));
   EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL, comn_drop_cfg(nullptr, COM_CFG_DROP_NORMAL));
+  CS_MALLOC_FUNC const allocator = std::exchange(context.ctxmalloc, nullptr);
+  EXPECT_NULL_POINTER_CHECK("comcfg.cpp", CS_FAIL, init("/dev/null", CS_LEN_NULLTERM, &cfg));
+  context.ctxmalloc = allocator;
   EXPECT_EQ(Application_global.ag_accesscnt, 0);
   cfg = open("[a]\nk = 1\n");
   for (CS_INT option : {0, 1, 35, 299, 301, -1})

@@ -748,6 +748,12 @@ TEST(TextSteps, TruncateChars) {
   EXPECT_EQ(comnb_truncate_chars(set, bytes, 4, 5), 4);
   EXPECT_EQ(comnb_truncate_chars(set, bytes, 4, 4), 3);
   EXPECT_EQ(comnb_truncate_chars(nullptr, bytes, 5, 4), 4);
+  // A single byte, which may be half a character; and none, which are not looked for.
+  EXPECT_EQ(comnb_truncate_chars(set, bytes, 1, 1), 0);
+  EXPECT_EQ(comnb_truncate_chars(nullptr, bytes, 1, 1), 1);
+  EXPECT_EQ(comnb_truncate_chars(nullptr, bytes, 1, 0), 0);
+  for (const CS_INT none : {0, -1})
+    EXPECT_EQ(comnb_truncate_chars(set, nullptr, none, -2), none);
 }
 
 TEST(TextSteps, Conv2Ascii) {
@@ -787,6 +793,19 @@ TEST(TextSteps, Conv2Ascii) {
   }
   EXPECT_NULL_POINTER_CHECK("com_text.cpp", 0, com__conv2ascii(nullptr, 1, dest, 4, nullptr));
   EXPECT_NULL_POINTER_CHECK("com_text.cpp", 0, com__conv2ascii(upper, 1, nullptr, 4, nullptr));
+}
+
+TEST(TextSteps, EscapeOfNoText) {
+  for (const CS_INT none : {0, -1}) {
+    GuardedBuffer dest(2);
+    CS_DATAFMT srcfmt = make_format(CS_TYPE_CHAR, none), destfmt = make_format(CS_TYPE_CHAR, 2);
+    CS_CHAR source[] = "''";
+    CS_INT length = 99;
+    EXPECT_EQ(comn__escchar(source, &srcfmt, dest.text(), &destfmt, &length, nullptr, '\''),
+              CS_SUCCEED);
+    EXPECT_EQ(length, 0);
+    EXPECT_TRUE(dest.is_untouched());
+  }
 }
 
 TEST(TextSteps, EscapeInEveryRoom) {

@@ -1,4 +1,6 @@
 // Dates and times as text.
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 #include "allocation_probe.h"
@@ -156,6 +158,81 @@ TEST(DateText, StyleAndNamesOfTheLocale) {
   EXPECT_EQ(missing.status, CS_CONV_SYNTAX);
   EXPECT_EQ(missing.destlen, 0);
   EXPECT_EQ(to_varchar(world, sources[0], &german).status, CS_CONV_SYNTAX);
+}
+
+// The big types have a style of their own, where the locale names one.
+TEST(DateText, BigTypesHaveTheirOwnStyle) {
+  TextWorld world;
+  TextSet set;
+  set.dates.convertfmt = 3;
+  set.dates.bdtconvertfmt = -1;
+  const Source &date = sources[0], &bigdatetime = sources[1];
+  EXPECT_EQ(to_text(world, date, 8, 0, &set).bytes, "01/03/00");
+  EXPECT_EQ(to_text(world, bigdatetime, 8, 0, &set).bytes, "01/03/00");
+  set.dates.bdtconvertfmt = 23;
+  EXPECT_EQ(to_text(world, date, 8, 0, &set).bytes, "01/03/00");
+  EXPECT_EQ(to_text(world, bigdatetime, 10, 0, &set).bytes, "1900-03-01");
+}
+
+TEST(DateText, CharactersThatTheSetDoesNotHave) {
+  TextWorld world;
+  TextSet set;
+  char march[] = "M\xE2\x82\xACr";
+  set.dates.shortmonths[2] = reinterpret_cast<CS_BYTE *>(march);
+  const std::string text = "M?r  1 1900  1:30PM";
+  const Converted padded = to_text(world, sources[0], 21, CS_DFMT_PADBLANK, &set);
+  EXPECT_EQ(padded.status, CS_SUCCEED);
+  EXPECT_EQ(padded.destlen, 21);
+  EXPECT_EQ(padded.bytes, text + "  ");
+  const Converted record = to_varchar(world, sources[0], &set);
+  EXPECT_EQ(record.status, CS_SUCCEED);
+  EXPECT_EQ(record.bytes.substr(0, 21), "\x13\0"s + text);
+}
+
+namespace {
+
+CS_RETCODE answer;
+
+// An algorithm of a user that delivers three bytes and `answer`.
+CS_RETCODE deliver(CS_CONTEXT *, CS_DATAFMT *, CS_VOID *, CS_DATAFMT *, CS_VOID *dest,
+                   CS_INT *resultlen) {
+  std::memcpy(dest, "abc", 3);
+  *resultlen = 3;
+  return answer;
+}
+
+} // namespace
+
+TEST(DateText, WhatAnAlgorithmOfTheUserAnswers) {
+  TextWorld world;
+  CsUserAlgo algorithm{};
+  algorithm.from_oid = &world.utf8.oid;
+  algorithm.to_oid = &world.iso_1.oid;
+  algorithm.user_conv_func = deliver;
+  world.context.usercharconv = &algorithm;
+  const struct {
+    CS_RETCODE answer, of_text;
+    bool is_padded;
+    CS_RETCODE of_record;
+  } rows[] = {
+      {CS_SUCCEED, CS_SUCCEED, true, CS_SUCCEED},
+      {CS_CONV_PARTIAL, CS_CONV_PARTIAL, true, CS_SUCCEED},
+      {CS_CONV_TRUNCATED, CS_CONV_TRUNCATED, false, CS_CONV_OVERFLOW},
+      {CS_CONV_BADCHAR, CS_CONV_BADCHAR, false, CS_CONV_BADCHAR},
+  };
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.answer);
+    answer = row.answer;
+    const Converted text = to_text(world, sources[0], 20, CS_DFMT_PADBLANK);
+    EXPECT_EQ(text.status, row.of_text);
+    EXPECT_EQ(text.bytes, "abc" + std::string(17, row.is_padded ? ' ' : '\xA5'));
+    EXPECT_EQ(text.destlen, row.is_padded ? 20 : 3);
+    const Converted record = to_varchar(world, sources[0]);
+    const bool has_text = row.of_record != CS_CONV_BADCHAR;
+    EXPECT_EQ(record.status, row.of_record);
+    EXPECT_EQ(record.destlen, has_text ? 258 : 3);
+    EXPECT_EQ(record.bytes.substr(0, 5), (has_text ? "\3\0"s : "\xA5\xA5"s) + "abc");
+  }
 }
 
 TEST(DateText, RoomBeyondTheAreaOfTwoKilobytes) {

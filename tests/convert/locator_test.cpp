@@ -409,6 +409,22 @@ TEST(LocatorToLocator, EmptyRecord) {
   EXPECT_EQ(probe.live_blocks(), 0U);
 }
 
+// A token has bytes and a length, or it is none.
+TEST(LocatorToLocator, HalfATokenIsNone) {
+  TextWorld world;
+  for (const CS_USMALLINT told : {CS_USMALLINT{0}, CS_USMALLINT{5}}) {
+    Locator source(told == 0 ? "t" : ""), dest;
+    CS_LOCATOR record = source.get();
+    record.locatorlen = told;
+    source.set(record);
+    CS_INT length = -1;
+    EXPECT_EQ(copy(world, source, dest, &length), CS_SUCCEED);
+    EXPECT_EQ(length, 0);
+    EXPECT_EQ(dest.get().locator, nullptr);
+    EXPECT_EQ(dest.get().locatorlen, 0);
+  }
+}
+
 // Chunks that tell a length without data, or none that is one, are empty.
 TEST(LocatorToLocator, MalformedChunks) {
   TextWorld world;

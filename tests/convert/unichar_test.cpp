@@ -590,6 +590,23 @@ TEST(UnicharToText, OneByteSet) {
   EXPECT_EQ(to_text(world, text16, 5, N), (Result{CS_SUCCEED, 5, "caf\xE9\0"s}));
 }
 
+// By way of UTF-8, which is told by the locale of the source, though the destination has its own.
+TEST(UnicharToText, NeedsALocaleOfTheSource) {
+  TextWorld world;
+  world.context.ctxlocale = nullptr;
+  CS_DATAFMT srcfmt = make_format(CS_TYPE_UNICHAR, 2), destfmt = make_format(CS_TYPE_CHAR, 4);
+  TextSet one_byte;
+  destfmt.locale = &one_byte.locale;
+  std::string text16 = wide("a");
+  GuardedBuffer dest(4);
+  CS_INT length = -1;
+  EXPECT_NULL_POINTER_CHECK(
+      "com_unitext.cpp", CS_FAIL,
+      comn_unichartochar(&world.context, &srcfmt, text16.data(), &destfmt, dest.data(), &length));
+  EXPECT_EQ(length, 0);
+  EXPECT_TRUE(dest.is_untouched());
+}
+
 TEST(UnicharToText, QuotesAreDoubled) {
   TextWorld world;
   const std::string text16 = units(u"\u20AC'n'");

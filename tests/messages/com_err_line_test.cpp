@@ -83,6 +83,23 @@ TEST_F(MessageLine, TextsWithoutTheirDefaults) {
   EXPECT_EQ(std::string(buffer, static_cast<size_t>(length)), builtin);
 }
 
+TEST_F(MessageLine, HandlesWithoutTheirParts) {
+  ASSERT_EQ(com_errinit(&context), CS_SUCCEED);
+  const std::string builtin =
+      "api: unable to get layer message string: unable to get origin message string: unable to get "
+      "error string";
+  CS_LOCALE *const own = std::exchange(handle()->err_locale, nullptr);
+  EXPECT_EQ(line(17039367), builtin);
+  handle()->err_locale = own;
+  CS_VOID *const messages = std::exchange(own->messageptr, nullptr);
+  EXPECT_EQ(line(17039367), builtin);
+  own->messageptr = messages;
+  auto *const texts = std::exchange(cache.locmessage, nullptr);
+  EXPECT_EQ(line(17039367), builtin);
+  cache.locmessage = texts;
+  EXPECT_EQ(line(17039367), "api: the layer: the origin: seven");
+}
+
 TEST_F(MessageLine, AFallBackMustBeOne) {
   CS_CHAR *found = nullptr;
   CS_INT length = 0;
@@ -349,7 +366,10 @@ TEST_F(MessageLine, PartsThatAreDroppedForOneAnother) {
 
 TEST_F(MessageLine, EachAllocationAndEachReadFails) {
   ASSERT_EQ(com_errinit(&context), CS_SUCCEED);
-  const std::string whole = "api: the layer: the origin: seven";
+  CS_INT row = 12;
+  CsErrParams ep;
+  com_ep_sds(&ep, text("api"), &row, text("end"));
+  const std::string whole = "api: the layer: the origin: line 12, at end";
   // A line comes out whatever fails, and the next one is whole.
   for (size_t nth = 1;; ++nth) {
     size_t failures;
@@ -357,13 +377,15 @@ TEST_F(MessageLine, EachAllocationAndEachReadFails) {
     {
       AllocationProbe probe;
       probe.fail(nth);
-      found = line(17039367);
+      found = line(17039368, ep);
       failures = probe.failures();
-      EXPECT_EQ(line(17039367), whole);
+      probe.succeed();
+      EXPECT_EQ(line(17039368, ep), whole);
+      EXPECT_EQ(com_errdrop(&context), CS_SUCCEED);
+      EXPECT_EQ(comn_intl_message_drop(&context), CS_SUCCEED);
+      EXPECT_EQ(probe.live_blocks(), 0U);
     }
     EXPECT_EQ(found.substr(0, 5), "api: ");
-    EXPECT_EQ(com_errdrop(&context), CS_SUCCEED);
-    EXPECT_EQ(comn_intl_message_drop(&context), CS_SUCCEED);
     ASSERT_EQ(comn__intl_load_message(&context, &language_oid, &cache), CS_SUCCEED);
     ASSERT_EQ(com_errinit(&context), CS_SUCCEED);
     if (failures == 0) {
@@ -378,10 +400,10 @@ TEST_F(MessageLine, EachAllocationAndEachReadFails) {
     {
       IoProbe probe;
       probe.fail(nth);
-      found = line(17039367);
+      found = line(17039368, ep);
       failures = probe.failures();
       EXPECT_EQ(probe.open_files(), 0U);
-      EXPECT_EQ(line(17039367), whole);
+      EXPECT_EQ(line(17039368, ep), whole);
     }
     EXPECT_EQ(found.substr(0, 5), "api: ");
     EXPECT_EQ(com_errdrop(&context), CS_SUCCEED);

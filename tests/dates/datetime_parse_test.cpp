@@ -82,12 +82,12 @@ std::string datetime(std::string text, int style = 0, int order = 1, CS_ATTRIB *
   return shown;
 }
 
-std::string bigdatetime(std::string text, int order = 1) {
+std::string bigdatetime(std::string text, int order = 1, int style = 0) {
   CS_BIGDATETIME value = 77;
   CS_BOOL truncated = 77;
-  const int status =
-      com__bigdatetimefromchar_mb(&value, text.data(), static_cast<CS_INT>(text.size()), 0, order,
-                                  com__get_months(), com__get_shortmonths(), nullptr, &truncated);
+  const int status = com__bigdatetimefromchar_mb(
+      &value, text.data(), static_cast<CS_INT>(text.size()), style, order, com__get_months(),
+      com__get_shortmonths(), nullptr, &truncated);
   EXPECT_NE(truncated, 77);
   EXPECT_NE(truncated, 1);
   if (status != 0)
@@ -100,9 +100,9 @@ std::string bigdatetime(std::string text, int order = 1) {
 
 // The value of one of the entry points for parts, or its result.
 template <class Value, class Entry>
-std::string part(Entry entry, std::string text, int order = 1) {
+std::string part(Entry entry, std::string text, int order = 1, int style = 0) {
   Value value = 77;
-  const int status = entry(&value, text.data(), static_cast<CS_INT>(text.size()), 0, order,
+  const int status = entry(&value, text.data(), static_cast<CS_INT>(text.size()), style, order,
                            com__get_months(), com__get_shortmonths(), nullptr, nullptr);
   return status != 0 ? "result " + std::to_string(status) : std::to_string(value);
 }
@@ -540,6 +540,28 @@ TEST(TextToPart, DatesAndTimes) {
   EXPECT_EQ(time("25:01"), "result 1");
   EXPECT_EQ(bigtime(""), "0");
   EXPECT_EQ(bigtime("0:01 x"), "result -1");
+}
+
+// Style 103 reads the day first, style 101 the month.
+TEST(TextToDatetime, StyleOfEveryEntryPoint) {
+  for (const int style : {103, 101}) {
+    const bool is_day_first = style == 103;
+    EXPECT_EQ(bigdatetime("1/2/2005", 1, style),
+              is_day_first ? "2005-02-01 00:00:00.000000" : "2005-01-02 00:00:00.000000");
+    EXPECT_EQ(part<CS_DATE>(com__dateafromchar_mb, "1/2/2005", 1, style),
+              is_day_first ? "38382" : "38352");
+    // A time on its own has no order, but what stands in front of it has.
+    EXPECT_EQ(part<CS_TIME>(com__timeafromchar_mb, "31/12/2005 0:01", 1, style),
+              is_day_first ? "18000" : "result 2");
+    EXPECT_EQ(part<CS_BIGTIME>(com__bigtimefromchar_mb, "31/12/2005 0:01", 1, style),
+              is_day_first ? "60000000" : "result 2");
+    CS_CHAR text[] = "1/2/2005";
+    CS_DATETIME4 value = {7, 7};
+    EXPECT_EQ(com__date4fromchar_mb(&value, text, 8, style, 1, com__get_months(),
+                                    com__get_shortmonths(), nullptr, nullptr),
+              0);
+    EXPECT_EQ(value.days, is_day_first ? 38382 : 38352);
+  }
 }
 
 TEST(TextToTime, NothingElse) {

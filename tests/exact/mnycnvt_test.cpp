@@ -114,6 +114,10 @@ TEST(TextToMoney, FrontInAnyOrder) {
                            "1. 5",
                            "x",
                            "1x",
+                           "1:", // the neighbours of the digits
+                           "1/",
+                           "1:2",
+                           "1.:",
                            "x1",
                            "1e5",
                            "1..2",

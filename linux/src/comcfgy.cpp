@@ -222,7 +222,10 @@ private:
     text = {};
     if (at(CFG_BLANK) || at(CFG_NEWLINE))
       return shift(text) && reduce(1);
-    return reduce(0);
+    // Nothing is read for a token that can follow it: whether there is room for its state is asked when
+    // that is taken, and not when it is an error.
+    ++states;
+    return true;
   }
 
   // ---- tokens ----

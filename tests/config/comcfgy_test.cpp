@@ -498,6 +498,19 @@ TEST_F(ConfigRandom, ManyFaultyHeaders) {
     }
 }
 
+// The same with errors in the middle of a rule, of which the newest parts may find no room.
+TEST_F(ConfigRandom, ErrorsWhereTheStatesEnd) {
+  for (int count = 236; count < 252 && !HasFailure(); ++count)
+    for (const char *tail :
+         {"\1[=]\n", "[=]\n\"x\"\"x\"[a[", "a =[a=]\n", "[a]\nZ=]", "[a]\nZ=][a]\n=", "[a]\nb]",
+          "[a]\ninclude]", "[a]\ninclude =]", "[a b=", "[a]\nb c", "\"x\"]a=1\n\\\n[=]\n"})
+      for (const char *end : {"", "[a]\n"}) {
+        const string file = many("[=]\n", count) + tail + end;
+        compare(file, com_get_charattrib());
+        compare(" " + file, com_get_charattrib());
+      }
+}
+
 // What was read is off the stack, however much it was.
 TEST_F(ConfigRandom, StatesBehindLongEntries) {
   const auto check = [this](const string &file) {

@@ -404,6 +404,7 @@ private:
       const ConfigToken &token = tokens[next];
       const Symbol name = token_names.at(token.code);
       if (!production) {
+        newest = next;
         if (const auto state = tables.shift(stack.back().state, name)) {
           if (!push({*state, bytes.substr(token.offset, text_length(token))}))
             return false;
@@ -461,7 +462,7 @@ private:
   }
 
   void report() {
-    const ConfigToken &token = tokens[next];
+    const ConfigToken &token = tokens[newest];
     std::string text = bytes.substr(token.offset, std::min(token.length, size_t{254}));
     file.messages.push_back({COM_CFGERR_SYNTAX, token.line, text.c_str()});
   }
@@ -525,7 +526,7 @@ private:
 
   const std::string &bytes;
   std::vector<ConfigToken> tokens;
-  size_t next = 0;
+  size_t next = 0, newest = 0; // to be taken; that was looked at
   std::vector<Entry> stack;
   bool ok = false;
   size_t open_section = 0; // entries on the stack when the section that is read began

@@ -17,8 +17,10 @@ constexpr size_t longest_number = 4;
 bool has_long_number(const std::string &format) {
   size_t digits = 0;
   for (const char c : format) {
-    digits = c >= '0' && c <= '9' ? digits + 1 : 0;
-    if (digits > longest_number)
+    // What is no part of a specification stands between its digits without ending their number.
+    if (c == '%' || c == '.')
+      digits = 0;
+    else if (c >= '0' && c <= '9' && ++digits > longest_number)
       return true;
   }
   return false;

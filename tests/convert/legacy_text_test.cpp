@@ -92,7 +92,7 @@ TEST(LegacyText, Bits) {
   EXPECT_EQ(read<CS_BIT>("bit", "000"), (Bit{1, 0}));
   EXPECT_EQ(read<CS_BIT>("bit", "1  "), (Bit{1, 1}));
   EXPECT_EQ(read<CS_BIT>("bit", "   "), (Bit{1, 0}));
-  EXPECT_EQ(read<CS_BIT>("bit", ""), (Bit{1, 0}));
+  EXPECT_EQ(read<CS_BIT>("bit", ""), (Bit{0, untouched<CS_BIT>()}));
   // Deliberate: blanks in front are no digits.
   for (const char *text : {" 1", "-1", "1x", "x1", "+0", "0\t", "1.0"})
     EXPECT_EQ(read<CS_BIT>("bit", text), (Bit{syntax, untouched<CS_BIT>()})) << text;

@@ -456,6 +456,8 @@ TEST_F(CharsetLoad, Refusals) {
   refuse(without(Class2().text(), "class"), "no class, and the image of class 2");
   refuse(without(good, "image_size"), "no size");
   refuse(good.substr(0, images) + "other = x\n" + good.substr(images), "an unknown key");
+  refuse(good.substr(0, images) + "other = " + raw(1285, 4) + "\n" + good.substr(images),
+         "an unknown key with a size");
   refuse(good.substr(0, images) + "Class = \\x01\n" + good.substr(images), "another case");
   for (const char *const number : {"\\x00", "\\x03", "\\x81", "1", "\"\"", "\\x00\\x01"})
     refuse(with(good, "class = \\x01", std::string("class = ") + number), number);

@@ -362,6 +362,14 @@ TEST_F(ConfigGet, ArgumentsAreChecked) {
   EXPECT_NULL_POINTER_CHECK("comcfg_get.cpp", CS_FAIL, get(cfg, nullptr, text("k"), value));
   EXPECT_NULL_POINTER_CHECK("comcfg_get.cpp", CS_FAIL, get(cfg, text("a"), nullptr, value));
   EXPECT_NULL_POINTER_CHECK("comcfg_get.cpp", CS_FAIL, get(cfg, text("a"), text("k"), nullptr));
+  for (const CS_INT length : {-1, CS_LEN_NULLTERM}) {
+    EXPECT_NULL_POINTER_CHECK(
+        "comcfg_get.cpp", CS_FAIL,
+        comn_get_cfg(cfg, nullptr, length, text("k"), 1, nullptr, value, 8, nullptr));
+    EXPECT_NULL_POINTER_CHECK(
+        "comcfg_get.cpp", CS_FAIL,
+        comn_get_cfg(cfg, text("a"), 1, nullptr, length, nullptr, value, 8, nullptr));
+  }
   EXPECT_NULL_POINTER_CHECK("comcfg_get.cpp", CS_FAIL, comn_nextdrop_cfg(nullptr, nullptr));
   EXPECT_STREQ(value, "xyz");
 }

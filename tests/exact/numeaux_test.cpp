@@ -395,6 +395,26 @@ TEST(NumericToText, LongestTexts) {
   EXPECT_EQ(print("1", 255), "no room");
 }
 
+// Leading zeroes may stand in front of what the library reads of a magnitude, and nothing else.
+TEST(NumericToText, ValuesOfMoreBytesThanAnyNumericHas) {
+  for (const int extra : {48, 49, 60}) {
+    std::string bytes(static_cast<size_t>(1 + extra), '\0');
+    bytes.back() = 7;
+    __CONSTANT descriptor{};
+    descriptor.len = 1 + extra;
+    descriptor.value = reinterpret_cast<CS_BYTE *>(bytes.data());
+    GuardedBuffer buffer(80);
+    EXPECT_EQ(com__subexctnumetochar(&descriptor, buffer.text(), 80), 79) << extra;
+    EXPECT_EQ(buffer.contents().substr(79), "7");
+    bytes[1] = 1;
+    if (extra == 48)
+      continue;
+    GuardedBuffer untouched(80);
+    EXPECT_EQ(com__subexctnumetochar(&descriptor, untouched.text(), 80), -1) << extra;
+    EXPECT_TRUE(untouched.is_untouched());
+  }
+}
+
 TEST(NumericToText, RandomValuesThereAndBack) {
   zrvtest::RandomDecimals random(22);
   for (int i = 0; i < zrvtest::random_cases; ++i) {

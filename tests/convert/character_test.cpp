@@ -238,16 +238,54 @@ TEST(TextToFloat, AsTheCLibraryReads) {
                            "2.4703282292062327e-324",
                            "2.4703282292062328e-324",
                            "0.0001e312",
-                           "nan(",
                            "nan(0x7ff)",
                            "nan(077)",
                            "nan(08)",
                            "nan(abc)",
                            "nan(99999999999999999999)",
+                           "nan(",
+                           "nan(z)",
+                           "nan(Z9_)",
+                           "nan(0x)",
+                           "nan(0)",
+                           "NAN",
+                           "InFiNiTy",
                            "0x-1",
                            "0xinf",
                            "infinit"})
     check(edge);
+}
+
+// What is out of range is so by the exponent of its first digit that is not 0, however far from the
+// point that one stands.
+TEST(TextToFloat, ExponentsOfLongTexts) {
+  TextWorld world;
+  const auto status = [&](const std::string &text) {
+    return world.to_fixed(chars, flt8, text).status;
+  };
+  const auto digits = [](char digit, size_t count) { return std::string(count, digit); };
+  EXPECT_EQ(status('1' + digits('0', 400)), OV);
+  EXPECT_EQ(status('1' + digits('0', 400) + "e-50"), OV);
+  EXPECT_EQ(status('1' + digits('0', 400) + ".5e-50"), OV);
+  EXPECT_EQ(status('1' + digits('0', 400) + "e-200"), OK);
+  EXPECT_EQ(status(digits('9', 200) + "e-600"), UN);
+  EXPECT_EQ(status("1." + digits('5', 500) + "e400"), OV);
+  EXPECT_EQ(status("1." + digits('5', 500) + "e-400"), UN);
+  EXPECT_EQ(status("0." + digits('0', 400) + '1'), UN);
+  EXPECT_EQ(status("0." + digits('0', 400) + "1e50"), UN);
+  EXPECT_EQ(status("0." + digits('0', 400) + "1e450"), OK);
+  EXPECT_EQ(status("0." + digits('0', 100) + "1e450"), OV);
+  EXPECT_EQ(status(digits('0', 400) + "1e-400"), UN);
+  EXPECT_EQ(status(digits('0', 400) + "1e+400"), OV);
+  EXPECT_EQ(status(digits('0', 400) + "e400"), OK);
+  EXPECT_EQ(status(digits('0', 400) + ".e-400"), OK);
+  // A hexadecimal digit is four places of the exponent.
+  EXPECT_EQ(status("0x0." + digits('0', 400) + "1p450"), UN);
+  EXPECT_EQ(status("0x0." + digits('0', 400) + "1p1600"), OK);
+  EXPECT_EQ(status("0x0." + digits('0', 400) + "1p2700"), OV);
+  EXPECT_EQ(status("0x1" + digits('0', 400) + "p-500"), OV);
+  EXPECT_EQ(status("0x1" + digits('0', 400) + "p-1600"), OK);
+  EXPECT_EQ(status("0xf" + digits('0', 400) + "p-3000"), UN);
 }
 
 TEST(TextToFloat, NoLocaleHasASay) {

@@ -260,32 +260,36 @@ TEST(TextToFloat, AsTheCLibraryReads) {
 // point that one stands.
 TEST(TextToFloat, ExponentsOfLongTexts) {
   TextWorld world;
-  const auto status = [&](const std::string &text) {
-    return world.to_fixed(chars, flt8, text).status;
+  const auto run = [](char digit, size_t count) { return std::string(count, digit); };
+  const struct {
+    std::string text;
+    CS_RETCODE status;
+  } rows[] = {
+      {'1' + run('0', 400), OV},
+      {'1' + run('0', 400) + "e-50", OV},
+      {'1' + run('0', 400) + ".5e-50", OV},
+      {'1' + run('0', 400) + "e-200", OK},
+      {run('9', 200) + "e-600", UN},
+      {"1." + run('5', 500) + "e400", OV},
+      {"1." + run('5', 500) + "e-400", UN},
+      {"0." + run('0', 400) + '1', UN},
+      {"0." + run('0', 400) + "1e50", UN},
+      {"0." + run('0', 400) + "1e450", OK},
+      {"0." + run('0', 100) + "1e450", OV},
+      {run('0', 400) + "1e-400", UN},
+      {run('0', 400) + "1e+400", OV},
+      {run('0', 400) + "e400", OK},
+      {run('0', 400) + ".e-400", OK},
+      // A hexadecimal digit is four places of the exponent.
+      {"0x0." + run('0', 400) + "1p450", UN},
+      {"0x0." + run('0', 400) + "1p1600", OK},
+      {"0x0." + run('0', 400) + "1p2700", OV},
+      {"0x1" + run('0', 400) + "p-500", OV},
+      {"0x1" + run('0', 400) + "p-1600", OK},
+      {"0xf" + run('0', 400) + "p-3000", UN},
   };
-  const auto digits = [](char digit, size_t count) { return std::string(count, digit); };
-  EXPECT_EQ(status('1' + digits('0', 400)), OV);
-  EXPECT_EQ(status('1' + digits('0', 400) + "e-50"), OV);
-  EXPECT_EQ(status('1' + digits('0', 400) + ".5e-50"), OV);
-  EXPECT_EQ(status('1' + digits('0', 400) + "e-200"), OK);
-  EXPECT_EQ(status(digits('9', 200) + "e-600"), UN);
-  EXPECT_EQ(status("1." + digits('5', 500) + "e400"), OV);
-  EXPECT_EQ(status("1." + digits('5', 500) + "e-400"), UN);
-  EXPECT_EQ(status("0." + digits('0', 400) + '1'), UN);
-  EXPECT_EQ(status("0." + digits('0', 400) + "1e50"), UN);
-  EXPECT_EQ(status("0." + digits('0', 400) + "1e450"), OK);
-  EXPECT_EQ(status("0." + digits('0', 100) + "1e450"), OV);
-  EXPECT_EQ(status(digits('0', 400) + "1e-400"), UN);
-  EXPECT_EQ(status(digits('0', 400) + "1e+400"), OV);
-  EXPECT_EQ(status(digits('0', 400) + "e400"), OK);
-  EXPECT_EQ(status(digits('0', 400) + ".e-400"), OK);
-  // A hexadecimal digit is four places of the exponent.
-  EXPECT_EQ(status("0x0." + digits('0', 400) + "1p450"), UN);
-  EXPECT_EQ(status("0x0." + digits('0', 400) + "1p1600"), OK);
-  EXPECT_EQ(status("0x0." + digits('0', 400) + "1p2700"), OV);
-  EXPECT_EQ(status("0x1" + digits('0', 400) + "p-500"), OV);
-  EXPECT_EQ(status("0x1" + digits('0', 400) + "p-1600"), OK);
-  EXPECT_EQ(status("0xf" + digits('0', 400) + "p-3000"), UN);
+  for (const auto &[text, status] : rows)
+    EXPECT_EQ(world.to_fixed(chars, flt8, text).status, status) << text;
 }
 
 TEST(TextToFloat, NoLocaleHasASay) {
